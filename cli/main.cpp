@@ -1,0 +1,92 @@
+// vantora-cli: the headless tool. Every operation that the desktop offers on data can
+// be run from here, with messages on stderr and questions answered from flags.
+#include <QCoreApplication>
+#include <QTextStream>
+
+#include <cstring>
+
+#include "commands.h"
+#include "frame.h"
+
+namespace {
+
+struct Command {
+  const char* name;
+  int (*run)(const QStringList&);
+  const char* usage;
+};
+
+const Command kCommands[] = {
+    {"version", cmd_version, "version                      print the program version"},
+    {"make-recorder", cmd_make_recorder,
+     "make-recorder --kind K --lang ja|en --days N --out FILE [options]\n"
+     "                             write a recorder memory image"},
+    {"dump", cmd_dump, "dump FILE [--json]           decode a recorder image through the emulated reader"},
+    {"initdb", cmd_initdb, "initdb [--path P] [--password PW]   create a new database"},
+    {"users", cmd_users, "users                        list the users"},
+    {"days", cmd_days, "days --user ID [--from YYYYMMDD --to YYYYMMDD]   list a user's stored days"},
+    {"receive", cmd_receive,
+     "receive [--as USER_ID | --new-user NAME] [--state S_USERSELECT|S_JOB] [--yes|--no] [--fast]\n"
+     "                             receive the recorder on the reader"},
+    {"chart-data", cmd_chart_data,
+     "chart-data --user ID --type N --from YYYYMMDD --to YYYYMMDD [--out DIR]\n"
+     "                             write the chart files of a chart"},
+    {"range", cmd_range,
+     "range --user ID --period day|week|month|sixmonths [--end YYYYMMDD] [--mode 0|-1|1|2]\n"
+     "                             print a chart's display window"},
+    {"render", cmd_render,
+     "render --interface FILE [--header FILE] --out FILE.png|FILE.pdf [--size WxH]\n"
+     "                             draw a chart file to a picture or a report"},
+};
+
+void printHelp(QTextStream& out) {
+  out << "Usage: vantora-cli COMMAND [ARGS]\n\n"
+         "Run from an installation's bin/ folder (or give paths explicitly).\n"
+         "Exit codes: 0 success, 1 the operation failed, 2 bad usage.\n\nCommands:\n";
+  for (const auto& c : kCommands) out << "  " << c.usage << "\n";
+}
+
+}  // namespace
+
+int cmd_version(const QStringList& args) {
+  if (!args.isEmpty()) {
+    QTextStream(stderr) << "version takes no arguments\n";
+    return 2;
+  }
+  QTextStream(stdout) << "vantora-cli " << QCoreApplication::applicationVersion() << "\n";
+  return 0;
+}
+
+int main(int argc, char** argv) {
+  QCoreApplication app(argc, argv);
+  QCoreApplication::setApplicationName(QStringLiteral("vantora-cli"));
+  QCoreApplication::setApplicationVersion(QStringLiteral(VANTORA_VERSION));
+  StderrDialog dialogs;
+  SetDialogInterface(&dialogs);
+
+  QStringList args = QCoreApplication::arguments().mid(1);
+  QTextStream out(stdout);
+  if (args.isEmpty()) {
+    printHelp(out);
+    return 2;
+  }
+  const QString name = args.takeFirst();
+  if (name == QLatin1String("--help") || name == QLatin1String("-h") || name == QLatin1String("help")) {
+    printHelp(out);
+    return 0;
+  }
+  for (const auto& c : kCommands) {
+    if (name == QLatin1String(c.name)) {
+      try {
+        return c.run(args);
+      } catch (const ConfigError& e) {
+        QTextStream(stderr) << e.text() << "\n";
+        return 1;
+      }
+    }
+  }
+  QTextStream err(stderr);
+  err << "unknown command: " << name << "\n\n";
+  printHelp(err);
+  return 2;
+}
