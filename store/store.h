@@ -106,8 +106,10 @@ bool VTDB_SetUserInfo(VtDatabase& db, const UserRecord& user);
 bool VTDB_ChangeUserInfo(VtDatabase& db, const UserRecord& user);
 // After a reception: body data of the page, LAST_RECEIVE_ID, LAST_PAGE and (unless
 // keepTargets) the targets. A missing user row is no failure.
+// kind and lang are the attached recorder's (DeviceState::pmKind, pmLang), for the ring.
 bool VTDB_UpdateUserData(VtDatabase& db, const QString& userId, const QString& receiveId,
-                         const FlashManage& manage, const FlashData& page, bool keepTargets);
+                         const FlashManage& manage, const FlashData& page, bool keepTargets,
+                         const QString& kind, const QString& lang);
 // After an import: body data and targets of the latest imported day.
 bool VTDB_UpdateUserDataForCSV(VtDatabase& db, const QString& userId, const CsvRow& day);
 bool VTDB_DeleteUserInfo(VtDatabase& db, const QString& userId);
@@ -152,12 +154,13 @@ bool VTDB_DeleteReceiveHistoryDate(VtDatabase& db, const QString& receiveId);
 
 // ---- DAY_MEASUREMENT, TIME_MEASUREMENT_BLOCK, TIME_MEASUREMENT ----
 
-// Stores the day of the page. The kind of the attached recorder (device layer) chooses
-// the family rules; a family B page gets the distance carry applied to the record itself.
-// A page dated with the zero date is stored with empty MEASUREMENT_DAY.
+// Stores the day of the page. The version text of the management record chooses the
+// family rules, kind (DeviceState::pmKind) the ZR/KT column rules; a family B page gets
+// the distance carry applied to the record itself. A page dated with the zero date is
+// stored with empty MEASUREMENT_DAY and RAW_MEASUREMENT_DAY.
 bool VTDB_SetDayMeasurement(VtDatabase& db, const QString& receiveId, int seqNum,
                             const QString& userId, int page, int startPage, FlashData& day,
-                            const FlashManage& manage);
+                            const FlashManage& manage, const QString& kind);
 bool VTDB_SetDayMeasurementForCSV(VtDatabase& db, const QString& receiveId, int seqNum,
                                   const UserInfo& user, const CsvRow& row);
 // True when found.
@@ -187,9 +190,10 @@ bool VTDB_DeleteDayMeasurement(VtDatabase& db, const QString& receiveId, const Q
 // Deletes the rows of a reception with that page; seqNum gets the SEQ_NUM of the last.
 bool VTDB_DeleteDayMeasurementFromPage(VtDatabase& db, const QString& receiveId,
                                        const QString& page, QString& seqNum);
-// Stores the 720 slot texts of the page's profile (by the recorder kind).
+// Stores the 720 slot texts of the page's profile by the recorder kind
+// (DeviceState::pmKind); MEASUREMENT_MODE "1" for PMKIND_BRIO_METS.
 bool VTDB_SetTimeMeasurementBlock(VtDatabase& db, const QString& receiveId, int seqNum,
-                                  const FlashData& day);
+                                  const FlashData& day, const QString& kind);
 bool VTDB_SetTimeMeasurementBlockForCSV(VtDatabase& db, const QString& receiveId, int seqNum,
                                         const UserInfo& user, const CsvRow& row);
 // True also with no row (record then left as it was).
@@ -246,7 +250,8 @@ int SetUser(VtDatabase& db, UserInfo& user);
 int EditUser(VtDatabase& db, const UserInfo& user);
 // 0, or 22 on failure.
 int UpdateUserData(VtDatabase& db, const QString& userId, const QString& receiveId,
-                   const FlashManage& manage, const FlashData& page, bool keepTargets);
+                   const FlashManage& manage, const FlashData& page, bool keepTargets,
+                   const QString& kind, const QString& lang);
 // 0, or 24 on failure.
 int SetGeneralData(VtDatabase& db, const QString& userId, const QString& year,
                    const QString& month, const QString& day, const QString& item,
