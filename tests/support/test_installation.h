@@ -1,0 +1,59 @@
+// A complete, throw-away installation for tests: bin/ (the working directory while the
+// object lives), conf/config.cnf with every key, the catalogue files, data/mdb/, temp/,
+// log/, raw/ and reader/. The frame is loaded as at start-up, and every dialog is
+// recorded instead of shown.
+#pragma once
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include "dialog.h"
+
+class TestInstallation {
+ public:
+  // lang "ja" or "en". The catalogue files come from the source tree's dist/<lang>/
+  // when present there, else a small built-in catalogue with every code is written.
+  explicit TestInstallation(const QString& lang = QStringLiteral("ja"));
+  ~TestInstallation();
+  TestInstallation(const TestInstallation&) = delete;
+  TestInstallation& operator=(const TestInstallation&) = delete;
+
+  bool isValid() const { return valid_; }
+
+  QString root() const { return dir_.path(); }
+  QString binPath() const { return path(QStringLiteral("bin")); }
+  QString confPath() const { return path(QStringLiteral("conf")); }
+  QString configFile() const { return path(QStringLiteral("conf/config.cnf")); }
+  QString resourceIniFile() const { return path(QStringLiteral("conf/resource.ini")); }
+  QString chartIniFile() const { return path(QStringLiteral("conf/chart.ini")); }
+  QString dbFile() const { return path(QStringLiteral("data/mdb/ACTA.db")); }
+  QString tempPath() const { return path(QStringLiteral("temp")); }
+  QString logPath() const { return path(QStringLiteral("log")); }
+  QString rawPath() const { return path(QStringLiteral("raw")); }
+  QString readerPath() const { return path(QStringLiteral("reader")); }
+  QString traceFile() const { return path(QStringLiteral("log/trace.log")); }
+  // Absolute path of a file below the root.
+  QString path(const QString& relative) const;
+
+  // Writes one key of config.cnf (the section and key are created when missing).
+  void setConfig(const QString& section, const QString& key, const QString& value);
+  // Writes one key of the resource profile file.
+  void setResource(const QString& section, const QString& key, const QString& value);
+  // Replaces ACTA.res / menu.res in bin/ and loads them again.
+  void writeCatalogue(const QByteArray& actaRes);
+  void writeMenu(const QByteArray& menuRes);
+
+  // The trace log's text ("" when there is none yet).
+  QString traceText() const;
+
+  RecordingDialog& dialog() { return dialog_; }
+
+ private:
+  bool setUp(const QString& lang);
+
+  QTemporaryDir dir_;
+  QString oldCwd_;
+  RecordingDialog dialog_;
+  ScopedDialogInterface dialogGuard_{&dialog_};
+  bool valid_ = false;
+};
