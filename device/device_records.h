@@ -13,6 +13,10 @@
 
 #include "helpers.h"
 
+// The zero date at 00:00 as a date-time. Device date-times are UTC, so no daylight
+// saving rule can shift a decoded hour.
+inline QDateTime ZeroDateTime() { return QDateTime(ZeroDate(), QTime(0, 0), Qt::UTC); }
+
 // ---- kinds and languages: held and compared as these exact texts ----
 inline const QString PMKIND_AL = QStringLiteral("PMKIND_AL");
 inline const QString PMKIND_BRIO_NORMAL = QStringLiteral("PMKIND_BRIO_NORMAL");
@@ -82,7 +86,7 @@ struct FlashManage {
   QDate bcNowDate = ZeroDate();
   QTime bcNowTime = QTime(0, 0);
   qint32 BatteryLowFlag = 0;
-  QDateTime bcMeasureStart = QDateTime(ZeroDate(), QTime(0, 0));
+  QDateTime bcMeasureStart = ZeroDateTime();
   qint32 UnitFlag = 0;
   qint32 WeightPound = 0;
   qint32 WeightFraction = 0;
