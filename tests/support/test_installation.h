@@ -7,6 +7,8 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <ostream>
+
 #include "dialog.h"
 
 class TestInstallation {
@@ -57,3 +59,6 @@ class TestInstallation {
   ScopedDialogInterface dialogGuard_{&dialog_};
   bool valid_ = false;
 };
+
+// Lets test failures show QString values as text.
+inline void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }

@@ -1,0 +1,193 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QStringEncoder>
+
+#include "catalogue.h"
+#include "shared_values.h"
+#include "test_installation.h"
+
+namespace {
+
+class Catalogue : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(inst.isValid());
+    LoadResourceFromText(QStringLiteral(
+        "TITL-I-0001,0,\"Vantora\",\"\"\n"
+        "; a comment, with commas, \"quotes\" and, more\n"
+        "INFO-I-0001,0,Saved.,\n"
+        "WARN-W-0001,1,\"Low, really low\",\"Charge it.\"\n"
+        "CRIT-C-0001,2,Broken,Call us\n"
+        "CRIT-C-0001,2,Second copy,ignored\n"
+        "SPAN-I-0001,0\n"
+        "\"first line part\"\n"
+        "\"second\"\n"
+        ",0,no code,skipped\n"
+        "\n"
+        "ODD-I-0001,5,odd level,\n"));
+  }
+  const std::vector<RecordingDialog::Shown>& shown() { return inst.dialog().shown; }
+
+  TestInstallation inst;
+};
+
+TEST_F(Catalogue, RecordsFieldsAndFirstCodeWins) {
+  const auto warn = FindMessage("WARN-W-0001");
+  ASSERT_TRUE(warn);
+  EXPECT_EQ(warn->level, 1);
+  EXPECT_EQ(warn->text1, "Low, really low");
+  EXPECT_EQ(warn->text2, "Charge it.");
+  EXPECT_EQ(FindMessage("CRIT-C-0001")->text1, "Broken");
+  const auto span = FindMessage("SPAN-I-0001");
+  ASSERT_TRUE(span);
+  EXPECT_EQ(span->text1, "first line part");
+  EXPECT_EQ(span->text2, "second");
+  EXPECT_FALSE(FindMessage("; a comment"));
+  EXPECT_FALSE(FindMessage(""));
+  EXPECT_EQ(FindMessage("INFO-I-0001")->text2, "");
+  EXPECT_TRUE(FindMessage("ODD-I-0001"));
+  EXPECT_FALSE(FindMessage("info-i-0001"));  // codes compare exactly
+}
+
+TEST_F(Catalogue, MessageTextsAndIcons) {
+  MessageDialog("CRIT-C-0001");
+  MessageDialog("WARN-W-0001", "extra line");
+  MessageDialog("INFO-I-0001", "<__MESSAGE1__|__MESSAGE2__|__MESSAGE1__>", true);
+  MessageDialog("ODD-I-0001");
+  ASSERT_EQ(shown().size(), 4u);
+  EXPECT_EQ(shown()[0].title, "Vantora");
+  EXPECT_EQ(shown()[0].text, "Broken\r\nCall us");
+  EXPECT_EQ(shown()[0].icon, DialogIcon::Critical);
+  EXPECT_EQ(shown()[1].text, "Low, really low\r\nCharge it.\r\nextra line");
+  EXPECT_EQ(shown()[1].icon, DialogIcon::Exclamation);
+  EXPECT_EQ(shown()[2].text, "<Saved.||Saved.>");
+  EXPECT_EQ(shown()[2].icon, DialogIcon::Information);
+  EXPECT_EQ(shown()[3].icon, DialogIcon::None);
+  EXPECT_FALSE(shown()[0].question);
+
+  MessageRecord rec{0, "one", "", "X"};
+  EXPECT_EQ(BuildMessageText(rec, "", true), "");  // not corrected
+  EXPECT_EQ(BuildMessageText(rec, "two", false), "one\r\ntwo");
+}
+
+TEST_F(Catalogue, WarningsAndErrorsAreLoggedBeforeTheBox) {
+  // A dialog that looks at the log at the moment the box appears.
+  struct LogChecking : DialogInterface {
+    QString logAtShow;
+    TestInstallation* inst = nullptr;
+    void showMessage(const QString&, const QString&, DialogIcon) override { logAtShow = inst->traceText(); }
+    int askQuestion(const QString&, const QString&, DialogIcon) override { return kAnswerYes; }
+  } checking;
+  checking.inst = &inst;
+  ScopedDialogInterface guard(&checking);
+
+  MessageDialog("CRIT-C-0001");
+  EXPECT_TRUE(checking.logAtShow.contains("|2|MessageDialog        |Broken_Call us\r\n"));
+  EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerYes);
+  EXPECT_TRUE(inst.traceText().contains("|1|QuestionDialog       |Low, really low_Charge it.\r\n"));
+  const auto before = inst.traceText().size();
+  MessageDialog("INFO-I-0001");
+  EXPECT_EQ(inst.traceText().size(), before);  // level 0 is not logged
+}
+
+TEST_F(Catalogue, QuestionsReturnTheAnswer) {
+  inst.dialog().queueAnswer(kAnswerYes);
+  EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerYes);
+  EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerNo);  // empty queue answers No
+  EXPECT_TRUE(shown()[0].question);
+}
+
+TEST_F(Catalogue, MissingCodeAndMissingTitle) {
+  inst.dialog().queueAnswer(kAnswerYes);
+  EXPECT_EQ(QuestionDialog("NONE-C-0001"), 0);
+  ASSERT_EQ(shown().size(), 1u);
+  EXPECT_EQ(shown()[0].text, "*** Resouce Not Exist *** (NONE-C-0001)");
+  EXPECT_EQ(shown()[0].icon, DialogIcon::Critical);
+  EXPECT_FALSE(shown()[0].question);
+
+  LoadResourceFromText("CRIT-C-0001,2,Broken,\n");
+  inst.dialog().shown.clear();
+  EXPECT_EQ(QuestionDialog("CRIT-C-0001"), 0);
+  MessageDialog("CRIT-C-0001");
+  ASSERT_EQ(shown().size(), 2u);
+  EXPECT_EQ(shown()[1].text, "*** Resouce Not Exist *** TITL-I-0001, vbCritical + vbOKOnly");
+  EXPECT_EQ(shown()[1].icon, DialogIcon::None);
+  // The message itself still reached the log.
+  EXPECT_TRUE(inst.traceText().contains("|MessageDialog        |Broken\r\n"));
+}
+
+TEST_F(Catalogue, MenuCaptions) {
+  LoadMenuResourceFromText(
+      ";mnuFile,commented out\nmnuFile,\"&File, data\"\nmnuFile,second\nmnuQuit,Quit\n,empty\n");
+  EXPECT_EQ(GetMenuCaption("mnuFile"), "&File, data");
+  EXPECT_EQ(GetMenuCaption("mnuQuit"), "Quit");
+  EXPECT_EQ(GetMenuCaption("mnuNone"), "*** Resouce Not Exist ***");
+}
+
+TEST_F(Catalogue, FilesInUtf8OrCp932) {
+  QStringEncoder cp932("CP932");
+  inst.writeCatalogue(cp932.encode(
+      QStringLiteral("TITL-I-0001,0,\"ヴァントーラ\",\"\"\r\nPTOP-I-0001,0,\"既に起動しています。\",\"\"\r\n")));
+  EXPECT_EQ(FindMessage("TITL-I-0001")->text1, "ヴァントーラ");
+  EXPECT_EQ(FindMessage("PTOP-I-0001")->text1, "既に起動しています。");
+  inst.writeMenu(QStringLiteral("mnuQuit,\"終了\"\n").toUtf8());
+  EXPECT_EQ(GetMenuCaption("mnuQuit"), "終了");
+
+  QFile::remove("ACTA.res");
+  EXPECT_FALSE(LoadResource());
+  EXPECT_EQ(shown().back().text, "resource file[ACTA.res] not found.");
+  QFile::remove("menu.res");
+  EXPECT_FALSE(LoadMenuResource());
+}
+
+TEST_F(Catalogue, InstalledCataloguesHaveEveryCode) {
+  for (const char* lang : {"ja", "en"}) {
+    TestInstallation edition(QString::fromLatin1(lang));
+    ASSERT_TRUE(edition.isValid());
+    for (const char* code : {"TITL-I-0001", "PTOP-C-0001", "COMN-C-0002", "USEL-I-0004", "DDWN-W-0001"}) {
+      EXPECT_TRUE(FindMessage(QString::fromLatin1(code))) << lang << " " << code;
+    }
+  }
+}
+
+TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
+  inst.setResource("VB_COMMON", "FORM_BKCOLOR_R", "255");
+  inst.setResource("VB_COMMON", "FORM_BKCOLOR_G", "128");
+  inst.setResource("VB_COMMON", "FORM_BKCOLOR_B", "1");
+  EXPECT_EQ(GetIniBackColor("VB_COMMON", "FORM_BKCOLOR"), 255u + 128u * 256u + 65536u);
+  inst.setResource("X", "C_R", "10");
+  inst.setResource("X", "C_G", "300");
+  inst.setResource("X", "C_B", "1");
+  EXPECT_EQ(GetIniBackColor("X", "C"), 0u);
+  EXPECT_TRUE(inst.traceText().contains("|GetIniBackColor      |color not found: X,C"));
+
+  QFile picture(inst.path("images/user1.png"));
+  ASSERT_TRUE(picture.open(QIODevice::WriteOnly));
+  picture.close();
+  inst.setResource("VB_COMMON", "IMAGE_USERICON_1", "../images/user1.png");
+  inst.setResource("VB_COMMON", "IMAGE_USERICON_2", "../images/none.png");
+  EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_1"), "../images/user1.png");
+  EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_2"), "");
+  EXPECT_TRUE(inst.traceText().contains("|SetIniPicture        |image file not found: VB_COMMON,IMAGE_USERICON_2"));
+  EXPECT_TRUE(IsPictureFileExist("../images/user1.png"));
+  EXPECT_FALSE(IsPictureFileExist(""));
+
+  inst.setResource("VB_COMMON", "CHARSET", "128");
+  inst.setResource("VB_COMMON", "FONT", "Noto Sans CJK JP");
+  inst.setResource("VB_COMMON", "DATE_FORMAT", "yyyy-MM-dd");
+  inst.setConfig("SYSTEM", "LOCALE_SHORTDATE", " ");
+  LoadCommonFormat();
+  EXPECT_EQ(GetCommonCharset(), 128);
+  EXPECT_EQ(GetCommonFontName(), "Noto Sans CJK JP");
+  EXPECT_EQ(GetCommonDateFormat(), "yyyy-MM-dd");
+  EXPECT_EQ(GetCommonScreenDateFormat(), "yyyy\\-MM\\-dd");
+  EXPECT_EQ(GetCommonFormBackColor(), 255u + 128u * 256u + 65536u);
+  inst.setConfig("SYSTEM", "LOCALE_SHORTDATE", "dd/MM/yyyy");
+  inst.setConfig("SYSTEM", "DATESCREEN_YMD", "dd\\/MM\\/yyyy");
+  LoadCommonFormat();
+  EXPECT_EQ(GetCommonDateFormat(), "dd/MM/yyyy");
+  EXPECT_EQ(GetCommonScreenDateFormat(), "dd\\/MM\\/yyyy");
+}
+
+}  // namespace

@@ -1,0 +1,162 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+
+#include "config.h"
+#include "profile.h"
+#include "shared_values.h"
+#include "test_installation.h"
+
+namespace {
+
+class Config : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(inst.isValid()); }
+  TestInstallation inst;
+};
+
+TEST_F(Config, NumberKeysAreRequiredAndNameTheKey) {
+  EXPECT_EQ(Ini_GetPollingInterval(), 1000);
+  EXPECT_EQ(Ini_GetMaxRecord(), 366);
+  struct Case {
+    const char* section;
+    const char* key;
+    int (*get)();
+  };
+  const Case cases[] = {{"SYSTEM", "POLLING_INTERVAL", Ini_GetPollingInterval},
+                        {"SYSTEM", "LOG_LEVEL", Ini_GetLogLevel},
+                        {"SYSTEM", "SORT_ORDER", Ini_GetSortOrder},
+                        {"SYSTEM", "VALID_VERSION_NUMBER", Ini_GetValidVersionNumber},
+                        {"OTHER", "SAVE_LAST_USER", Ini_GetSaveLastUser},
+                        {"CSV", "MAX_RECORD", Ini_GetMaxRecord}};
+  for (const Case& c : cases) {
+    for (const char* bad : {"", "abc", "12a"}) {
+      inst.setConfig(c.section, c.key, bad);
+      try {
+        c.get();
+        ADD_FAILURE() << c.key << "=" << bad << " did not throw";
+      } catch (const ConfigError& e) {
+        EXPECT_TRUE(e.text().contains(QLatin1String(c.key))) << e.what();
+      }
+    }
+    inst.setConfig(c.section, c.key, " 2 ");
+    EXPECT_EQ(c.get(), 2) << c.key;
+  }
+  // The remembered user depends on a required key too.
+  inst.setConfig("OTHER", "SAVE_LAST_USER", "");
+  EXPECT_THROW(Ini_GetLastUserId(), ConfigError);
+}
+
+TEST_F(Config, FlagTypes) {
+  inst.setConfig("SYSTEM", "COMPACT_DB", "2");
+  EXPECT_FALSE(Ini_GetCompactDb());
+  inst.setConfig("SYSTEM", "COMPACT_DB", "1");
+  EXPECT_TRUE(Ini_GetCompactDb());
+
+  inst.setConfig("REPORT", "EDFA_STARTING_DAY", "");
+  inst.setConfig("REPORT", "EDFA_ENDING_DAY", "0");
+  inst.setConfig("REPORT", "EDFA_LOW_STEP_COUNT", "80");
+  bool starting = false, ending = true;
+  QString low;
+  Ini_GetExcludeSettings(starting, ending, low);
+  EXPECT_TRUE(starting);
+  EXPECT_FALSE(ending);
+  EXPECT_EQ(low, "80");
+
+  inst.setConfig("DOWNLOAD", "DOWNLOAD_DATA_RANGE", "");
+  EXPECT_FALSE(Ini_GetDownloadDataRange());
+  inst.setConfig("DOWNLOAD", "DOWNLOAD_DATA_RANGE", "0");
+  EXPECT_TRUE(Ini_GetDownloadDataRange());
+
+  EXPECT_TRUE(Ini_GetPmAl());
+  inst.setConfig("PM_TEST", "PM_AL", "yes");
+  EXPECT_FALSE(Ini_GetPmAl());
+}
+
+TEST_F(Config, IntKeysAndDefaults) {
+  EXPECT_EQ(Ini_GetLang(), 0);
+  inst.setConfig("SYSTEM", "LANG", "1x");
+  EXPECT_EQ(Ini_GetLang(), 1);
+  inst.setConfig("SYSTEM", "LOCALE_CHECK", "");
+  EXPECT_EQ(Ini_GetLocaleCheck(), 0);
+  inst.setConfig("PM_TEST", "PM_DUNP", "");
+  EXPECT_EQ(Ini_GetPmDump(), 0);
+  inst.setConfig("PM_TEST", "PM_DUNP", "2");
+  EXPECT_EQ(Ini_GetPmDump(), 2);
+  EXPECT_EQ(Ini_GetReaderType(), "EMULATOR");
+  inst.setConfig("READER", "TYPE", "");
+  EXPECT_EQ(Ini_GetReaderType(), "EMULATOR");
+  EXPECT_EQ(Ini_GetEmulatorPath(), "../reader");
+}
+
+TEST_F(Config, GroupedAndSystemWrittenValues) {
+  const auto max = Ini_GetMaxValues();
+  EXPECT_EQ(max[3], "300");
+  EXPECT_EQ(max[4], "300");  // one key, two axes
+  EXPECT_EQ(Ini_GetFixedMaxValues()[0], "15000");
+  QString from, to;
+  Ini_GetModerate(from, to);
+  EXPECT_EQ(from + to, "47");
+
+  Ini_SetSortOrder(3);
+  EXPECT_EQ(Ini_GetSortOrder(), 3);
+  Ini_SetLastUserId("U000000007");
+  EXPECT_EQ(Ini_GetLastUserId(), "U000000007");
+  inst.setConfig("OTHER", "SAVE_LAST_USER", "0");
+  EXPECT_EQ(Ini_GetLastUserId(), "");
+  Ini_SetPrinterName("Office");
+  EXPECT_EQ(Ini_GetPrinterName(), "Office");
+}
+
+TEST_F(Config, FolderKeysAreCreated) {
+  QDir(inst.logPath()).removeRecursively();
+  EXPECT_EQ(Ini_GetLogPath(), "../log");
+  EXPECT_TRUE(QDir(inst.logPath()).exists());
+  inst.setConfig("SYSTEM", "TEMPDATA_PATH", "");
+  EXPECT_EQ(Ini_GetTempDataPath(), ".");
+  inst.setConfig("SYSTEM", "RAWDATA_PATH", "../raw2");
+  EXPECT_EQ(Ini_GetRawDataPath(), "../raw2");
+  EXPECT_TRUE(QDir(inst.path("raw2")).exists());
+}
+
+TEST_F(Config, ConfInstallationWinsOverWorkingDirectory) {
+  EXPECT_EQ(GetConfigPath(), "../conf/config.cnf");
+  QFile::copy(inst.configFile(), inst.path("bin/config.cnf"));
+  WriteIniString(inst.path("bin/config.cnf"), "SYSTEM", "POLLING_INTERVAL", "5");
+  ASSERT_TRUE(Ini_LoadConfig());
+  EXPECT_EQ(Ini_GetPollingInterval(), 1000);
+
+  QFile::remove(inst.configFile());
+  ASSERT_TRUE(Ini_LoadConfig());
+  EXPECT_EQ(GetConfigPath(), "config.cnf");
+  EXPECT_EQ(Ini_GetPollingInterval(), 5);
+}
+
+TEST_F(Config, LoadNeedsTheResourceAndChartFiles) {
+  EXPECT_EQ(GetResourceIniPath(), "../conf/resource.ini");
+  EXPECT_EQ(GetMetsIniPath(), "../conf/pmmets.ini");
+
+  QFile::remove(inst.path("conf/pmmets.ini"));
+  SetMetsIniPath("");
+  EXPECT_TRUE(Ini_LoadConfig());
+  EXPECT_EQ(GetMetsIniPath(), "");
+
+  inst.setConfig("SYSTEM", "CHART_INI_PATH", "../conf/none.ini");
+  EXPECT_FALSE(Ini_LoadConfig());
+  inst.setConfig("SYSTEM", "CHART_INI_PATH", "../conf/chart.ini");
+  inst.setConfig("SYSTEM", "RESORCE_INI_PATH", "");
+  EXPECT_FALSE(Ini_LoadConfig());
+
+  QFile::remove(inst.configFile());
+  EXPECT_FALSE(Ini_LoadConfig());
+}
+
+TEST(ConfigUnloaded, ReadsEmptyBeforeTheFileIsFound) {
+  ResetSharedValues();
+  EXPECT_EQ(Ini_GetDbName(), "");
+  EXPECT_EQ(Ini_GetLang(), 0);
+  EXPECT_THROW(Ini_GetLogLevel(), ConfigError);
+}
+
+}  // namespace

@@ -1,0 +1,119 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QStringDecoder>
+#include <QStringEncoder>
+#include <QTemporaryDir>
+
+#include "profile.h"
+
+namespace {
+
+class Profile : public ::testing::Test {
+ protected:
+  void write(const QByteArray& bytes) {
+    QFile f(file);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    f.write(bytes);
+  }
+  QByteArray contents() const {
+    QFile f(file);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+  }
+  QString read(const char* section, const char* key) const {
+    return ReadIniString(file, QString::fromUtf8(section), QString::fromUtf8(key));
+  }
+
+  QTemporaryDir dir;
+  QString file = dir.filePath("test.ini");
+};
+
+TEST_F(Profile, SectionsAndKeysIgnoreCaseAndBlanks) {
+  write("[System]\r\n  Db_Name = ../data/mdb/ACTA.db  \r\n[other]\r\nKEY=2\r\n");
+  EXPECT_EQ(read("SYSTEM", "DB_NAME"), "../data/mdb/ACTA.db");
+  EXPECT_EQ(read("system", "db_name"), "../data/mdb/ACTA.db");
+  EXPECT_EQ(read("OTHER", "key"), "2");
+  EXPECT_EQ(read("OTHER", "DB_NAME"), "");  // keys belong to their section
+  EXPECT_EQ(read("NONE", "KEY"), "");
+}
+
+TEST_F(Profile, FirstSectionAndFirstKeyWin) {
+  write("[A]\nK=1\nK=2\n[B]\nK=3\n[A]\nK=4\nL=5\n");
+  EXPECT_EQ(read("A", "K"), "1");
+  EXPECT_EQ(read("A", "L"), "");
+}
+
+TEST_F(Profile, ValueIsCutAt255AndAtNul) {
+  const QByteArray longValue(300, 'x');
+  write("[S]\nLONG=" + longValue + "\nNUL=ab" + QByteArray(1, '\0') + "cd\nQ=\"  spaced  \"\nE=\n");
+  EXPECT_EQ(read("S", "LONG"), QString(255, u'x'));
+  EXPECT_EQ(read("S", "NUL"), "ab");
+  EXPECT_EQ(read("S", "Q"), "  spaced  ");
+  EXPECT_EQ(read("S", "E"), "");
+}
+
+TEST_F(Profile, MissingFileOrEmptyPathReadsEmpty) {
+  EXPECT_EQ(read("S", "K"), "");
+  EXPECT_EQ(ReadIniString(QString(), "S", "K"), "");
+  EXPECT_EQ(ReadIniInt(file, "S", "K"), "0");
+  EXPECT_FALSE(FileExists(file));
+  EXPECT_FALSE(FileExists(QString()));
+  EXPECT_FALSE(FileExists(dir.path()));  // a folder is no file
+}
+
+TEST_F(Profile, IntegerReadingTakesTheLeadingNumber) {
+  write("[S]\nA=42\nB= -7x\nC=abc\nD=\nE=12.9\nF=+3\nG=4294967297\n");
+  EXPECT_EQ(ReadIniInt(file, "S", "A"), "42");
+  EXPECT_EQ(ReadIniInt(file, "S", "B"), "-7");
+  EXPECT_EQ(ReadIniInt(file, "S", "C"), "0");
+  EXPECT_EQ(ReadIniInt(file, "S", "D"), "0");
+  EXPECT_EQ(ReadIniInt(file, "S", "E"), "12");
+  EXPECT_EQ(ReadIniInt(file, "S", "F"), "3");
+  EXPECT_EQ(ReadIniInt(file, "S", "G"), "1");  // 32-bit wrap
+  EXPECT_EQ(ReadIniInt(file, "S", "MISSING"), "0");
+}
+
+TEST_F(Profile, WriteKeepsPlaceAndCreatesWhatIsMissing) {
+  write("; settings\r\n[SYSTEM]\r\nA=1\r\nSORT_ORDER=0\r\nZ=9\r\n\r\n[OTHER]\r\nX=1\r\n");
+  EXPECT_NE(WriteIniString(file, "system", "sort_order", "3"), 0);
+  EXPECT_EQ(contents(),
+            "; settings\r\n[SYSTEM]\r\nA=1\r\nsort_order=3\r\nZ=9\r\n\r\n[OTHER]\r\nX=1\r\n");
+  // A new key goes behind the section's last entry, before the blank line.
+  WriteIniString(file, "SYSTEM", "NEW", "n");
+  EXPECT_EQ(contents(),
+            "; settings\r\n[SYSTEM]\r\nA=1\r\nsort_order=3\r\nZ=9\r\nNEW=n\r\n\r\n[OTHER]\r\nX=1\r\n");
+  WriteIniString(file, "OTHER", "Y", "2");
+  WriteIniString(file, "FRESH", "K", "v");
+  EXPECT_TRUE(contents().endsWith("[OTHER]\r\nX=1\r\nY=2\r\n[FRESH]\r\nK=v\r\n"));
+  EXPECT_EQ(read("FRESH", "K"), "v");
+  EXPECT_EQ(read("OTHER", "Y"), "2");
+}
+
+TEST_F(Profile, WriteCreatesTheFile) {
+  EXPECT_NE(WriteIniString(file, "S", "K", QStringLiteral("値")), 0);
+  EXPECT_EQ(contents(), "[S]\nK=値\n");
+  EXPECT_EQ(read("S", "K"), "値");
+  WriteIniString(file, "S", "K", QString::fromUtf16(u"a\0b", 3));
+  EXPECT_EQ(read("S", "K"), "a");
+  EXPECT_EQ(WriteIniString(dir.filePath("no/such/dir.ini"), "S", "K", "v"), 0);
+}
+
+TEST_F(Profile, Cp932FilesAreRead) {
+  QStringEncoder cp932("CP932");
+  ASSERT_TRUE(cp932.isValid());
+  const QString text = QStringLiteral("[USERSELECTION]\r\nCAPTION_TITLE=ユーザー選択\r\n");
+  write(cp932.encode(text));
+  EXPECT_EQ(read("USERSELECTION", "CAPTION_TITLE"), "ユーザー選択");
+  // A write turns the whole file into UTF-8 and keeps the value.
+  WriteIniString(file, "USERSELECTION", "OTHER", "x");
+  EXPECT_EQ(QString::fromUtf8(contents()),
+            "[USERSELECTION]\r\nCAPTION_TITLE=ユーザー選択\r\nOTHER=x\r\n");
+}
+
+TEST(DecodeSystemText, Utf8WithOrWithoutBomElseCp932) {
+  EXPECT_EQ(DecodeSystemText("\xEF\xBB\xBF" "abc"), "abc");
+  EXPECT_EQ(DecodeSystemText(QStringLiteral("日本").toUtf8()), "日本");
+  EXPECT_EQ(DecodeSystemText(QByteArray("\x93\xfa\x96\x7b")), "日本");
+}
+
+}  // namespace

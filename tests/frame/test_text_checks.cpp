@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+
+#include "config.h"
+#include "helpers.h"
+#include "test_installation.h"
+
+namespace {
+
+TEST(Checks, LengthThenRange) {
+  EXPECT_EQ(CheckInput(QStringLiteral("abc"), 0, 2, 0), 1);
+  EXPECT_EQ(CheckInput(QStringLiteral(""), 0, 5, 1), 2);
+  EXPECT_EQ(CheckInput(QStringLiteral("山田"), 0, 2, 1), 0);  // characters, not bytes
+  EXPECT_EQ(CheckInput(QStringLiteral("250"), 1, 3, 1, 200.0, 10.0), 3);
+  EXPECT_EQ(CheckInput(QStringLiteral("5"), 1, 3, 1, 200.0, 10.0), 4);
+  EXPECT_EQ(CheckInput(QStringLiteral("5"), 0, 3, 1, 200.0, 10.0), 0);  // kind 0: no range
+  EXPECT_EQ(CheckInput(QStringLiteral("5"), 1, 3, 1, 200.0), 0);        // one limit only
+  EXPECT_EQ(CheckInput(QStringLiteral("2500"), 1, 3, 1, 200.0, 10.0), 1);  // length first
+  EXPECT_EQ(CheckRange(QStringLiteral(""), 10, 1), 4);                  // "" reads as 0
+  EXPECT_EQ(CheckRange(QStringLiteral("12a"), 12, 1), 0);
+}
+
+TEST(ProhibitChars, CheckAndReplaceWithWideForms) {
+  TestInstallation inst;
+  ASSERT_TRUE(inst.isValid());
+  inst.setConfig("PROHIBIT_FILENAME", "STRING_11", "\" \"");  // quotes keep the blank
+  inst.setConfig("PROHIBIT_FILENAME", "STRING_12", "ab");  // two characters never match
+  EXPECT_TRUE(CheckProhibitChar(QStringLiteral("山田_2006.csv")));
+  EXPECT_TRUE(CheckProhibitChar(QStringLiteral("ab")));
+  EXPECT_FALSE(CheckProhibitChar(QStringLiteral("a/b")));
+  EXPECT_FALSE(CheckProhibitChar(QStringLiteral("a b")));
+
+  EXPECT_EQ(ReplaceProhibitChar(QStringLiteral("a\\b\"c'd e/f:g")),
+            QString::fromUtf16(u"a\uFFE5b\u201Dc\u2019d\u3000e\uFF0Ff\uFF1Ag"));
+  EXPECT_EQ(ReplaceProhibitChar(QStringLiteral("plain-name_1.csv")), "plain-name_1.csv");
+}
+
+TEST(ProhibitChars, ListEndsAtTheFirstGap) {
+  TestInstallation inst;
+  ASSERT_TRUE(inst.isValid());
+  inst.setConfig("PROHIBIT_FILENAME", "STRING_3", "");
+  const QStringList list = Ini_GetProhibitChars();
+  EXPECT_EQ(list, QStringList({"\\", "/"}));
+  EXPECT_TRUE(CheckProhibitChar(QStringLiteral("a*b")));  // STRING_4 is not seen
+}
+
+TEST(Text, LineBreaksAndNul) {
+  const QString t = QStringLiteral("a\r\nb\rc\nd");
+  EXPECT_EQ(RemoveLineBreaks(t, 1), "abcd");
+  EXPECT_EQ(RemoveLineBreaks(t, 0), "a  b c d");
+  EXPECT_EQ(CutAtNul(QString::fromUtf16(u"ab\0cd", 5)), "ab");
+  EXPECT_EQ(CutAtNul(QStringLiteral("abc")), "abc");
+}
+
+TEST(Paths, TempNamesFoldersAndJoins) {
+  TestInstallation inst;
+  ASSERT_TRUE(inst.isValid());
+  const QString a = MakeTempFileName(inst.tempPath(), QStringLiteral("CHART"));
+  const QString b = MakeTempFileName(inst.tempPath(), QStringLiteral("CHART"));
+  ASSERT_FALSE(a.isEmpty());
+  EXPECT_NE(a, b);
+  EXPECT_TRUE(QFileInfo(a).isFile());
+  EXPECT_EQ(QFileInfo(a).size(), 0);
+  EXPECT_TRUE(QFileInfo(a).fileName().startsWith("CHA"));
+  EXPECT_TRUE(a.endsWith(".tmp"));
+  EXPECT_TRUE(MakeTempFileName(inst.path("no/such"), "x").isEmpty());
+
+  QString folder;
+  EnsureFolder(folder);
+  EXPECT_EQ(folder, ".");
+  folder = inst.path("newfolder");
+  EnsureFolder(folder);
+  EXPECT_TRUE(PathExists(folder));
+  MakeFolderTree(inst.path("x/y/z"));
+  EXPECT_TRUE(PathExists(inst.path("x/y/z")));
+
+  EXPECT_EQ(GetAbsolutePath(QStringLiteral("../conf/")), inst.confPath());
+  EXPECT_EQ(GetAbsolutePath(QString()), "");
+  EXPECT_EQ(GetAbsolutePathName(QStringLiteral("../temp/./a.txt")), inst.path("temp/a.txt"));
+  EXPECT_EQ(JoinPath(QStringLiteral("../temp/"), QStringLiteral("a.txt")), "../temp/a.txt");
+  EXPECT_EQ(JoinPath(QStringLiteral("../temp"), QStringLiteral("a.txt")), "../temp/a.txt");
+  EXPECT_EQ(JoinPath(QString(), QStringLiteral("a.txt")), "a.txt");
+
+  EXPECT_TRUE(ChangeCurrentDirectory(inst.tempPath()));
+  EXPECT_TRUE(PathExists(QStringLiteral(".")));
+  EXPECT_TRUE(ChangeCurrentDirectory(inst.binPath()));
+}
+
+}  // namespace

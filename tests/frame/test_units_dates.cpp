@@ -1,0 +1,132 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "config.h"
+#include "helpers.h"
+#include "test_installation.h"
+
+namespace {
+
+TEST(KgToPound, TableWinsAndTheRuleGivesEvenPounds) {
+  EXPECT_EQ(KgToPound(73), 160);  // table
+  // Rule: 72 kg is 158.73 lb; 159 is odd and lies above, so 158.
+  EXPECT_EQ(KgToPound(72), 158);
+  EXPECT_EQ(KgToPound(74), 164);  // 163.14: 163 is odd and q lies above it
+  EXPECT_EQ(KgToPound(5), 10);
+  EXPECT_EQ(KgToPound(220), 484);
+  EXPECT_EQ(KgToPound(0), 0);
+  for (int kg = 1; kg <= 250; ++kg) EXPECT_EQ(KgToPound(kg) % 2, 0) << kg;
+  EXPECT_EQ(KgDoubleToPound(72.9), 158);
+  EXPECT_THROW(KgToPound(3000000), std::overflow_error);
+}
+
+TEST(PoundToKg, TwoConversionsSideBySide) {
+  EXPECT_EQ(PoundToKg(0), 0);
+  EXPECT_EQ(PoundToKgExact(0), 0.0);
+  EXPECT_EQ(PoundToKg(160), 73);        // 72574.4 g -> 72574 -> 72.574 -> 73
+  EXPECT_EQ(PoundToKg(1), 0);           // 454 g -> 0.454 -> 0
+  EXPECT_EQ(PoundToKg(5), 2);           // 2268 g (2267.95) -> 2.268 -> 2
+  EXPECT_NEAR(PoundToKgExact(1), 0.4535920104980469, 1e-15);
+  EXPECT_NEAR(PoundToKgExact(160), 72.5747216796875, 1e-12);
+}
+
+TEST(FeetInch, HalvesToEvenOneWayHalfUpTheOther) {
+  EXPECT_EQ(FeetInchToCm(5, 10), 178);  // 177.8
+  EXPECT_EQ(FeetInchToCm(0, 25), 64);   // 63.5 -> even 64
+  EXPECT_EQ(FeetInchToCm(0, 75), 190);  // 190.5 -> even 190
+  EXPECT_EQ(FeetInchToCm(0, 0), 0);
+  QString feet, inch;
+  CmToFeetInch(QStringLiteral("178"), feet, inch);
+  EXPECT_EQ(feet, "5");
+  EXPECT_EQ(inch, "10");
+  CmToFeetInch(QStringLiteral("6.35"), feet, inch);  // exactly 2.5 inches: goes up
+  EXPECT_EQ(inch, "3");
+  CmToFeetInch(QStringLiteral("30.48"), feet, inch);
+  EXPECT_EQ(feet, "1");
+  EXPECT_EQ(inch, "0");
+}
+
+TEST(RoundOff, HalvesAwayFromZero) {
+  EXPECT_DOUBLE_EQ(RoundOff(2.25, 1), 2.3);
+  EXPECT_DOUBLE_EQ(RoundOff(-2.25, 1), -2.3);
+  EXPECT_DOUBLE_EQ(RoundOff(2.24, 1), 2.2);
+  EXPECT_DOUBLE_EQ(RoundOff(0.0, 3), 0.0);
+  EXPECT_DOUBLE_EQ(RoundOff(2.5, 0), 3.0);
+  QString mile;
+  KmToMile(QStringLiteral("10"), mile);  // 6.2111...
+  EXPECT_EQ(mile, "6.2");
+  KmToMile(QStringLiteral("1.61"), mile);
+  EXPECT_EQ(mile, "1");
+}
+
+TEST(Exercise, RoundsAtEachStage) {
+  // 45 counts = 3.0 min; 3.0/60*3.6 = 0.18 -> 0.2
+  EXPECT_DOUBLE_EQ(ExerciseFromLevels({45, 0, 0, 0, 0, 0}), 0.2);
+  // 900 counts = 60.0 min each: 3.6+4.3+5.2+6.1+7.1+8.3
+  EXPECT_NEAR(ExerciseFromLevels({900, 900, 900, 900, 900, 900}), 34.6, 1e-9);
+  // 8 counts = 0.5333 -> 0.5 min; 0.5/60*8.3 = 0.069 -> 0.1 (unrounded minutes give the same here)
+  EXPECT_DOUBLE_EQ(ExerciseFromLevels({0, 0, 0, 0, 0, 8}), 0.1);
+  // 7 counts = 0.4667 -> 0.5 min: without the first rounding 0.4667/60*6.1 = 0.047 -> 0.0
+  EXPECT_DOUBLE_EQ(ExerciseFromLevels({0, 0, 0, 7, 0, 0}), 0.1);
+}
+
+TEST(Dates, PeriodEndsOfWholeMonths) {
+  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 3, 10), 1), QDate(2007, 4, 9));
+  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 1, 31), 1), QDate(2007, 2, 28));
+  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2008, 1, 31), 1), QDate(2008, 2, 29));
+  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 1, 30), 1), QDate(2007, 2, 28));
+  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 12, 1), 6), QDate(2008, 5, 31));
+  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 3, 31), -1), QDate(2007, 2, 28));
+}
+
+TEST(Dates, ZeroDateIsNoDate) {
+  EXPECT_TRUE(IsNoDate(ZeroDate()));
+  EXPECT_TRUE(IsNoDate(QDate()));
+  EXPECT_EQ(YmdToDate(QStringLiteral("20061231")), QDate(2006, 12, 31));
+  EXPECT_FALSE(YmdToDate(QStringLiteral("18991230")).isValid());
+  EXPECT_FALSE(YmdToDate(QStringLiteral("20060231")).isValid());
+  EXPECT_FALSE(YmdToDate(QStringLiteral("2006123")).isValid());
+  EXPECT_FALSE(YmdToDate(QStringLiteral("2006-1-31")).isValid());
+  EXPECT_EQ(DateToYmd(ZeroDate()), "");
+  EXPECT_EQ(DateToYmd(QDate(2006, 1, 2)), "20060102");
+  EXPECT_EQ(SlashToDate(QStringLiteral("2006/01/02")), QDate(2006, 1, 2));
+  EXPECT_FALSE(SlashToDate(QStringLiteral("20060102")).isValid());
+  EXPECT_EQ(DateToSlash(QDate(2006, 1, 2)), "2006/01/02");
+  EXPECT_EQ(YmdToSlash(QStringLiteral("20061231")), "2006/12/31");
+  EXPECT_EQ(SlashToYmd(QStringLiteral("2006/12/31")), "20061231");
+}
+
+TEST(Dates, ProgramFormatsFromTheLocalePattern) {
+  QString picker, screen, graph, weekday;
+  ASSERT_TRUE(ProgramDateFormatFrom("/", "dd/MM/yyyy", picker, screen, graph, weekday));
+  EXPECT_EQ(picker, "dd/MM/yyyy");
+  EXPECT_EQ(screen, "dd\\/MM\\/yyyy");
+  EXPECT_EQ(graph, "%d/%m/%Y");
+  EXPECT_EQ(weekday, "%d/%m(%a)");
+  ASSERT_TRUE(ProgramDateFormatFrom("/", "yyyy/M/d", picker, screen, graph, weekday));
+  EXPECT_EQ(picker, "yyyy/MM/dd");
+  EXPECT_EQ(weekday, "%m/%d(%a)");
+  ASSERT_TRUE(ProgramDateFormatFrom(".", "d.M.yy", picker, screen, graph, weekday));
+  EXPECT_EQ(screen, "dd\\.MM\\.yyyy");
+  EXPECT_EQ(graph, "%d.%m.%Y");
+}
+
+TEST(Dates, UnusablePatternsKeepTheStartingFormats) {
+  TestInstallation inst;
+  ASSERT_TRUE(inst.isValid());
+  QString picker = "x", screen, graph, weekday;
+  EXPECT_FALSE(ProgramDateFormatFrom("/", "yyyy-MM-dd", picker, screen, graph, weekday));
+  EXPECT_EQ(picker, "x");
+  EXPECT_FALSE(ProgramDateFormatFrom("/", "yyyy/MMM/gg", picker, screen, graph, weekday));
+  const QString log = inst.traceText();
+  EXPECT_TRUE(log.contains("GetProgramDateFormat|DateSeparator Err"));
+  EXPECT_TRUE(log.contains("Other than YMD LOCALE_SSHORTDATE:yyyy/MMM/gg"));
+
+  // Whatever the machine's locale, the four keys end up written.
+  SetLocaleDateFormats();
+  EXPECT_FALSE(Ini_GetLocaleShortDate().isEmpty());
+  EXPECT_TRUE(Ini_GetDateGraphMda().endsWith("(%a)"));
+}
+
+}  // namespace
