@@ -5,5 +5,6 @@
 #include "data_convert.h"
 #include "device_records.h"
 #include "readers.h"
+#include "recorder_dump.h"
 #include "recorder_image.h"
 #include "transport.h"
