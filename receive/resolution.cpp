@@ -1,0 +1,262 @@
+// Whose recorder it is: the decision after the management stage and the logic of the
+// four dialogs that ask the person.
+#include <QRegularExpression>
+
+#include "catalogue.h"
+#include "config.h"
+#include "receive.h"
+#include "shared_values.h"
+#include "trace.h"
+#include "vbformat.h"
+
+namespace {
+
+bool EnglishEdition() {
+  QString code = GetLangCode();
+  if (code.isEmpty()) code = QString::number(Ini_GetLang());
+  return code != QStringLiteral("0");
+}
+
+bool UserOpenOnMainScreen(const QString& state) {
+  return state == kStateJob || state == kStateJobSelect;
+}
+
+void Click(const QString& form, const QString& button) {
+  WriteTrace(QStringLiteral("0"), form, button + QStringLiteral("_Click Start"));
+}
+
+// Reads the user open on the main screen for a dialog; "UEDT-C-0004" when it can't.
+UserInfo ReadCurrentUser(VtDatabase& db, ReceiveContext& ctx, const QString& userId) {
+  UserInfo user;
+  if (!GetUserInfo(db, user, userId)) {
+    ShowReceiveMessage(ctx, QStringLiteral("UEDT-C-0004"));
+    user = UserInfo{};
+  }
+  return user;
+}
+
+QString Sama(const QString& section) {
+  return GetIniCaption(section, QStringLiteral("CAPTION_LBLSAMA"));
+}
+
+}  // namespace
+
+QString ReceiveDialogName(ReceiveDialog dialog) {
+  switch (dialog) {
+    case ReceiveDialog::OpenRecvData: return QStringLiteral("frmRecvData");
+    case ReceiveDialog::NewCPU: return QStringLiteral("frmRecvMsgNewCPU");
+    case ReceiveDialog::NewCPUSelectUser: return QStringLiteral("frmRecvMsgNewCPUSelectUser");
+    case ReceiveDialog::AlertUser: return QStringLiteral("frmRecvMsgAlertUser");
+    case ReceiveDialog::AlertReset: return QStringLiteral("frmRecvMsgAlertReset");
+  }
+  return QString();
+}
+
+ReceiveDialog DecideReceiveUser(VtDatabase& db, ReceiveContext& ctx, const QString& screenState,
+                                const QString& currentUserId) {
+  // An unknown CPU number gives an empty record; a number whose user is gone counts the
+  // same as unknown.
+  UserInfo owner;
+  const bool found = GetUserInfoFromCPUNo(db, owner, ctx.cpuNo) && !owner.USER_ID.trimmed().isEmpty();
+  const bool userOpen = UserOpenOnMainScreen(screenState);
+  if (!found) {
+    ctx.deviceOwner = UserInfo{};
+    return userOpen ? ReceiveDialog::NewCPUSelectUser : ReceiveDialog::NewCPU;
+  }
+  ctx.deviceOwner = owner;
+  const QString ownerId = owner.USER_ID.trimmed();
+  if (userOpen && currentUserId.trimmed() != ownerId) return ReceiveDialog::AlertUser;
+  if (CheckPMReset(db, ctx, ownerId)) return ReceiveDialog::AlertReset;
+  ctx.receiveUserId = userOpen ? currentUserId.trimmed() : ownerId;
+  return ReceiveDialog::OpenRecvData;
+}
+
+NameRows LayOutNames(const UserInfo& user, const QString& samaCaption) {
+  NameRows rows;
+  if (EnglishEdition()) {
+    rows.first = user.FIRST_NAME;
+    rows.middle = user.MIDDLE_NAME;
+    rows.last = user.LAST_NAME;
+  } else {
+    rows.first = user.FIRST_NAME + QStringLiteral(" ") + samaCaption;
+    rows.middleVisible = false;
+    rows.lastVisible = false;
+  }
+  return rows;
+}
+
+// ---------------------------------------------------------------- frmRecvMsgNewCPU
+
+RecvMsgNewCPU::RecvMsgNewCPU(VtDatabase& db, ReceiveContext& ctx) : db_(db), ctx_(ctx) {
+  WriteTrace(QStringLiteral("0"), QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("Form_Load Start"));
+  // With no user at all only registration is offered.
+  selectEnabled_ = VTDB_ExistUser(db_);
+}
+
+DialogAction RecvMsgNewCPU::btnCreateUser_Click() {
+  Click(QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("btnCreateUser"));
+  ctx_.callerForm = kCallerFormNewCpu;
+  return DialogAction::OpenUserRegist;
+}
+
+DialogAction RecvMsgNewCPU::btnSelectUser_Click() {
+  if (!selectEnabled_) return DialogAction::OpenNewCPU;  // a disabled button does nothing
+  Click(QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("btnSelectUser"));
+  ctx_.callerForm = kCallerFormNewCpu;
+  return DialogAction::OpenUserSelect;
+}
+
+DialogAction RecvMsgNewCPU::btnNewCPUCancel_Click() {
+  Click(QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("btnNewCPUCancel"));
+  ReceiveCancelCleanup(db_, ctx_);
+  return DialogAction::Cancelled;
+}
+
+DialogAction NewCpuUserRegistered(ReceiveContext& ctx, const QString& newUserId) {
+  ctx.receiveUserId = newUserId.trimmed();
+  ctx.callerForm.clear();
+  SetCurrentUserId(newUserId.trimmed());
+  SetCurrentUserName(QString());
+  return DialogAction::OpenRecvData;
+}
+
+DialogAction NewCpuUserScreenCancelled(ReceiveContext& ctx) {
+  if (ctx.callerForm != kCallerFormNewCpu) return DialogAction::Close;
+  ctx.callerForm.clear();
+  return DialogAction::OpenNewCPU;
+}
+
+DialogAction NewCpuUserSelected(VtDatabase& db, ReceiveContext& ctx, const QString& userId) {
+  // A user has at most one recorder: an earlier one is let go first.
+  if (!VTDB_DeleteCPUNoOnUserId(db, userId.trimmed())) {
+    ctx.callerForm.clear();
+    ReceiveErrorReport(db, ctx, QStringLiteral("DDWN-C-0006"), QString());
+    return DialogAction::Failed;
+  }
+  ctx.receiveUserId = userId.trimmed();
+  ctx.callerForm.clear();
+  return DialogAction::OpenRecvData;
+}
+
+// ---------------------------------------------------------------- frmRecvMsgNewCPUSelectUser
+
+RecvMsgNewCPUSelectUser::RecvMsgNewCPUSelectUser(VtDatabase& db, ReceiveContext& ctx,
+                                                 QString currentUserId)
+    : db_(db), ctx_(ctx), currentUserId_(std::move(currentUserId)) {
+  WriteTrace(QStringLiteral("0"), QStringLiteral("frmRecvMsgNewCPUSelectUser"),
+             QStringLiteral("Form_Load Start"));
+  current_ = ReadCurrentUser(db_, ctx_, currentUserId_);
+}
+
+NameRows RecvMsgNewCPUSelectUser::names() const {
+  return LayOutNames(current_, Sama(kSectionNewCpuSelectUser));
+}
+
+DialogAction RecvMsgNewCPUSelectUser::btnReceive_Click() {
+  Click(QStringLiteral("frmRecvMsgNewCPUSelectUser"), QStringLiteral("btnReceive"));
+  if (!VTDB_DeleteCPUNoOnUserId(db_, currentUserId_.trimmed())) {
+    ReceiveErrorReport(db_, ctx_, QStringLiteral("DDWN-C-0006"), QString());
+    return DialogAction::Failed;
+  }
+  ctx_.receiveUserId = currentUserId_.trimmed();
+  return DialogAction::OpenRecvData;
+}
+
+DialogAction RecvMsgNewCPUSelectUser::btnCancel_Click() {
+  Click(QStringLiteral("frmRecvMsgNewCPUSelectUser"), QStringLiteral("btnCancel"));
+  ReceiveCancelCleanup(db_, ctx_);
+  return DialogAction::Cancelled;
+}
+
+// ---------------------------------------------------------------- frmRecvMsgAlertUser
+
+RecvMsgAlertUser::RecvMsgAlertUser(VtDatabase& db, ReceiveContext& ctx, QString currentUserId)
+    : db_(db), ctx_(ctx), currentUserId_(std::move(currentUserId)) {
+  WriteTrace(QStringLiteral("0"), QStringLiteral("frmRecvMsgAlertUser"), QStringLiteral("Form_Load Start"));
+  current_ = ReadCurrentUser(db_, ctx_, currentUserId_);
+}
+
+NameRows RecvMsgAlertUser::ownerNames() const {
+  return LayOutNames(ctx_.deviceOwner, Sama(kSectionAlertUser));
+}
+
+NameRows RecvMsgAlertUser::currentNames() const {
+  return LayOutNames(current_, Sama(kSectionAlertUser));
+}
+
+DialogAction RecvMsgAlertUser::btnReceive_Click() {
+  Click(QStringLiteral("frmRecvMsgAlertUser"), QStringLiteral("btnReceive"));
+  // The recorder changes hands: both old assignments go, and the data stage enters the
+  // recorder afresh (and so fetches its whole range).
+  if (!VTDB_DeleteCPUNoOnUserId(db_, ctx_.deviceOwner.USER_ID.trimmed()) ||
+      !VTDB_DeleteCPUNoOnUserId(db_, currentUserId_.trimmed())) {
+    ReceiveErrorReport(db_, ctx_, QStringLiteral("DDWN-C-0006"), QString());
+    return DialogAction::Failed;
+  }
+  ctx_.receiveUserId = currentUserId_.trimmed();
+  return DialogAction::OpenRecvData;
+}
+
+DialogAction RecvMsgAlertUser::btnUsingAlertCancel_Click() {
+  Click(QStringLiteral("frmRecvMsgAlertUser"), QStringLiteral("btnUsingAlertCancel"));
+  ReceiveCancelCleanup(db_, ctx_);
+  return DialogAction::Cancelled;
+}
+
+// ---------------------------------------------------------------- frmRecvMsgAlertReset
+
+RecvMsgAlertReset::RecvMsgAlertReset(VtDatabase& db, ReceiveContext& ctx) : db_(db), ctx_(ctx) {
+  WriteTrace(QStringLiteral("0"), QStringLiteral("frmRecvMsgAlertReset"), QStringLiteral("Form_Load Start"));
+}
+
+NameRows RecvMsgAlertReset::ownerNames() const {
+  return LayOutNames(ctx_.deviceOwner, Sama(kSectionAlertReset));
+}
+
+DialogAction RecvMsgAlertReset::btnReceive_Click() {
+  Click(QStringLiteral("frmRecvMsgAlertReset"), QStringLiteral("btnReceive"));
+  ctx_.receiveUserId = ctx_.deviceOwner.USER_ID.trimmed();
+  return DialogAction::OpenRecvData;
+}
+
+DialogAction RecvMsgAlertReset::btnUsingAlertCancel_Click() {
+  Click(QStringLiteral("frmRecvMsgAlertReset"), QStringLiteral("btnUsingAlertCancel"));
+  ReceiveCancelCleanup(db_, ctx_);
+  return DialogAction::Cancelled;
+}
+
+// ---------------------------------------------------------------- registration by name
+
+int RegisterUserByName(VtDatabase& db, const QString& name, QString& userId) {
+  UserInfo user;
+  user.GROUP_ID = kDefaultGroupId;
+  user.ICONINDEX = 1;
+  const QStringList parts = name.simplified().split(u' ', Qt::SkipEmptyParts);
+  if (EnglishEdition()) {
+    if (parts.size() == 2) {
+      user.FIRST_NAME = parts[0];
+      user.LAST_NAME = parts[1];
+    } else if (parts.size() == 3) {
+      user.FIRST_NAME = parts[0];
+      user.MIDDLE_NAME = parts[1];
+      user.LAST_NAME = parts[2];
+    } else {
+      return -1;
+    }
+  } else {
+    if (parts.isEmpty()) return -1;
+    user.FIRST_NAME = name.trimmed();
+  }
+  QString step, actMin, intake, actCal;
+  Ini_GetUserTargets(step, actMin, intake, actCal);
+  user.TARGET_STEP = step;
+  user.TARGET_ACTMIN = actMin;
+  user.TARGET_INTAKE = intake;
+  user.TARGET_CAL = actCal;
+  const QString exercise = Ini_GetTargetExercise();
+  user.EXTRA1 = exercise.isEmpty() ? QString() : Format(Val(exercise), QStringLiteral("##0.0"));
+  user.EXTRA3 = QStringLiteral("0");
+  const int rc = SetUser(db, user);
+  if (rc == 0) userId = user.USER_ID.trimmed();
+  return rc;
+}
