@@ -57,12 +57,12 @@ QByteArray configText(const QString& lang) {
          "RESORCE_INI_PATH=../conf/resource.ini\n"
          "PMMETS_INI_PATH=../conf/pmmets.ini\n"
          "SORT_ORDER=0\n"
-         "VALID_VERSION_NUMBER=200\n"
-         "PMAL_NUMBER=10101\n"
-         "PMBRIO_JPN_NUMBER=20101\n"
-         "PMBRIO_ENG_NUMBER=20201\n"
-         "PMBRIO_KT200_NUMBER=30200\n"
-         "PMBRIO_KT014_NUMBER=30014\n"
+         "VALID_VERSION_NUMBER=20\n"
+         "PMAL_NUMBER=12820\n"
+         "PMBRIO_JPN_NUMBER=13010\n"
+         "PMBRIO_ENG_NUMBER=13020\n"
+         "PMBRIO_KT200_NUMBER=14200\n"
+         "PMBRIO_KT014_NUMBER=14014\n"
          "LANG=" + langValue + "\n"
          "SHIFT_DB=1\n"
          "SHIFT_DB_APPNAME=\n"
@@ -162,7 +162,20 @@ bool TestInstallation::setUp(const QString& lang) {
   for (const char* sub : {"bin", "conf", "data/mdb", "temp", "log", "raw", "reader", "help", "images"}) {
     if (!root.mkpath(QLatin1String(sub))) return false;
   }
-  bool ok = writeFile(configFile(), configText(lang));
+  QByteArray config = configText(lang);
+  // The recorder numbers follow the installation files, so tests see the real ones.
+  if (const QString dist = distFile(lang, QStringLiteral("conf/config.cnf")); !dist.isEmpty()) {
+    for (const char* key : {"VALID_VERSION_NUMBER", "PMAL_NUMBER", "PMBRIO_JPN_NUMBER",
+                            "PMBRIO_ENG_NUMBER", "PMBRIO_KT200_NUMBER", "PMBRIO_KT014_NUMBER"}) {
+      const QString value = ReadIniString(dist, QStringLiteral("SYSTEM"), QLatin1String(key));
+      if (value.isEmpty()) continue;
+      const QByteArray prefix = QByteArray("\n") + key + '=';
+      const qsizetype at = config.indexOf(prefix);
+      const qsizetype end = config.indexOf('\n', at + 1);
+      config.replace(at + prefix.size(), end - at - prefix.size(), value.toUtf8());
+    }
+  }
+  bool ok = writeFile(configFile(), config);
   ok = ok && installFile(lang, QStringLiteral("bin/ACTA.res"), path(QStringLiteral("bin/ACTA.res")),
                          builtInCatalogue());
   ok = ok && installFile(lang, QStringLiteral("bin/menu.res"), path(QStringLiteral("bin/menu.res")),
