@@ -1,0 +1,408 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QImage>
+#include <QPageSize>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include "chart_fixtures.h"
+#include "chartfiles.h"
+#include "chartmaker.h"
+#include "chartsettings.h"
+
+namespace {
+
+// Fonts and painting need a GUI application; the offscreen platform is enough.
+void EnsureGuiApp() {
+  if (QGuiApplication::instance()) return;
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  static int argc = 1;
+  static char name[] = "test_chartmaker";
+  static char* argv[] = {name, nullptr};
+  static QGuiApplication app(argc, argv);
+}
+
+QString DistChartIni(const char* lang) {
+  return QStringLiteral(VANTORA_SOURCE_DIR "/dist/%1/conf/chart.ini").arg(QLatin1String(lang));
+}
+
+// Number of distinct colours in a sample of the image: a blank picture has one.
+int DistinctColours(const QImage& img) {
+  QSet<QRgb> seen;
+  for (int y = 0; y < img.height(); y += 7)
+    for (int x = 0; x < img.width(); x += 7) seen.insert(img.pixel(x, y));
+  return static_cast<int>(seen.size());
+}
+
+class ChartMakerTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    EnsureGuiApp();
+    ASSERT_TRUE(dir.isValid());
+    ASSERT_EQ(maker.prepare(DistChartIni("ja")), chartcode::kOk);
+  }
+  QString path(const QString& name) const { return dir.filePath(name); }
+  QString write(const QString& name, const QByteArray& bytes) {
+    QFile f(path(name));
+    EXPECT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(bytes);
+    return path(name);
+  }
+  QString writeChart(const QString& name, const fixtures::Options& o) {
+    EXPECT_TRUE(fixtures::WriteInterface(path(name), o));
+    return path(name);
+  }
+
+  QTemporaryDir dir;
+  ChartMaker maker;
+};
+
+// ---------------------------------------------------------------- result codes
+
+TEST_F(ChartMakerTest, BadFilesGiveTheirCodesAndNeverAPicture) {
+  ImageSurface surface(QSize(400, 300));
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, path("absent.txt")), chartcode::kFileMissing);
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, QString()), chartcode::kFileMissing);
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, dir.path()), chartcode::kFileMissing);  // a folder
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, write("empty.txt", "")), chartcode::kFileMalformed);
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, write("blank.txt", "\r\n\r\n")), chartcode::kFileMalformed);
+  // Unknown type, type that is not a number, missing line 3, bad dates, short data line.
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, write("t.txt", "703\r\n20240601,20240607\r\n0,0,0,0,0,0\r\n")),
+            chartcode::kFileMalformed);
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, write("t.txt", "abc\r\n20240601,20240607\r\n0,0,0,0,0,0\r\n")),
+            chartcode::kFileMalformed);
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, write("t.txt", "200\r\n20240601,20240607\r\n")),
+            chartcode::kFileMalformed);
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, write("t.txt", "200\r\n2024-06-01,x\r\n0,0,0,0,0,0\r\n")),
+            chartcode::kFileMalformed);
+  EXPECT_EQ(ChartMakerPersonal(maker, surface,
+                               write("t.txt", "200\r\n20240601,20240607\r\n0,0,0,0,0,0\r\n0,20240601\r\n")),
+            chartcode::kFileMalformed);
+  EXPECT_EQ(ChartMakerPersonal(maker, surface,
+                               write("t.txt", "200\r\n20240601,20240607\r\n0,0,0,0,0,0\r\n0,20240608,20240601\r\n")),
+            chartcode::kFileMalformed);
+  // Random bytes.
+  QByteArray noise;
+  fixtures::Rng r(3);
+  for (int i = 0; i < 5000; ++i) noise.append(static_cast<char>(r.next() * 255));
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, write("noise.txt", noise)), chartcode::kFileMalformed);
+  EXPECT_EQ(surface.timesShown(), 0);
+  EXPECT_FALSE(maker.hasChart(&surface));
+}
+
+TEST_F(ChartMakerTest, FilesWithoutDataGiveTheFamilyNoDataCodeAndStillDraw) {
+  const std::pair<int, int> expected[] = {{100, 310}, {200, 710}, {201, 710}, {302, 810}, {400, 510},
+                                          {501, 410}, {602, 310}, {900, 610}, {5, 910}};
+  for (const auto& [type, code] : expected) {
+    fixtures::Options o;
+    o.type = type;
+    o.withData = false;
+    ImageSurface surface(QSize(640, 400));
+    EXPECT_EQ(ChartMakerPersonal(maker, surface, writeChart("nodata.txt", o)), code) << type;
+    EXPECT_EQ(surface.timesShown(), 1) << type;
+    EXPECT_GT(DistinctColours(surface.image()), 2) << type;  // axes and captions are there
+  }
+  // Only the three head lines: a period without days.
+  ImageSurface surface(QSize(640, 400));
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, write("head.txt", "300\r\n20240601,20240607\r\n0,0,0,0,0,0\r\n")),
+            chartcode::kAveActNoData);
+}
+
+TEST_F(ChartMakerTest, AllDaysExcludedIsReportedAsNoEffectiveData) {
+  QString text = "200\r\n" + fixtures::Line2(QDate(2024, 6, 1), QDate(2024, 6, 2), 23) + "\r\n0,0,0,0,0,0\r\n";
+  fixtures::Rng r(1);
+  fixtures::Day d = fixtures::MakeDay(QDate(2024, 6, 1), r, 60);
+  d.excluded = true;
+  text += fixtures::DailyLine(d, QString()) + "\r\n";
+  ImageSurface surface(QSize(640, 400));
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, write("excl.txt", text.toUtf8())), chartcode::kAveStepNoEffectiveData);
+}
+
+TEST_F(ChartMakerTest, EveryTypeAndPeriodDrawsAtTheSurfaceSize) {
+  const int types[] = {100, 101, 102, 200, 201, 202, 300, 301, 302, 400, 401, 402, 500, 501,
+                       502, 600, 601, 602, 800, 801, 802, 900, 901, 902, 5};
+  for (int type : types) {
+    fixtures::Options o;
+    o.type = type;
+    o.planWeights = type / 100 == 8;
+    ImageSurface surface(QSize(900, 560), 2.0);
+    ASSERT_EQ(ChartMakerPersonal(maker, surface, writeChart(QStringLiteral("t%1.txt").arg(type), o)), 0) << type;
+    EXPECT_EQ(surface.image().size(), QSize(1800, 1120)) << type;
+    EXPECT_DOUBLE_EQ(surface.image().devicePixelRatio(), 2.0);
+    EXPECT_GT(DistinctColours(surface.image()), 8) << type;
+  }
+}
+
+// ---------------------------------------------------------------- remake
+
+TEST_F(ChartMakerTest, RemakeRepaintsFromMemoryWithoutTheFile) {
+  fixtures::Options o;
+  o.type = 401;
+  const QString file = writeChart("remake.txt", o);
+  ImageSurface surface(QSize(700, 420));
+  ImageSurface other(QSize(700, 420));
+  ASSERT_EQ(ChartMakerPersonal(maker, surface, file), 0);
+  const QImage first = surface.image();
+  ASSERT_TRUE(QFile::remove(file));
+
+  EXPECT_EQ(ChartReMakePersonal(maker, surface), 0);
+  EXPECT_EQ(surface.timesShown(), 2);
+  EXPECT_EQ(surface.image(), first);
+  // A new size is honoured on remake; a surface that never had a chart has nothing.
+  surface.setSize(QSize(500, 300));
+  EXPECT_EQ(ChartReMakePersonal(maker, surface), 0);
+  EXPECT_EQ(surface.image().size(), QSize(500, 300));
+  EXPECT_EQ(ChartReMakePersonal(maker, other), chartcode::kFileMissing);
+  EXPECT_EQ(other.timesShown(), 0);
+
+  // A failed make keeps the last good chart; finish forgets everything.
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, file), chartcode::kFileMissing);
+  EXPECT_EQ(ChartReMakePersonal(maker, surface), 0);
+  EXPECT_EQ(ChartFinishPersonal(maker), 0);
+  EXPECT_EQ(ChartReMakePersonal(maker, surface), chartcode::kFileMissing);
+}
+
+// ---------------------------------------------------------------- printing
+
+bool HavePdfToText() { return !QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty(); }
+
+QString PdfText(const QString& pdf) {
+  QProcess p;
+  p.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
+  p.waitForFinished(30000);
+  return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+TEST_F(ChartMakerTest, ReportPdfCarriesThePersonAndThePeriod) {
+  fixtures::Options o;
+  o.type = 200;
+  const QString iface = writeChart("r200.txt", o);
+  const QString header = path("hed.txt");
+  ASSERT_TRUE(fixtures::WriteText(header, fixtures::HeaderText(true, QDate(2024, 6, 24), o.end)));
+  const QString pdf = path("report.pdf");
+  ASSERT_EQ(PrintChartPersonal(maker, header, iface, "pdf:" + pdf, 9), 0);
+  QFile f(pdf);
+  ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(f.read(5).startsWith("%PDF"));
+  if (!HavePdfToText()) GTEST_SKIP() << "pdftotext not installed";
+  // Text extraction maps some ideographs to their radical code points (the font shares
+  // the glyph); compatibility normalisation brings them back.
+  const QString text = PdfText(pdf).normalized(QString::NormalizationForm_KC);
+  EXPECT_TRUE(text.contains(QStringLiteral("山田 花子"))) << text.toStdString();
+  EXPECT_TRUE(text.contains(QStringLiteral("さくら健康クリニック")));
+  EXPECT_TRUE(text.contains(QStringLiteral("2024/06/24")));
+
+  // English settings, Letter paper.
+  ChartMaker en;
+  ASSERT_EQ(en.prepare(DistChartIni("en")), 0);
+  ASSERT_TRUE(fixtures::WriteText(header, fixtures::HeaderText(false, QDate(2024, 6, 24), o.end)));
+  const QString pdf2 = path("report-en.pdf");
+  ASSERT_EQ(PrintChartPersonal(en, header, iface, "pdf:" + pdf2, 1), 0);
+  const QString text2 = PdfText(pdf2);
+  EXPECT_TRUE(text2.contains(QStringLiteral("Margaret Anne Holloway")));
+  EXPECT_TRUE(text2.contains(QStringLiteral("Activity report")));
+}
+
+TEST_F(ChartMakerTest, PrintingCodes) {
+  fixtures::Options o;
+  const QString iface = writeChart("p.txt", o);
+  const QString header = path("hed.txt");
+  ASSERT_TRUE(fixtures::WriteText(header, fixtures::HeaderText(false, QDate(2024, 6, 24), o.end)));
+  EXPECT_EQ(PrintChartPersonal(maker, header, iface, QString(), 9), chartcode::kPrintNoPrinter);
+  EXPECT_EQ(PrintChartPersonal(maker, header, iface, "  ", 9), chartcode::kPrintNoPrinter);
+  EXPECT_EQ(PrintChartPersonal(maker, header, iface, "No Such Printer 4711", 9), chartcode::kPrintUnknownPrinter);
+  EXPECT_EQ(PrintChartPersonal(maker, header, iface, "pdf:", 9), chartcode::kPrintUnknownPrinter);
+  EXPECT_EQ(PrintChartPersonal(maker, path("none.txt"), iface, "pdf:" + path("x.pdf"), 9), chartcode::kFileMissing);
+  EXPECT_EQ(PrintChartPersonal(maker, header, path("none.txt"), "pdf:" + path("x.pdf"), 9), chartcode::kFileMissing);
+  EXPECT_EQ(PrintChartPersonal(maker, header, write("bad.txt", "x"), "pdf:" + path("x.pdf"), 9),
+            chartcode::kFileMalformed);
+  // A folder that does not exist cannot take the PDF.
+  EXPECT_EQ(PrintChartPersonal(maker, header, iface, "pdf:" + path("no/such/dir/x.pdf"), 9), chartcode::kPrintFailed);
+  // An unknown paper number still prints (the edition's usual paper).
+  EXPECT_EQ(PrintChartPersonal(maker, header, iface, "pdf:" + path("odd.pdf"), 9999), 0);
+}
+
+TEST(ChartPaper, WindowsPaperNumbersMapToPageSizes) {
+  int id = -1;
+  const std::pair<int, QPageSize::PageSizeId> known[] = {{9, QPageSize::A4},   {1, QPageSize::Letter},
+                                                         {11, QPageSize::A5},  {8, QPageSize::A3},
+                                                         {13, QPageSize::JisB5}, {5, QPageSize::Legal},
+                                                         {12, QPageSize::JisB4}, {70, QPageSize::A6}};
+  for (const auto& [number, size] : known) {
+    ASSERT_TRUE(ChartMaker::PaperFromNumber(number, id)) << number;
+    EXPECT_EQ(id, static_cast<int>(size)) << number;
+  }
+  EXPECT_FALSE(ChartMaker::PaperFromNumber(0, id));
+  EXPECT_FALSE(ChartMaker::PaperFromNumber(-9, id));
+}
+
+// ---------------------------------------------------------------- bitmaps
+
+TEST_F(ChartMakerTest, BmiPictureWritesItsBitmap) {
+  ImageSurface surface(QSize(480, 150));
+  const QString bmp = path("bmi.bmp");
+  EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, write("bmi.txt", "700\r\n23.4\r\n"), bmp), 0);
+  QImage img(bmp);
+  ASSERT_FALSE(img.isNull());
+  EXPECT_EQ(img.size(), QSize(480, 150));
+  EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, write("bmi.txt", "700\r\n\r\n"), bmp), 0);
+  EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, write("bmi.txt", "700\r\n"), bmp), 0);
+  EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, write("bmi.txt", "701\r\n22\r\n"), bmp), chartcode::kFileMalformed);
+  EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, write("bmi.txt", "700\r\nfat\r\n"), bmp), chartcode::kFileMalformed);
+  EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, path("nobmi.txt"), bmp), chartcode::kFileMissing);
+  // The picture stays on the surface for a repaint.
+  EXPECT_EQ(ChartReMakePersonal(maker, surface), 0);
+}
+
+TEST_F(ChartMakerTest, WeightPlanGraphUsesTheSimFile) {
+  for (int type : {801, 802}) {
+    fixtures::Options o;
+    o.type = type;
+    o.planWeights = true;
+    const QString iface = writeChart(QStringLiteral("sim%1.txt").arg(type), o);
+    ASSERT_TRUE(QFile::exists(iface + ".sim"));
+    ImageSurface surface(QSize(800, 450));
+    const QString bmp = path(QStringLiteral("simulation%1.bmp").arg(type));
+    EXPECT_EQ(CreateGraphBMPPersonal(maker, surface, iface, bmp), 0) << type;
+    EXPECT_FALSE(QImage(bmp).isNull());
+    // Without the .sim file the weights of the lines still draw.
+    QFile::remove(iface + ".sim");
+    EXPECT_EQ(CreateGraphBMPPersonal(maker, surface, iface, bmp), 0) << type;
+  }
+}
+
+// ---------------------------------------------------------------- reading
+
+TEST(ChartFiles, LineStatesExerciseAndMeans) {
+  QTemporaryDir dir;
+  fixtures::Options o;
+  o.type = 900;
+  o.days = 12;
+  const QString file = dir.filePath("e.txt");
+  ASSERT_TRUE(fixtures::WriteInterface(file, o));
+  InterfaceFile f;
+  ASSERT_EQ(ReadInterfaceFile(file, f), ChartReadStatus::Ok);
+  EXPECT_EQ(f.type, 900);
+  EXPECT_EQ(f.start, QDate(2024, 6, 19));
+  EXPECT_EQ(f.moderateFrom, 4);
+  EXPECT_EQ(f.moderateTo, 7);
+  EXPECT_EQ(f.fixedMax[0], 15000);
+  ASSERT_TRUE(f.exerciseTarget.has_value());
+  EXPECT_EQ(*f.exerciseTarget, 23);
+  ASSERT_EQ(f.lines.size(), 12u);
+  // The generator leaves day 5 without a row and excludes day 7.
+  EXPECT_EQ(f.lines[4].state, LineState::NoData);
+  EXPECT_FALSE(f.lines[4].exercise.has_value());
+  EXPECT_EQ(f.lines[6].state, LineState::Excluded);
+  EXPECT_TRUE(f.lines[6].exercise.has_value());
+  EXPECT_EQ(f.lines[0].state, LineState::Counted);
+  EXPECT_EQ(f.validDays, 10);
+  EXPECT_EQ(f.countedLines(), 10);
+}
+
+TEST(ChartFiles, WeeklyGroupWithEveryDayExcluded) {
+  QTemporaryDir dir;
+  const QString file = dir.filePath("w.txt");
+  const QString text = "201\r\n" + fixtures::Line2(QDate(2024, 6, 1), QDate(2024, 6, 14), 23) +
+                       "\r\n0,0,0,0,0,0\r\n1,20240601,20240607" + QString(25, ',') + "\r\n3,20240608,20240614" +
+                       QString(25, ',') + "\r\n";
+  ASSERT_TRUE(fixtures::WriteText(file, fixtures::PutFieldAt(text.trimmed(), "", 1) + "\r\n"));
+  // The first group had rows (all excluded) and carries its exercise.
+  QString withEx = text;
+  withEx.replace("1,20240601,20240607" + QString(25, ','), fixtures::PutFieldAt("1,20240601,20240607" + QString(25, ','), "4.5", 786));
+  ASSERT_TRUE(fixtures::WriteText(file, withEx));
+  InterfaceFile f;
+  ASSERT_EQ(ReadInterfaceFile(file, f), ChartReadStatus::Ok);
+  ASSERT_EQ(f.lines.size(), 2u);
+  EXPECT_EQ(f.lines[0].state, LineState::AllExcluded);
+  ASSERT_TRUE(f.lines[0].exercise.has_value());
+  EXPECT_DOUBLE_EQ(*f.lines[0].exercise, 4.5);
+  EXPECT_EQ(f.lines[1].state, LineState::NoData);
+}
+
+TEST(ChartFiles, DayProfileSlotsGapsEventsAndMode) {
+  QTemporaryDir dir;
+  fixtures::Options o;
+  o.type = 5;
+  const QString file = dir.filePath("d.txt");
+  ASSERT_TRUE(fixtures::WriteInterface(file, o));
+  InterfaceFile f;
+  ASSERT_EQ(ReadInterfaceFile(file, f), ChartReadStatus::Ok);
+  ASSERT_EQ(f.lines.size(), 1u);
+  const ChartLine& l = f.lines[0];
+  EXPECT_EQ(l.fields.size(), 786);
+  const DayProfile p = ReadDayProfile(l);
+  EXPECT_TRUE(p.any);
+  EXPECT_FALSE(p.metsMode);
+  EXPECT_TRUE(std::isnan(p.slot[0]));     // 00:00, not worn
+  EXPECT_FALSE(std::isnan(p.slot[300]));  // 10:00
+  EXPECT_EQ(p.eventMinutes, (std::vector<int>{7 * 60 + 12, 12 * 60 + 30, 18 * 60 + 15}));
+  ASSERT_TRUE(l.exercise.has_value());
+
+  // A day without a block: 720 empty slots push the mode into field 786, where the
+  // exercise is appended to it.
+  QStringList fields = l.fields.mid(0, 64);
+  QString line = fields.join(',') + QString(720, ',') + ",1";
+  line = fixtures::PutFieldAt(line, "2.5", 786);
+  const QString text = "5\r\n" + fixtures::Line2(l.first, l.first, 23) + "\r\n1,8000,250,1900,40.0,5.6\r\n" + line;
+  ASSERT_TRUE(fixtures::WriteText(file, text));
+  ASSERT_EQ(ReadInterfaceFile(file, f), ChartReadStatus::Ok);
+  const DayProfile empty = ReadDayProfile(f.lines[0]);
+  EXPECT_FALSE(empty.any);
+  EXPECT_TRUE(empty.metsMode);
+}
+
+TEST(ChartFiles, HeaderFileFields) {
+  QTemporaryDir dir;
+  const QString file = dir.filePath("h.txt");
+  ASSERT_TRUE(fixtures::WriteText(file, fixtures::HeaderText(false, QDate(2024, 6, 1), QDate(2024, 6, 30))));
+  HeaderFile h;
+  ASSERT_EQ(ReadHeaderFile(file, h), ChartReadStatus::Ok);
+  EXPECT_EQ(h.firstName, "Margaret");
+  EXPECT_EQ(h.lastName, "Holloway");
+  EXPECT_EQ(h.age, "52");
+  EXPECT_EQ(h.gender, "Female");
+  EXPECT_EQ(h.weight, "152 lbs.");
+  EXPECT_TRUE(h.imperial);
+  EXPECT_EQ(h.start, QDate(2024, 6, 1));
+  EXPECT_EQ(h.validDays, "5");
+  EXPECT_EQ(h.targetStep, "8000");
+  EXPECT_EQ(h.exclusionText, "First Date, Last Date, 50 Step and under/day");
+  EXPECT_EQ(h.institution, "Riverside Health Centre");
+  // Shift_JIS text is read too.
+  QFile sj(dir.filePath("sj.txt"));
+  ASSERT_TRUE(sj.open(QIODevice::WriteOnly));
+  sj.write(QByteArray("\x8E\x52\x93\x63,,,,\r\n", 10));  // 山田 in CP932
+  sj.close();
+  ASSERT_EQ(ReadHeaderFile(sj.fileName(), h), ChartReadStatus::Ok);
+  EXPECT_EQ(h.firstName, QStringLiteral("山田"));
+  EXPECT_EQ(ReadHeaderFile(dir.filePath("none"), h), ChartReadStatus::Missing);
+}
+
+TEST(ChartSettingsTest, DateFormatsAndEditionCaptions) {
+  EnsureGuiApp();
+  ChartSettings ja;
+  ASSERT_TRUE(ja.load(DistChartIni("ja")));
+  const QDate d(2024, 6, 30);  // a Sunday
+  EXPECT_EQ(ja.formatDate(d, "%Y/%m/%d"), "2024/06/30");
+  EXPECT_EQ(ja.formatDate(d, "%m/%d(%a)"), QStringLiteral("06/30(日)"));
+  EXPECT_EQ(ja.formatDate(d, "%d.%m.%y %%"), "30.06.24 %");
+  EXPECT_EQ(ja.text("CHART_200"), QStringLiteral("歩数"));
+  EXPECT_EQ(ja.colour("STEPS"), QColor(0x00, 0x72, 0xB2));
+  ChartSettings en;
+  ASSERT_TRUE(en.load(DistChartIni("en")));
+  EXPECT_EQ(en.formatDate(d, en.dateMda), "06/30(Sun)");
+  EXPECT_EQ(en.text("CHART_200"), "Steps");
+  // A missing file keeps the built-in defaults.
+  ChartSettings none;
+  EXPECT_FALSE(none.load("/nonexistent/chart.ini"));
+  EXPECT_FALSE(none.text("CHART_400").isEmpty());
+  ChartMaker m;
+  EXPECT_EQ(ChartPreparePersonal(m, "/nonexistent/chart.ini"), chartcode::kFileMissing);
+}
+
+}  // namespace
