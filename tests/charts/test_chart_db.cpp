@@ -1,0 +1,497 @@
+// Statistics and chart files on stored data: a real encrypted database in a throw-away
+// installation, filled from generated recorders and from hand-made rows.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include "charts.h"
+#include "data_convert.h"
+#include "frame.h"
+#include "recorder_image.h"
+#include "store.h"
+#include "test_installation.h"
+
+using namespace charts;
+
+namespace {
+
+QDate D(int y, int m, int d) { return QDate(y, m, d); }
+
+const QString kUser = QStringLiteral("U000000001");
+
+struct Row {
+  QString receiveId = QStringLiteral("R000000001");
+  QString seq = QStringLiteral("1");
+  QDate day;
+  int steps = 5000;
+  QString unit = QStringLiteral("0");
+  QString weightKg = QStringLiteral("60.0");
+  QString weightLb = QStringLiteral("132");
+  QString exercise = QStringLiteral("1.0");
+  int level4 = 100;
+  int level8 = 10;
+};
+
+class ChartDb : public ::testing::Test {
+ protected:
+  explicit ChartDb(const QString& lang = QStringLiteral("ja")) : inst_(lang) {}
+
+  void SetUp() override {
+    ASSERT_TRUE(inst_.isValid());
+    QString error;
+    ASSERT_TRUE(CreateDatabaseFile(inst_.dbFile(), kDefaultDbPassword, &error)) << error.toStdString();
+    db_.open(inst_.dbFile(), kDefaultDbPassword);
+    UserRecord u;
+    u.USER_ID = kUser;
+    u.GROUP_ID = kDefaultGroupId;
+    u.LOGIN_ID = QStringLiteral("hana");
+    u.FIRST_NAME = QStringLiteral("Hana");
+    u.LAST_NAME = QStringLiteral("Sato");
+    u.NICK_NAME = QStringLiteral("hana");
+    u.GENDAR = QStringLiteral("1");
+    u.AGE = QStringLiteral("41");
+    u.HEIGHT_CM = QStringLiteral("160");
+    u.WEIGHT_KG = QStringLiteral("60.0");
+    u.TARGET_STEP = QStringLiteral("9000");
+    u.TARGET_CAL = QStringLiteral("250");
+    ASSERT_TRUE(VTDB_SetUserInfo(db_, u));
+    SetCurrentUserId(kUser);
+  }
+
+  void add(const Row& r) {
+    Statement st(db_,
+                 QStringLiteral(
+                     "INSERT INTO DAY_MEASUREMENT (RECEIVE_ID, SEQ_NUM, MEASUREMENT_DAY, "
+                     "RAW_MEASUREMENT_DAY, WEEK_DAY, USER_ID, GENDAR, AGE, HEIGHT_CM, HEIGHT_FEET, "
+                     "HEIGHT_INCH, WEIGHT_KG, WEIGHT_PAUND, TARGET_CAL, ENERGY_EXPENDITURE, ACTIVITY, "
+                     "STEP_COUNT, ACTIVITY_LEVEL_0, ACTIVITY_LEVEL_1, ACTIVITY_LEVEL_2, "
+                     "ACTIVITY_LEVEL_3, ACTIVITY_LEVEL_4, ACTIVITY_LEVEL_5, ACTIVITY_LEVEL_6, "
+                     "ACTIVITY_LEVEL_7, ACTIVITY_LEVEL_8, ACTIVITY_LEVEL_9, LOWER_BOUND, UPPER_BOUND, "
+                     "TARGET_TIME, PACE_CM, TARGET_STEP, MEASUREMENT_MODE, ACCUMULATION_TIME, "
+                     "DISTANCE_KM, DISTANCE_MILE, SELECT_TARGET, SELECT_UNIT, PEDOMERA, EXERCISE) "
+                     "VALUES (?, ?, ?, ?, ?, ?, '1', '41', '160', '5', '3', ?, ?, '300', '1900', '210', "
+                     "?, '0', '500', '400', '300', ?, '50', '40', '30', ?, '0', '4', '9', '60', '70', "
+                     "'8000', '0', '45', '3.5', '2.2', '0', ?, '2', ?)"));
+    const QString ymd = DateToYmd(r.day);
+    st.bind(1, r.receiveId).bind(2, r.seq).bind(3, ymd).bind(4, ymd);
+    st.bind(5, QString::number(r.day.dayOfWeek())).bind(6, kUser);
+    st.bind(7, r.weightKg).bind(8, r.weightLb).bind(9, QString::number(r.steps));
+    st.bind(10, QString::number(r.level4)).bind(11, QString::number(r.level8));
+    st.bind(12, r.unit).bind(13, r.exercise);
+    st.run();
+  }
+
+  void addBlock(const QString& receiveId, const QString& seq, const QString& block) {
+    Statement st(db_, QStringLiteral("INSERT INTO TIME_MEASUREMENT_BLOCK (RECEIVE_ID, SEQ_NUM, "
+                                     "ACT_LEVEL_BLOCK, MEASUREMENT_MODE) VALUES (?, ?, ?, '0')"));
+    st.bind(1, receiveId).bind(2, seq).bind(3, block).run();
+  }
+
+  void addDays(const QDate& from, const QDate& to, int steps = 5000) {
+    int seq = 1;
+    for (QDate d = from; d <= to; d = d.addDays(1)) {
+      Row r;
+      r.day = d;
+      r.steps = steps;
+      r.seq = QString::number(seq++);
+      add(r);
+    }
+  }
+
+  // Stores the days of a generated recorder as one reception, as the receive does.
+  void storeRecorder(const RecorderImageOptions& o) {
+    const QByteArray manageBytes = MakeManageBlock(o);
+    FlashManage manage;
+    ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(manageBytes), manage, o.kind), 0);
+    const QString receiveId = CreateReceiveId(db_);
+    ASSERT_FALSE(receiveId.isEmpty());
+    int seq = 1;
+    for (const ImagePage& p : RecorderImagePages(o)) {
+      if (p.erased) continue;
+      const QByteArray page = MakeDayPage(o, p.date, p.recording);
+      FlashData data;
+      ASSERT_EQ(FlashData_Decode(AsBytes(page), data, o.kind), 0);
+      ASSERT_TRUE(VTDB_SetDayMeasurement(db_, receiveId, seq, kUser, p.page, o.startPage, data,
+                                         manage, o.kind));
+      ASSERT_TRUE(VTDB_SetTimeMeasurementBlock(db_, receiveId, seq, data, o.kind));
+      ++seq;
+    }
+  }
+
+  int calc(const QDate& from, const QDate& to, bool useExclusion, bool block = false) {
+    days_.clear();
+    return CalcStepActMin(db_, kUser, DateToYmd(from), DateToYmd(to), days_, useExclusion, block,
+                          false);
+  }
+
+  QString flags() const {
+    QString s;
+    for (const ChartDayRecord& d : days_) s += d.ExcludeFlag;
+    return s;
+  }
+
+  // The chart files of a chart, read back as lines (CR LF checked).
+  bool make(int type, const QDate& from, const QDate& to) {
+    iface_.clear();
+    header_.clear();
+    sim_.clear();
+    return MakeChartData(db_, type, DateToSlash(from), DateToSlash(to), ifaceFile_, headerFile_,
+                         QString(), QString(), &simFile_) &&
+           readLines(ifaceFile_, iface_) && readLines(headerFile_, header_) &&
+           (simFile_.isEmpty() || readLines(simFile_, sim_));
+  }
+
+  static bool readLines(const QString& path, QStringList& lines) {
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly)) return false;
+    const QByteArray bytes = f.readAll();
+    if (!bytes.endsWith("\r\n")) return false;
+    const QString text = QString::fromUtf8(bytes);
+    if (QString(text).remove(QStringLiteral("\r\n")).contains(QLatin1Char('\n'))) return false;
+    lines = text.split(QStringLiteral("\r\n"));
+    lines.removeLast();
+    return true;
+  }
+
+  bool shown(const QString& code) {
+    const auto rec = FindMessage(code);
+    if (!rec) return false;
+    const QString text = BuildMessageText(*rec, QString(), false);
+    for (const auto& s : inst_.dialog().shown)
+      if (s.text == text) return true;
+    return false;
+  }
+
+  TestInstallation inst_;
+  VtDatabase db_;
+  std::vector<ChartDayRecord> days_;
+  QString ifaceFile_, headerFile_, simFile_;
+  QStringList iface_, header_, sim_;
+};
+
+QString Field(const QString& line, int number) {
+  return line.section(QLatin1Char(','), number - 1, number - 1);
+}
+
+}  // namespace
+
+TEST_F(ChartDb, PeriodWithoutRows) {
+  EXPECT_EQ(calc(D(2024, 1, 1), D(2024, 1, 7), true), 0);
+  ASSERT_EQ(days_.size(), 7u);
+  EXPECT_EQ(flags(), QStringLiteral("1111111"));
+  for (const auto& d : days_) EXPECT_FALSE(d.NewestOfDay);
+  EXPECT_EQ(days_[6].MEASUREMENT_DAY, QStringLiteral("20240107"));
+  EXPECT_EQ(days_[6].WEEK_DAY, QStringLiteral("7"));
+
+  // A start after the end leaves the list alone.
+  EXPECT_EQ(CalcStepActMin(db_, kUser, QStringLiteral("20240110"), QStringLiteral("20240101"),
+                           days_, true, false, false),
+            0);
+  EXPECT_EQ(days_.size(), 7u);
+
+  // Without any measured day the empty lines carry "4"; with data elsewhere "3".
+  ASSERT_TRUE(make(100, D(2024, 1, 1), D(2024, 1, 3)));
+  ASSERT_EQ(iface_.size(), 6);
+  EXPECT_EQ(iface_[2], QStringLiteral("0,0,0,0,0,0"));
+  EXPECT_EQ(iface_[3], QStringLiteral("4,20240101,20240101") + QString(24, QLatin1Char(',')));
+  addDays(D(2024, 2, 1), D(2024, 2, 3));
+  ASSERT_TRUE(make(100, D(2024, 1, 1), D(2024, 1, 3)));
+  EXPECT_TRUE(iface_[3].startsWith(QStringLiteral("3,20240101,")));
+  ASSERT_TRUE(make(100, D(2024, 1, 31), D(2024, 2, 2)));
+  EXPECT_TRUE(iface_[3].startsWith(QStringLiteral("2,20240131,")));
+  EXPECT_TRUE(iface_[4].startsWith(QStringLiteral("0,20240201,20240201,9000,0,5000,")));
+}
+
+TEST_F(ChartDb, DayReceivedTwiceTakesTheNewestReceptionAndSequence) {
+  Row a;
+  a.day = D(2024, 3, 1);
+  a.steps = 1111;
+  add(a);
+  Row b = a;
+  b.receiveId = QStringLiteral("R000000002");
+  b.seq = QStringLiteral("9");
+  b.steps = 2222;
+  add(b);
+  Row c = b;
+  c.seq = QStringLiteral("10");
+  c.steps = 3333;
+  add(c);
+  EXPECT_EQ(calc(D(2024, 3, 1), D(2024, 3, 2), false), 1);
+  EXPECT_EQ(days_[0].STEP_COUNT, QStringLiteral("3333"));
+  EXPECT_EQ(days_[0].SEQ_NUM, QStringLiteral("10"));
+  EXPECT_TRUE(days_[0].NewestOfDay);
+  // Moderate and vigorous come from the level counts: 4..7 and 8..9.
+  EXPECT_EQ(days_[0].MODERATE, QStringLiteral("220"));
+  EXPECT_FLOAT_EQ(days_[0].ModerateMinutes, 14.7f);
+  EXPECT_FLOAT_EQ(days_[0].VigorousMinutes, 0.7f);
+}
+
+TEST_F(ChartDb, FirstAndLastMeasuredDayAreExcludedOnlyWhereTheyLie) {
+  addDays(D(2024, 1, 1), D(2024, 1, 20));
+  EXPECT_EQ(calc(D(2024, 1, 1), D(2024, 1, 7), true), 7);
+  EXPECT_EQ(flags(), QStringLiteral("1000000"));
+  EXPECT_EQ(calc(D(2024, 1, 8), D(2024, 1, 14), true), 7);
+  EXPECT_EQ(flags(), QStringLiteral("0000000"));
+  EXPECT_EQ(calc(D(2024, 1, 14), D(2024, 1, 21), true), 7);
+  EXPECT_EQ(flags(), QStringLiteral("00000011"));
+  EXPECT_EQ(calc(D(2024, 1, 1), D(2024, 1, 2), false), 2);
+  EXPECT_EQ(flags(), QStringLiteral("00"));
+
+  inst_.setConfig(QStringLiteral("REPORT"), QStringLiteral("EDFA_STARTING_DAY"), QStringLiteral("0"));
+  EXPECT_EQ(calc(D(2024, 1, 1), D(2024, 1, 2), true), 2);
+  EXPECT_EQ(flags(), QStringLiteral("00"));
+  // lowStepOnly never applies the first and last day rule.
+  std::vector<ChartDayRecord> days;
+  CalcStepActMin(db_, kUser, QStringLiteral("20240120"), QStringLiteral("20240120"), days, true,
+                 false, true);
+  EXPECT_EQ(days[0].ExcludeFlag, QStringLiteral("0"));
+
+  // Header line 4 counts the days that count; line 6 tells the rules.
+  ASSERT_TRUE(make(101, D(2024, 1, 14), D(2024, 1, 20)));
+  ASSERT_EQ(header_.size(), 7);
+  EXPECT_EQ(header_[3], QStringLiteral("20240114,20240120,6, 2"));
+  EXPECT_EQ(header_[5], QStringLiteral("\"Last Date, 50 Step and under/day\""));
+}
+
+TEST_F(ChartDb, LowStepRuleAndItsThresholds) {
+  Row r;
+  r.day = D(2024, 5, 1);
+  add(r);  // first day, excluded by its own rule
+  r.day = D(2024, 5, 2);
+  r.steps = 49;
+  r.seq = QStringLiteral("2");
+  add(r);
+  r.day = D(2024, 5, 3);
+  r.steps = 50;
+  r.seq = QStringLiteral("3");
+  add(r);
+  r.day = D(2024, 5, 4);
+  r.steps = 0;
+  r.seq = QStringLiteral("4");
+  add(r);
+  r.day = D(2024, 5, 9);
+  r.steps = 5000;
+  r.seq = QStringLiteral("5");
+  add(r);
+  const QString report = QStringLiteral("REPORT");
+  const QString key = QStringLiteral("EDFA_LOW_STEP_COUNT");
+  EXPECT_EQ(calc(D(2024, 5, 2), D(2024, 5, 4), true), 3);
+  EXPECT_EQ(flags(), QStringLiteral("101"));
+  inst_.setConfig(report, key, QStringLiteral("0"));
+  calc(D(2024, 5, 2), D(2024, 5, 4), true);
+  EXPECT_EQ(flags(), QStringLiteral("000"));
+  inst_.setConfig(report, key, QStringLiteral("-1"));
+  calc(D(2024, 5, 2), D(2024, 5, 4), true);
+  EXPECT_EQ(flags(), QStringLiteral("000"));
+  inst_.setConfig(report, key, QString());
+  calc(D(2024, 5, 2), D(2024, 5, 4), true);
+  EXPECT_EQ(flags(), QStringLiteral("000"));
+  inst_.setConfig(report, key, QStringLiteral("50"));
+
+  // A week whose days are all excluded still gives its exercise figure; the last day
+  // 05-09 is a Thursday, so weeks run Friday to Thursday.
+  ASSERT_TRUE(make(101, D(2024, 5, 2), D(2024, 5, 9)));
+  ASSERT_EQ(iface_.size(), 5);
+  EXPECT_EQ(iface_[3].section(QLatin1Char(','), 0, 2), QStringLiteral("1,20240502,20240502"));
+  EXPECT_EQ(Field(iface_[3], 786), QStringLiteral("1.0"));
+  // 05-03 counts; 05-04 (0 steps) and the last day do not, but all three add exercise.
+  EXPECT_EQ(iface_[4].section(QLatin1Char(','), 0, 2), QStringLiteral("0,20240503,20240509"));
+  EXPECT_EQ(Field(iface_[4], 6), QStringLiteral("50"));
+  EXPECT_EQ(Field(iface_[4], 786), QStringLiteral("3.0"));
+}
+
+TEST_F(ChartDb, ModerateOverflowFailsTheChart) {
+  Row r;
+  r.day = D(2024, 4, 2);
+  r.level8 = 9000;  // vigorous count above 8191
+  add(r);
+  EXPECT_EQ(calc(D(2024, 4, 1), D(2024, 4, 3), false), -1);
+  EXPECT_FALSE(make(100, D(2024, 4, 1), D(2024, 4, 3)));
+  EXPECT_TRUE(shown(QStringLiteral("CALC-C-0002")));
+  EXPECT_TRUE(ifaceFile_.isEmpty());
+  EXPECT_TRUE(inst_.traceText().contains(
+      QRegularExpression(QStringLiteral("\\|2\\|CalcStepActMin +\\|Overflow"))));
+}
+
+TEST_F(ChartDb, UnknownTypeAndUnknownUser) {
+  addDays(D(2024, 1, 1), D(2024, 1, 3));
+  QString iface, header;
+  EXPECT_FALSE(MakeChartData(db_, 700, QStringLiteral("2024/01/01"), QStringLiteral("2024/01/03"),
+                             iface, header));
+  EXPECT_TRUE(iface.isEmpty());
+  EXPECT_TRUE(shown(QStringLiteral("CALC-C-0002")));
+  EXPECT_TRUE(inst_.traceText().contains(QStringLiteral("MakeDataMain ChartType Err")));
+
+  EXPECT_FALSE(MakeChartData(db_, 100, QStringLiteral("2024/01/01"), QStringLiteral("2024/01/03"),
+                             iface, header, QStringLiteral("U000000077")));
+  EXPECT_TRUE(shown(QStringLiteral("CALC-C-0001")));
+  EXPECT_TRUE(header.isEmpty());
+}
+
+TEST_F(ChartDb, FilesAreNamedInTheTemporaryFolder) {
+  addDays(D(2024, 1, 1), D(2024, 1, 9));
+  ASSERT_TRUE(make(301, D(2024, 1, 1), D(2024, 1, 9)));
+  const QFileInfo fi(ifaceFile_);
+  EXPECT_EQ(QDir(fi.absolutePath()).canonicalPath(), QDir(inst_.tempPath()).canonicalPath());
+  EXPECT_TRUE(fi.fileName().startsWith(QStringLiteral("301")));
+  EXPECT_TRUE(QFileInfo(headerFile_).fileName().startsWith(QStringLiteral("HED")));
+  EXPECT_TRUE(simFile_.isEmpty());
+  EXPECT_EQ(iface_[0], QStringLiteral("301"));
+  EXPECT_EQ(Field(iface_[1], 32), Ini_GetTargetExercise());  // the user has no own target
+  EXPECT_EQ(header_[0], QStringLiteral("Hana,,Sato,hana,") + GetGroupName(db_, kDefaultGroupId));
+  EXPECT_EQ(header_[2].section(QLatin1Char(','), 0, 0), QStringLiteral("41"));
+  EXPECT_TRUE(header_[2].endsWith(QStringLiteral("160 cm,60.0 kg")));
+  EXPECT_EQ(header_[4], QStringLiteral("9000,,,4,7"));
+  // Weeks end on the last measured day's weekday (Tuesday 01-09).
+  ASSERT_EQ(iface_.size(), 5);
+  EXPECT_EQ(iface_[3].section(QLatin1Char(','), 1, 2), QStringLiteral("20240101,20240102"));
+  EXPECT_EQ(iface_[4].section(QLatin1Char(','), 1, 2), QStringLiteral("20240103,20240109"));
+}
+
+TEST_F(ChartDb, DayProfileWithAndWithoutBlock) {
+  Row r;
+  r.day = D(2024, 2, 10);
+  add(r);
+  r.day = D(2024, 2, 11);
+  r.seq = QStringLiteral("2");
+  r.exercise = QStringLiteral("2.5");
+  add(r);
+  QStringList slots;
+  for (int i = 0; i < 720; ++i) slots << (i < 360 ? QStringLiteral("0") : QStringLiteral("0.5"));
+  addBlock(r.receiveId, QStringLiteral("1"), slots.join(QLatin1Char(',')));
+
+  ASSERT_TRUE(make(5, D(2024, 2, 10), D(2024, 2, 10)));
+  ASSERT_EQ(iface_.size(), 4);
+  QStringList f = iface_[3].split(QLatin1Char(','));
+  ASSERT_EQ(f.size(), 786);
+  EXPECT_EQ(f[64], QStringLiteral("0"));
+  EXPECT_EQ(f[783], QStringLiteral("0.5"));
+  EXPECT_EQ(f[784], QStringLiteral("0"));
+  EXPECT_EQ(f[785], QStringLiteral("1.0"));
+
+  ASSERT_TRUE(make(5, D(2024, 2, 11), D(2024, 2, 11)));
+  f = iface_[3].split(QLatin1Char(','));
+  ASSERT_EQ(f.size(), 786);
+  EXPECT_EQ(f[784], QString());
+  EXPECT_EQ(f[785], QStringLiteral("02.5"));  // mode, then the exercise behind it
+}
+
+TEST_F(ChartDb, PlanWeightsAndTheSimFile) {
+  addDays(D(2024, 3, 1), D(2024, 3, 28));
+  WeightPlanRecord plan;
+  plan.UserId = kUser;
+  plan.StartDate = QStringLiteral("20240305");
+  plan.EndDate = QStringLiteral("20240315");
+  plan.StartWeight = QStringLiteral("60.0");
+  plan.TargetWeight = QStringLiteral("58.0");
+  plan.PoundFlag = QStringLiteral("0");
+  ASSERT_TRUE(SetWeightPlan(db_, plan));
+
+  ASSERT_TRUE(make(800, D(2024, 3, 1), D(2024, 3, 28)));
+  EXPECT_EQ(Field(iface_[3], 27), QStringLiteral("60.0"));   // before
+  EXPECT_EQ(Field(iface_[3 + 9], 27), QStringLiteral("59.0"));  // 03-10, half way
+  EXPECT_EQ(Field(iface_[3 + 20], 27), QStringLiteral("58.0"));  // after
+  ASSERT_FALSE(simFile_.isEmpty());
+  EXPECT_EQ(simFile_, ifaceFile_ + QStringLiteral(".sim"));
+  ASSERT_GE(sim_.size(), 3);
+  EXPECT_EQ(sim_[0], QStringLiteral("900"));
+  EXPECT_EQ(sim_[1], QStringLiteral("20240305,60.0,20240315,58.0"));
+  // Weeks end on Thursdays (03-28): 03-07, 03-14, 03-21, and the element before the last.
+  ASSERT_EQ(sim_.size(), 6);
+  EXPECT_EQ(sim_[2], QStringLiteral("20240307,60.0,59.6"));
+  EXPECT_EQ(sim_[5], QStringLiteral("20240327,60.0,58.0"));
+
+  // Weekly (Friday to Thursday): a group's date is its last day, and a group reaching
+  // past the plan's end takes the target weight.
+  ASSERT_TRUE(make(801, D(2024, 3, 1), D(2024, 3, 28)));
+  EXPECT_EQ(Field(iface_[3], 27), QStringLiteral("59.6"));
+  EXPECT_EQ(Field(iface_[4], 2), QStringLiteral("20240308"));
+  EXPECT_EQ(Field(iface_[4], 27), QStringLiteral("58.2"));
+  EXPECT_EQ(Field(iface_[5], 2), QStringLiteral("20240315"));
+  EXPECT_EQ(Field(iface_[5], 27), QStringLiteral("58.0"));
+}
+
+TEST_F(ChartDb, GeneratedRecorderDays) {
+  RecorderImageOptions o;
+  o.kind = PMKIND_BRIO_NORMAL;
+  o.days = 21;
+  o.lastDay = D(2024, 1, 3);  // across the year end
+  o.seed = 7;
+  storeRecorder(o);
+  if (HasFatalFailure()) return;
+  QString first, last;
+  ASSERT_TRUE(VTDB_GetDayMeasurementRange(db_, kUser, first, last, false));
+  EXPECT_EQ(last, QStringLiteral("20240103"));
+
+  EXPECT_EQ(calc(D(2023, 12, 1), D(2024, 1, 3), true, true), 21);
+  EXPECT_TRUE(CheckDataChronology(days_));
+  int withBlock = 0;
+  for (const auto& d : days_)
+    if (d.NewestOfDay && d.ACT_LEVEL_BLOCK.count(QLatin1Char(',')) == 719) ++withBlock;
+  EXPECT_EQ(withBlock, 21);
+
+  // Four-week spans anchored on 2024-01-03: the span 2023-12-07 .. 2024-01-03 holds the
+  // year end.
+  ASSERT_TRUE(make(102, D(2023, 11, 1), D(2024, 1, 3)));
+  ASSERT_EQ(iface_.size(), 6);
+  EXPECT_EQ(iface_[3].section(QLatin1Char(','), 1, 2), QStringLiteral("20231101,20231108"));
+  EXPECT_EQ(iface_[5].section(QLatin1Char(','), 1, 2), QStringLiteral("20231207,20240103"));
+  EXPECT_EQ(Field(iface_[5], 1), QStringLiteral("0"));
+  EXPECT_EQ(iface_[5].split(QLatin1Char(',')).size(), 786);
+
+  // A second reception of the same recorder later on gives the same days again.
+  o.lastDay = D(2024, 1, 10);
+  o.days = 28;
+  storeRecorder(o);
+  if (HasFatalFailure()) return;
+  EXPECT_EQ(calc(D(2023, 12, 14), D(2024, 1, 10), false), 28);
+  EXPECT_TRUE(CheckDataChronology(days_));
+  for (const auto& d : days_) EXPECT_EQ(d.RECEIVE_ID, days_.back().RECEIVE_ID);
+}
+
+class EnglishChartDb : public ChartDb {
+ protected:
+  EnglishChartDb() : ChartDb(QStringLiteral("en")) {}
+};
+
+TEST_F(EnglishChartDb, MixedUnitsShowTheUnitOfTheLastDay) {
+  ASSERT_TRUE(IsEnglishEdition());
+  Row r;
+  r.day = D(2024, 6, 1);
+  add(r);  // kilograms
+  r.day = D(2024, 6, 2);
+  r.seq = QStringLiteral("2");
+  r.unit = QStringLiteral("1");  // pounds from here on
+  add(r);
+  EXPECT_EQ(GetUnitFlag(db_, kUser), 1);
+  ASSERT_TRUE(make(100, D(2024, 6, 1), D(2024, 6, 2)));
+  EXPECT_EQ(Field(iface_[3], 15), QStringLiteral("132"));
+  EXPECT_EQ(Field(iface_[3], 14), QStringLiteral("2.2"));
+  EXPECT_EQ(Field(iface_[4], 15), QStringLiteral("132"));
+  EXPECT_TRUE(header_[2].endsWith(QStringLiteral("5' 3\",132 lbs.")));
+
+  // Back to kilograms on the last day: every day shows kilograms.
+  r.day = D(2024, 6, 3);
+  r.seq = QStringLiteral("3");
+  r.unit = QStringLiteral("0");
+  add(r);
+  ASSERT_TRUE(make(100, D(2024, 6, 1), D(2024, 6, 3)));
+  EXPECT_EQ(Field(iface_[4], 15), QStringLiteral("60.0"));
+  EXPECT_EQ(Field(iface_[4], 14), QStringLiteral("3.5"));
+}
+
+TEST_F(ChartDb, JapaneseInstallationKeepsEachRowsUnit) {
+  Row r;
+  r.day = D(2024, 6, 1);
+  add(r);
+  r.day = D(2024, 6, 2);
+  r.seq = QStringLiteral("2");
+  r.unit = QStringLiteral("1");
+  add(r);
+  ASSERT_TRUE(make(100, D(2024, 6, 1), D(2024, 6, 2)));
+  EXPECT_EQ(Field(iface_[3], 15), QStringLiteral("60.0"));
+  EXPECT_EQ(Field(iface_[4], 15), QStringLiteral("132"));
+}

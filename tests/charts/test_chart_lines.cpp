@@ -1,0 +1,395 @@
+// Day list rules, aggregates and the lines of the chart files, from records in memory.
+#include <gtest/gtest.h>
+
+#include "charts.h"
+#include "frame/helpers.h"
+
+using namespace charts;
+
+namespace {
+
+QDate D(int y, int m, int d) { return QDate(y, m, d); }
+
+ChartDayRecord Day(const QDate& date, int steps, const QString& exercise = QStringLiteral("1.0")) {
+  ChartDayRecord r;
+  r.RECEIVE_ID = QStringLiteral("R000000001");
+  r.SEQ_NUM = QStringLiteral("1");
+  r.MEASUREMENT_DAY = DateToYmd(date);
+  r.WEEK_DAY = QString::number(date.dayOfWeek());
+  r.STEP_COUNT = QString::number(steps);
+  r.TARGET_STEP = QStringLiteral("8000");
+  r.ACTIVITY = QStringLiteral("200");
+  r.ACCUMULATION_TIME = QStringLiteral("30");
+  r.ENERGY_EXPENDITURE = QStringLiteral("1800");
+  r.TARGET_TIME = QStringLiteral("60");
+  r.TimeTargetSelected = QStringLiteral("1");
+  r.SELECT_UNIT = QStringLiteral("0");
+  r.WeightShown = QStringLiteral("60.4");
+  r.DistanceShown = QStringLiteral("3.2");
+  for (std::size_t i = 0; i < 10; ++i) r.ACTIVITY_LEVEL[i] = QString::number(i * 10);
+  r.LOWER_BOUND = QStringLiteral("4");
+  r.UPPER_BOUND = QStringLiteral("9");
+  r.MEASUREMENT_MODE = QStringLiteral("0");
+  r.NewestOfDay = true;
+  r.ExcludeFlag = QStringLiteral("0");
+  r.EXERCISE = exercise;
+  return r;
+}
+
+// Days start..end, each with a row unless listed in gaps.
+std::vector<ChartDayRecord> Days(const QDate& start, const QDate& end, int steps = 5000) {
+  std::vector<ChartDayRecord> days = MakeEmptyDays(start, end);
+  std::vector<ChartDayRecord> rows;
+  for (QDate d = start; d <= end; d = d.addDays(1)) rows.push_back(Day(d, steps));
+  FillDayList(days, rows, DayListRules{});
+  return days;
+}
+
+QStringList Fields(const QString& line) { return line.split(QLatin1Char(',')); }
+
+InterfaceContext Ctx(int type, const QDate& anchor) {
+  InterfaceContext c;
+  c.chartType = type;
+  c.startDate = QStringLiteral("20240101");
+  c.endDate = QStringLiteral("20240131");
+  c.moderateFrom = QStringLiteral("4");
+  c.moderateTo = QStringLiteral("7");
+  c.exerciseTarget = QStringLiteral("23.0");
+  c.useExclusion = UsesExclusion(type);
+  c.targetStep = QStringLiteral("8000");
+  c.targetCal = QStringLiteral("300");
+  c.anchor = anchor;
+  return c;
+}
+
+}  // namespace
+
+TEST(ChartTypes, FamiliesAndExclusions) {
+  EXPECT_EQ(FamilyOf(5), ChartFamily::Daily);
+  EXPECT_EQ(FamilyOf(800), ChartFamily::Daily);
+  EXPECT_EQ(FamilyOf(901), ChartFamily::Weekly);
+  EXPECT_EQ(FamilyOf(602), ChartFamily::FourWeek);
+  for (int t : {700, 701, 702, 2, 3, 4, 103, 1000, 0}) EXPECT_FALSE(IsKnownChartType(t)) << t;
+  for (int t : {2, 3, 4, 5, 101, 802, 902}) EXPECT_TRUE(UsesExclusion(t)) << t;
+  for (int t : {100, 500, 800, 900}) EXPECT_FALSE(UsesExclusion(t)) << t;
+}
+
+TEST(DayList, ExclusionRulesAndThresholds) {
+  ExclusionSettings cfg;
+  cfg.lowStepCount = QStringLiteral("50");
+  DayListRules r = MakeDayListRules(cfg, true, false, QStringLiteral("20240101"),
+                                    QStringLiteral("20240110"));
+  EXPECT_EQ(r.threshold, QStringLiteral("50"));
+  EXPECT_EQ(r.firstMeasuredDay, QStringLiteral("20240101"));
+  EXPECT_EQ(r.lastMeasuredDay, QStringLiteral("20240110"));
+  r = MakeDayListRules(cfg, true, true, QStringLiteral("20240101"), QStringLiteral("20240110"));
+  EXPECT_TRUE(r.firstMeasuredDay.isEmpty());
+  EXPECT_EQ(r.threshold, QStringLiteral("50"));
+  r = MakeDayListRules(cfg, false, false, QStringLiteral("20240101"), QStringLiteral("20240110"));
+  EXPECT_EQ(r.threshold, QStringLiteral("-1"));
+  EXPECT_TRUE(r.lastMeasuredDay.isEmpty());
+  cfg.lowStepCount.clear();
+  cfg.startingDay = false;
+  r = MakeDayListRules(cfg, true, false, QStringLiteral("20240101"), QStringLiteral("20240110"));
+  EXPECT_EQ(r.threshold, QStringLiteral("-1"));
+  EXPECT_TRUE(r.firstMeasuredDay.isEmpty());
+
+  // 49 steps fall under the default threshold, 50 do not; 0 and "-1" exclude nothing.
+  std::vector<ChartDayRecord> rows{Day(D(2024, 1, 1), 49), Day(D(2024, 1, 2), 50),
+                                   Day(D(2024, 1, 3), 0)};
+  for (const auto& [threshold, flags] :
+       std::vector<std::pair<QString, QString>>{{QStringLiteral("50"), QStringLiteral("101")},
+                                                {QStringLiteral("0"), QStringLiteral("000")},
+                                                {QStringLiteral("-1"), QStringLiteral("000")}}) {
+    std::vector<ChartDayRecord> days = MakeEmptyDays(D(2024, 1, 1), D(2024, 1, 4));
+    DayListRules rules;
+    rules.threshold = threshold;
+    EXPECT_EQ(FillDayList(days, rows, rules), 3);
+    QString got;
+    for (int i = 0; i < 3; ++i) got += days[std::size_t(i)].ExcludeFlag;
+    EXPECT_EQ(got, flags) << threshold.toStdString();
+    EXPECT_FALSE(days[3].NewestOfDay);
+    EXPECT_EQ(days[3].ExcludeFlag, QStringLiteral("1"));
+    EXPECT_EQ(days[3].WEEK_DAY, QStringLiteral("4"));
+  }
+}
+
+TEST(DayFigures, ModerateMinutesExerciseAndCalorieTarget) {
+  ChartDayRecord r;
+  r.MODERATE = QStringLiteral("14");
+  r.VIGOROUS = QStringLiteral("0");
+  ASSERT_TRUE(ComputeModerateMinutes(r));
+  EXPECT_FLOAT_EQ(r.ModerateMinutes, 0.9f);
+  EXPECT_FLOAT_EQ(r.VigorousMinutes, 0.0f);
+  r.MODERATE = QStringLiteral("8191");
+  ASSERT_TRUE(ComputeModerateMinutes(r));
+  EXPECT_FLOAT_EQ(r.ModerateMinutes, 546.1f);
+  r.VIGOROUS = QStringLiteral("8192");  // x 4 leaves the 16-bit range
+  EXPECT_FALSE(ComputeModerateMinutes(r));
+
+  ChartDayRecord e;
+  e.EXERCISE = QStringLiteral("0");
+  EXPECT_EQ(ExerciseOf(e), QStringLiteral("0"));  // a stored zero is not recomputed
+  e.EXERCISE.clear();
+  e.ACTIVITY_LEVEL[4] = QStringLiteral("14");  // 0.9 min = 0.015 h x 3.6 -> 0.1
+  EXPECT_EQ(ExerciseOf(e), QStringLiteral("0.1"));
+
+  EXPECT_EQ(CalorieTargetFromWeight(QStringLiteral("60.4")), QStringLiteral("302"));
+  EXPECT_EQ(CalorieTargetFromWeight(QStringLiteral("150")), QStringLiteral("750"));
+}
+
+TEST(DayList, ChronologyOfReceptions) {
+  std::vector<ChartDayRecord> days = Days(D(2024, 1, 1), D(2024, 1, 3));
+  EXPECT_TRUE(CheckDataChronology(days));
+  days[1].SEQ_NUM = QStringLiteral("10");
+  days[2].SEQ_NUM = QStringLiteral("9");
+  EXPECT_FALSE(CheckDataChronology(days));
+  days[2].RECEIVE_ID = QStringLiteral("R000000002");
+  EXPECT_TRUE(CheckDataChronology(days));
+  days[0].RECEIVE_ID = QStringLiteral("R000000003");
+  EXPECT_FALSE(CheckDataChronology(days));
+}
+
+TEST(Lines, PutFieldAtPadsOrAppendsInsideTheField) {
+  EXPECT_EQ(PutFieldAt(QStringLiteral("a,b"), QStringLiteral("x"), 5), QStringLiteral("a,b,,,x"));
+  EXPECT_EQ(PutFieldAt(QStringLiteral("a,b,c"), QStringLiteral("x"), 2), QStringLiteral("a,bx,c"));
+  EXPECT_EQ(PutFieldAt(QStringLiteral("a,b,c"), QStringLiteral("x"), 3), QStringLiteral("a,b,cx"));
+  EXPECT_EQ(PutFieldAt(QStringLiteral("a"), QStringLiteral("x"), 1), QStringLiteral("ax"));
+}
+
+TEST(Lines, HeadLinesAndDailyLines) {
+  InterfaceContext c = Ctx(100, D(2024, 1, 31));
+  std::vector<ChartDayRecord> empty = MakeEmptyDays(D(2024, 1, 1), D(2024, 1, 2));
+  QStringList head = InterfaceHeadLines(c, empty);
+  ASSERT_EQ(head.size(), 3);
+  EXPECT_EQ(head[0], QStringLiteral("100"));
+  EXPECT_EQ(head[1], QStringLiteral("20240101,20240131,4,7,15000,500,100,2000,10000") +
+                         QString(23, QLatin1Char(',')) + QStringLiteral("23.0"));
+  EXPECT_EQ(Fields(head[1]).size(), 32);
+  EXPECT_EQ(head[2], QStringLiteral("0,0,0,0,0,0"));
+  const QStringList emptyLines = InterfaceDataLines(c, empty);
+  ASSERT_EQ(emptyLines.size(), 2);
+  EXPECT_EQ(emptyLines[0], QStringLiteral("3,20240101,20240101") + QString(24, QLatin1Char(',')));
+
+  std::vector<ChartDayRecord> days = Days(D(2024, 1, 1), D(2024, 1, 2));
+  days[0].STEP_COUNT = QStringLiteral("5001");
+  days[1].ACCUMULATION_TIME = QStringLiteral("31");
+  days[1].ExcludeFlag = QStringLiteral("1");
+  head = InterfaceHeadLines(c, days);
+  EXPECT_EQ(head[2], QStringLiteral("2,5001,200,1800,30.5,3.2"));  // no exclusions on type 100
+  c.useExclusion = true;
+  EXPECT_EQ(InterfaceHeadLines(c, days)[2], QStringLiteral("1,5001,200,1800,30.0,3.2"));
+
+  const QString line = DailyLine(c, days[0]);
+  const QStringList f = Fields(line);
+  ASSERT_EQ(f.size(), 786);
+  EXPECT_EQ(f.mid(0, 16).join(QLatin1Char(',')),
+            QStringLiteral("0,20240101,20240101,8000,0,5001,60,1,30,300,1,200,1800,3.2,60.4,10"));
+  EXPECT_EQ(f[23], QStringLiteral("90"));  // level 9
+  EXPECT_EQ(f[26], QString());              // no plan
+  EXPECT_EQ(f[785], QStringLiteral("1.0"));
+
+  // EXTRA3 "2": the calorie target follows the weight; "1" swaps the flags.
+  c.extra3 = QStringLiteral("2");
+  EXPECT_EQ(Fields(DailyLine(c, days[0]))[9], QStringLiteral("302"));
+  c.extra3 = QStringLiteral("1");
+  EXPECT_EQ(Fields(DailyLine(c, days[0]))[4], QStringLiteral("1"));
+  EXPECT_EQ(Fields(DailyLine(c, days[0]))[10], QStringLiteral("0"));
+}
+
+TEST(Lines, DayProfileWithAndWithoutBlock) {
+  InterfaceContext c = Ctx(5, D(2024, 1, 1));
+  ChartDayRecord d = Day(D(2024, 1, 1), 6000, QStringLiteral("2.25"));
+  d.EVENT[0] = QStringLiteral("0730");
+  d.MEASUREMENT_MODE = QStringLiteral("1");
+  QStringList slots;
+  for (int i = 0; i < 720; ++i) slots << QString::number(i % 10);
+  d.ACT_LEVEL_BLOCK = slots.join(QLatin1Char(','));
+  QStringList f = Fields(DailyLine(c, d));
+  ASSERT_EQ(f.size(), 786);
+  EXPECT_EQ(f[27], QString());
+  EXPECT_EQ(f[53], QString());
+  EXPECT_EQ(f[54], QStringLiteral("0730"));
+  EXPECT_EQ(f[64], QStringLiteral("0"));
+  EXPECT_EQ(f[783], QStringLiteral("9"));
+  EXPECT_EQ(f[784], QStringLiteral("1"));    // mode
+  EXPECT_EQ(f[785], QStringLiteral("2.3"));  // exercise "#0.0", half away from zero
+
+  // Without a block 721 empty fields keep the place, the mode lands in field 786 and
+  // the exercise is appended to it.
+  d.ACT_LEVEL_BLOCK.clear();
+  f = Fields(DailyLine(c, d));
+  ASSERT_EQ(f.size(), 786);
+  for (int i = 64; i < 785; ++i) ASSERT_EQ(f[i], QString()) << i;
+  EXPECT_EQ(f[785], QStringLiteral("12.3"));
+}
+
+TEST(Lines, WeeksAnchoredOnAWednesdayAndAllExcludedWeek) {
+  // Anchor Wednesday 2024-01-31: weeks run Thursday to Wednesday. The list starts on a
+  // Monday, so the first group is Monday to Wednesday.
+  InterfaceContext c = Ctx(101, D(2024, 1, 31));
+  std::vector<ChartDayRecord> days = Days(D(2024, 1, 1), D(2024, 1, 17));
+  for (std::size_t i = 3; i < 10; ++i) days[i].ExcludeFlag = QStringLiteral("1");  // Thu 4 .. Wed 10
+  days[1].STEP_COUNT = QStringLiteral("6000");
+  days[2].WeightShown = QStringLiteral("61.25");
+  int exist = 0;
+  c.existData = [&exist](const QString& from, const QString& to) {
+    ++exist;
+    return from == QStringLiteral("20240104") && to == QStringLiteral("20240110");
+  };
+  const QStringList lines = InterfaceDataLines(c, days);
+  ASSERT_EQ(lines.size(), 3);
+  QStringList f = Fields(lines[0]);
+  ASSERT_EQ(f.size(), 786);
+  EXPECT_EQ(f[1], QStringLiteral("20240101"));
+  EXPECT_EQ(f[2], QStringLiteral("20240103"));
+  EXPECT_EQ(f[5], QStringLiteral("5333"));  // (5000 + 6000 + 5000) / 3
+  EXPECT_EQ(f[8], QStringLiteral("30.0"));
+  EXPECT_EQ(f[14], QStringLiteral("61.3"));  // last counted day's weight
+  EXPECT_EQ(f[15], QStringLiteral("10.00"));
+  EXPECT_EQ(f[785], QStringLiteral("3.0"));  // weekly total
+
+  // All days excluded: the empty group line, its plan weight in field 28, and still the
+  // week's exercise.
+  f = Fields(lines[1]);
+  EXPECT_EQ(f[0], QStringLiteral("1"));
+  EXPECT_EQ(f[1], QStringLiteral("20240104"));
+  EXPECT_EQ(f[2], QStringLiteral("20240110"));
+  EXPECT_EQ(lines[1].section(QLatin1Char(','), 0, 27),
+            QStringLiteral("1,20240104,20240110") + QString(25, QLatin1Char(',')));
+  EXPECT_EQ(f[785], QStringLiteral("7.0"));
+  EXPECT_EQ(exist, 1);
+
+  // The list ends on a Wednesday 17th: the last group ends with the list.
+  EXPECT_EQ(Fields(lines[2])[2], QStringLiteral("20240117"));
+}
+
+TEST(Lines, FourWeekGroupsTakeTheMeanWeeklyExercise) {
+  // Anchor Sunday 2024-03-31; spans end 03-03, 03-31. List 2024-02-05 .. 2024-03-31.
+  InterfaceContext c = Ctx(902, D(2024, 3, 31));
+  std::vector<ChartDayRecord> days = MakeEmptyDays(D(2024, 2, 5), D(2024, 3, 31));
+  std::vector<ChartDayRecord> rows;
+  // Span 1 (02-05 .. 03-03, four weeks): rows in weeks 1 and 3 only.
+  rows.push_back(Day(D(2024, 2, 6), 4000, QStringLiteral("2.0")));
+  rows.push_back(Day(D(2024, 2, 7), 4000, QStringLiteral("3.0")));
+  rows.push_back(Day(D(2024, 2, 20), 4000, QStringLiteral("4.0")));
+  // Span 2: one excluded row; it still gives exercise.
+  ChartDayRecord low = Day(D(2024, 3, 10), 10, QStringLiteral("1.5"));
+  rows.push_back(low);
+  DayListRules rules;
+  rules.threshold = QStringLiteral("50");
+  FillDayList(days, rows, rules);
+  c.plan = WeightPlan{D(2024, 2, 1), D(2024, 2, 29), QStringLiteral("70.0"), QStringLiteral("68.0")};
+
+  const QStringList lines = InterfaceDataLines(c, days);
+  ASSERT_EQ(lines.size(), 2);
+  QStringList f = Fields(lines[0]);
+  ASSERT_EQ(f.size(), 786);
+  EXPECT_EQ(f[1], QStringLiteral("20240205"));
+  EXPECT_EQ(f[2], QStringLiteral("20240303"));
+  EXPECT_EQ(f[5], QStringLiteral("4000"));
+  // Five plan weights: weeks ending 02-11, 02-18, 02-25 inside the plan; 03-03 after it.
+  EXPECT_EQ(f[26], QStringLiteral("69.3"));  // 68 x 10/28 + 70 x 18/28
+  EXPECT_EQ(f[29], QStringLiteral("68.0"));
+  EXPECT_EQ(f[30], QString());  // no fifth week
+  EXPECT_EQ(f[31], QStringLiteral("60.4"));
+  EXPECT_EQ(f[32], QString());  // week 2: no counted day
+  EXPECT_EQ(f[33], QStringLiteral("60.4"));
+  EXPECT_EQ(f[36], QString());  // closing comma
+  EXPECT_EQ(f[785], QStringLiteral("4.5"));  // (5.0 + 4.0) / 2 weeks that contributed
+
+  f = Fields(lines[1]);
+  EXPECT_EQ(f[0], QStringLiteral("3"));
+  EXPECT_EQ(f[27], QStringLiteral("68.0"));
+  EXPECT_EQ(f[785], QStringLiteral("1.5"));
+}
+
+TEST(Lines, PlanWeightsBeforeInsideAndAfterThePlan) {
+  const std::optional<WeightPlan> plan =
+      WeightPlan{D(2024, 1, 10), D(2024, 1, 20), QStringLiteral("80"), QStringLiteral("75")};
+  EXPECT_EQ(PlanWeightAt(plan, D(2024, 1, 9)), QStringLiteral("80.0"));
+  EXPECT_EQ(PlanWeightAt(plan, D(2024, 1, 10)), QStringLiteral("80.0"));
+  EXPECT_EQ(PlanWeightAt(plan, D(2024, 1, 13)), QStringLiteral("78.5"));
+  EXPECT_EQ(PlanWeightAt(plan, D(2024, 1, 20)), QStringLiteral("75.0"));
+  EXPECT_EQ(PlanWeightAt(plan, D(2024, 1, 21)), QStringLiteral("75.0"));
+  // A group that starts inside and ends after the plan takes the target weight.
+  EXPECT_EQ(PlanWeightOfGroup(plan, D(2024, 1, 15), D(2024, 1, 21)), QStringLiteral("75.0"));
+  // A group ending before the start takes the start weight although it is the last day.
+  EXPECT_EQ(PlanWeightOfGroup(plan, D(2024, 1, 3), D(2024, 1, 9)), QStringLiteral("80.0"));
+  EXPECT_EQ(PlanWeightAt(std::nullopt, D(2024, 1, 13)), QString());
+
+  WeightPlanRecord rec;
+  rec.StartDate = QStringLiteral("20240110");
+  EXPECT_FALSE(PlanFromRecord(rec).has_value());
+  rec.EndDate = QStringLiteral("20240120");
+  rec.StartWeight = QStringLiteral("80");
+  ASSERT_TRUE(PlanFromRecord(rec).has_value());
+
+  // The .sim file: a line at every week end and on the element before the last.
+  std::vector<ChartDayRecord> days = Days(D(2024, 1, 8), D(2024, 1, 24));
+  days[2].NewestOfDay = false;
+  const QStringList sim = SimLines(plan, days, D(2024, 1, 24));  // weeks end on Wednesdays
+  ASSERT_EQ(sim.size(), 5);
+  EXPECT_EQ(sim[0], QStringLiteral("900"));
+  EXPECT_EQ(sim[1], QStringLiteral("20240110,80,20240120,75"));
+  EXPECT_EQ(sim[2], QStringLiteral("20240110,60.4,80"));
+  EXPECT_EQ(sim[3], QStringLiteral("20240117,60.4,76.5"));
+  EXPECT_EQ(sim[4], QStringLiteral("20240123,60.4,75"));
+}
+
+TEST(Lines, HeaderLinesKeepTheirWording) {
+  HeaderContext h;
+  h.user.FIRST_NAME = QStringLiteral("Hana  ");
+  h.user.LAST_NAME = QStringLiteral("Sato");
+  h.user.NICK_NAME = QStringLiteral("hana");
+  h.user.COMMENT = QStringLiteral("walks");
+  h.user.AGE = QStringLiteral("41");
+  h.user.GENDAR = QStringLiteral("1");
+  h.user.HEIGHT_CM = QStringLiteral("160");
+  h.user.WEIGHT_KG = QStringLiteral("55.0");
+  h.groupName = QStringLiteral("Family");
+  h.startDate = QStringLiteral("20240101");
+  h.endDate = QStringLiteral("20240107");
+  h.countedDays = 5;
+  h.targetStep = QStringLiteral("8000");
+  h.targetIntake = QStringLiteral("2000");
+  h.targetActMin = QStringLiteral("60");
+  h.moderateFrom = QStringLiteral("4");
+  h.moderateTo = QStringLiteral("7");
+  h.threshold = QStringLiteral("50");
+  h.institution = QStringLiteral("Clinic");
+  QStringList l = HeaderLines(h);
+  ASSERT_EQ(l.size(), 7);
+  EXPECT_EQ(l[0], QStringLiteral("Hana,,Sato,hana,Family"));
+  EXPECT_EQ(l[1], QStringLiteral("walks"));
+  EXPECT_EQ(l[2], QStringLiteral("41,Female,160 cm,55.0 kg"));
+  EXPECT_EQ(l[3], QStringLiteral("20240101,20240107,5, "));
+  EXPECT_EQ(l[4], QStringLiteral("8000,2000,60,4,7"));
+  EXPECT_EQ(l[5], QStringLiteral("\"First Date, Last Date, 50 Step and under/day\""));
+  EXPECT_EQ(l[6], QStringLiteral("Clinic"));
+
+  h.excludeLast = false;
+  EXPECT_EQ(HeaderLines(h)[5], QStringLiteral("\"First Date50 Step and under/day\""));
+  h.excludeFirst = false;
+  h.excludeLast = true;
+  EXPECT_EQ(HeaderLines(h)[5], QStringLiteral("\"Last Date, 50 Step and under/day\""));
+
+  DayRecord row;
+  row.AGE = QStringLiteral("42 ");
+  row.GENDAR = QStringLiteral("0");
+  row.SELECT_UNIT = QStringLiteral("1");
+  row.HEIGHT_FEET = QStringLiteral("5");
+  row.HEIGHT_INCH = QStringLiteral("3 ");
+  row.WEIGHT_PAUND = QStringLiteral("121");
+  row.PEDOMERA = QStringLiteral("2");
+  h.newestRow = row;
+  h.captionMale = QStringLiteral("M");
+  l = HeaderLines(h);
+  EXPECT_EQ(l[2], QStringLiteral("42,M,5' 3\",121 lbs."));
+  EXPECT_EQ(l[3], QStringLiteral("20240101,20240107,5, 2"));
+
+  h.reservedUser = true;
+  l = HeaderLines(h);
+  EXPECT_EQ(l[0], QStringLiteral(",,,,"));
+  EXPECT_EQ(l[1], QString());
+}

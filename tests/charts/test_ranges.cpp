@@ -1,0 +1,310 @@
+// Weeks, four-week spans and the display window of each period, without a database.
+#include <gtest/gtest.h>
+
+#include <QRegularExpression>
+
+#include "charts.h"
+#include "test_installation.h"
+
+using namespace charts;
+
+namespace {
+
+QDate D(int y, int m, int d) { return QDate(y, m, d); }
+
+RangeState StateFor(const QDate& first, const QDate& last, int period) {
+  RangeState s;
+  s.rangeFirst = first;
+  s.rangeLast = last;
+  s.periodKind = period;
+  s.dtDateEnd = last;
+  return s;
+}
+
+}  // namespace
+
+TEST(Weekdays, PlatformToIsoAndAnchoredWeekEnds) {
+  EXPECT_EQ(ToIsoWeekday(1), 7);  // Sunday
+  EXPECT_EQ(ToIsoWeekday(2), 1);  // Monday
+  EXPECT_EQ(ToIsoWeekday(7), 6);  // Saturday
+  EXPECT_EQ(IsoWeekdayOfDate(QStringLiteral("20240306")), 3);
+  EXPECT_EQ(IsoWeekdayOfDate(QStringLiteral("2024/03/10")), 7);
+  EXPECT_EQ(IsoWeekdayOfDate(QStringLiteral("")), 0);
+
+  // A last day on a Wednesday: weeks run Thursday to Wednesday.
+  const WeekEndWeekdays w = GetWeekEndWeekdays(D(2024, 3, 6));
+  EXPECT_EQ(w.last, 3);
+  EXPECT_EQ(w.first, 4);
+  const WeekEndWeekdays sunday = GetWeekEndWeekdays(D(2024, 3, 10));
+  EXPECT_EQ(sunday.last, 7);
+  EXPECT_EQ(sunday.first, 1);
+}
+
+TEST(FourWeekSpans, FindShiftAndListAcrossYearEnds) {
+  const QDate anchor = D(2024, 1, 10);
+  FourWeekSpan s = FindFourWeekSpan(anchor, anchor);
+  EXPECT_EQ(s.start, D(2023, 12, 14));
+  EXPECT_EQ(s.end, anchor);
+  EXPECT_EQ(s.steps, 0);
+
+  // The span before the anchor's, across the turn of the year.
+  s = FindFourWeekSpan(anchor, D(2023, 12, 13));
+  EXPECT_EQ(s.end, D(2023, 12, 13));
+  EXPECT_EQ(s.start, D(2023, 11, 16));
+  EXPECT_EQ(s.steps, -1);
+
+  // Forward over the anchor: the first day after it opens the next span.
+  s = FindFourWeekSpan(anchor, D(2024, 1, 11));
+  EXPECT_EQ(s.start, D(2024, 1, 11));
+  EXPECT_EQ(s.end, D(2024, 2, 7));
+  EXPECT_EQ(s.steps, 1);
+
+  // A date a year and more before the anchor, across two year ends.
+  s = FindFourWeekSpan(anchor, D(2022, 12, 31));
+  EXPECT_LE(s.start, D(2022, 12, 31));
+  EXPECT_GE(s.end, D(2022, 12, 31));
+  EXPECT_EQ(s.start.daysTo(s.end), 27);
+  EXPECT_EQ(s.end.daysTo(anchor) % 28, 0);
+
+  const FourWeekSpan shifted = ShiftFourWeekSpan(anchor, D(2023, 12, 20), -2);
+  EXPECT_EQ(shifted.end, D(2023, 11, 15));
+  EXPECT_EQ(shifted.steps, -2);
+
+  const auto list = ListFourWeekSpans(anchor, D(2023, 11, 20), D(2024, 1, 11));
+  ASSERT_EQ(list.size(), 3u);
+  EXPECT_EQ(list[0].first, QStringLiteral("20231116"));
+  EXPECT_EQ(list[0].second, QStringLiteral("20231213"));
+  EXPECT_EQ(list[1].second, QStringLiteral("20240110"));
+  EXPECT_EQ(list[2].first, QStringLiteral("20240111"));
+  EXPECT_TRUE(ListFourWeekSpans(anchor, D(2024, 1, 5), D(2024, 1, 4)).empty());
+}
+
+TEST(ChartKind, FromGraphAndPeriod) {
+  EXPECT_EQ(ChartKindFor(0, kPeriodWeek), 100);
+  EXPECT_EQ(ChartKindFor(3, kPeriodMonth), 501);  // total calories is the 500 chart
+  EXPECT_EQ(ChartKindFor(4, kPeriodSixMonths), 402);
+  EXPECT_EQ(ChartKindFor(7, kPeriodWeek), 900);
+  EXPECT_EQ(ChartKindFor(kGraphIndexDay, kPeriodMonth), 5);
+  EXPECT_EQ(ChartKindFor(2, kPeriodDay), 5);
+  EXPECT_EQ(ChartKindFor(8, kPeriodWeek), 0);
+  EXPECT_EQ(GraphButtonTraceLine(4), QStringLiteral("ActivityTime_Click Start"));
+}
+
+TEST(Clamps, OnSlashTexts) {
+  const QString first = QStringLiteral("2024/01/10");
+  const QString last = QStringLiteral("2024/03/07");
+  EXPECT_EQ(ClampEndDate(last, QString(), QString()), last);
+  EXPECT_EQ(ClampEndDate(last, QStringLiteral("2024/03/08"), first), last);
+  EXPECT_EQ(ClampEndDate(last, QStringLiteral("2024/01/09"), first), first);
+  EXPECT_EQ(ClampEndDate(last, QStringLiteral("2024/01/09"), QString()), QStringLiteral("2024/01/09"));
+  EXPECT_EQ(ClampEndDate(last, QStringLiteral("2024/02/01"), first), QStringLiteral("2024/02/01"));
+
+  EXPECT_EQ(ClampStartDate(first, last, QStringLiteral("2023/12/31"), QString(), 0), first);
+  EXPECT_EQ(ClampStartDate(first, last, QStringLiteral("2024/04/01"), QString(), 0), last);
+  EXPECT_EQ(ClampStartDate(first, last, QString(), QStringLiteral("d"), -6), QStringLiteral("2024/03/01"));
+  EXPECT_EQ(ClampStartDate(first, QStringLiteral("2024/01/12"), QString(), QStringLiteral("d"), -6), first);
+  EXPECT_EQ(ClampStartDate(first, last, QString(), QString(), 0), first);
+
+  EXPECT_EQ(GetStarEndRange(kPeriodWeek, D(2024, 3, 7), 1), D(2024, 3, 13));
+  EXPECT_EQ(GetStarEndRange(kPeriodMonth, D(2024, 3, 7), 0), D(2024, 2, 2));
+  EXPECT_EQ(GetStarEndRange(kPeriodSixMonths, D(2024, 3, 7), -1), D(2023, 9, 22));
+}
+
+// Walks back from the latest window to the first, then forward again, checking the
+// step of each period and the window at the left edge.
+class Navigation : public ::testing::Test {
+ protected:
+  TestInstallation inst_;  // DateAdjustment may log
+  const QDate first_ = D(2022, 10, 12);  // a Wednesday
+  const QDate last_ = D(2024, 3, 7);     // a Thursday
+};
+
+TEST_F(Navigation, WeekStepsOneDayAndKeepsSevenDaysAtTheLeftEdge) {
+  RangeState s = StateFor(first_, last_, kPeriodWeek);
+  ASSERT_TRUE(DateAdjustment(s, kPeriodWeek, kAdjustLatest));
+  EXPECT_EQ(s.dtDateEnd, last_);
+  EXPECT_EQ(s.dtDateStart, last_.addDays(-6));
+  EXPECT_TRUE(IsLatestDate(s));
+  int steps = 0;
+  while (s.dtDateStart > first_) {
+    const QDate before = s.dtDateEnd;
+    ASSERT_TRUE(DateAdjustment(s, kPeriodWeek, kAdjustBack));
+    ASSERT_EQ(s.dtDateEnd, before.addDays(-1));
+    ASSERT_EQ(s.dtDateStart.daysTo(s.dtDateEnd), 6);
+    ASSERT_LT(++steps, 1000);
+  }
+  EXPECT_EQ(s.dtDateStart, first_);
+  EXPECT_EQ(s.dtDateEnd, first_.addDays(6));
+  ASSERT_TRUE(DateAdjustment(s, kPeriodWeek, kAdjustBack));  // stays at the edge
+  EXPECT_EQ(s.dtDateStart, first_);
+  EXPECT_EQ(s.dtDateEnd, first_.addDays(6));
+  EXPECT_EQ(s.dateChartFrom, s.dtDateStart);
+  EXPECT_EQ(s.dateChartTo, s.dtDateEnd);
+  while (!IsLatestDate(s)) {
+    const QDate before = s.dtDateEnd;
+    ASSERT_TRUE(DateAdjustment(s, kPeriodWeek, kAdjustNext));
+    ASSERT_EQ(s.dtDateEnd, before.addDays(1));
+    ASSERT_LT(++steps, 2000);
+  }
+  EXPECT_EQ(s.dtDateStart, last_.addDays(-6));
+  ASSERT_TRUE(DateAdjustment(s, kPeriodWeek, kAdjustNext));
+  EXPECT_EQ(s.dtDateEnd, last_);
+}
+
+TEST_F(Navigation, MonthStepsOneWeekAndKeepsFiveWeeksAtTheLeftEdge) {
+  RangeState s = StateFor(first_, last_, kPeriodMonth);
+  ASSERT_TRUE(DateAdjustment(s, kPeriodMonth, kAdjustLatest));
+  EXPECT_EQ(s.dtDateEnd, last_);
+  EXPECT_EQ(s.dtDateStart, last_.addDays(-34));
+  int steps = 0;
+  while (s.dtDateStart > first_) {
+    const QDate before = s.dtDateEnd;
+    ASSERT_TRUE(DateAdjustment(s, kPeriodMonth, kAdjustBack));
+    if (s.dtDateStart > first_) {
+      ASSERT_EQ(s.dtDateEnd, before.addDays(-7));
+      ASSERT_EQ(s.dtDateStart, s.dtDateEnd.addDays(-34));
+    }
+    ASSERT_EQ(s.dtDateEnd.dayOfWeek(), last_.dayOfWeek());
+    ASSERT_LT(++steps, 200);
+  }
+  // At the edge the window runs to the end of the fifth week counted from the week that
+  // holds the first day.
+  const QDate weekStart = first_.addDays(-((first_.dayOfWeek() - last_.addDays(-6).dayOfWeek() + 7) % 7));
+  EXPECT_EQ(s.dtDateStart, first_);
+  EXPECT_EQ(s.dtDateEnd, weekStart.addDays(34));
+  const QDate edgeEnd = s.dtDateEnd;
+  ASSERT_TRUE(DateAdjustment(s, kPeriodMonth, kAdjustBack));
+  EXPECT_EQ(s.dtDateStart, first_);
+  EXPECT_EQ(s.dtDateEnd, edgeEnd);
+  while (!IsLatestDate(s)) {
+    const QDate before = s.dtDateEnd;
+    ASSERT_TRUE(DateAdjustment(s, kPeriodMonth, kAdjustNext));
+    ASSERT_EQ(s.dtDateEnd, before.addDays(7));
+    ASSERT_LT(++steps, 400);
+  }
+  EXPECT_EQ(s.dtDateStart, last_.addDays(-34));
+}
+
+TEST_F(Navigation, SixMonthsStepsOneSpanAndKeepsSixSpansAtTheLeftEdge) {
+  RangeState s = StateFor(first_, last_, kPeriodSixMonths);
+  ASSERT_TRUE(DateAdjustment(s, kPeriodSixMonths, kAdjustLatest));
+  EXPECT_EQ(s.dtDateEnd, last_);
+  EXPECT_EQ(s.dtDateStart, last_.addDays(-167));
+  int steps = 0;
+  while (s.dtDateStart > first_) {
+    const QDate before = s.dtDateEnd;
+    ASSERT_TRUE(DateAdjustment(s, kPeriodSixMonths, kAdjustBack));
+    if (s.dtDateStart > first_) {
+      ASSERT_EQ(s.dtDateEnd, before.addDays(-28));
+      ASSERT_EQ(s.dtDateStart, s.dtDateEnd.addDays(-167));
+    }
+    ASSERT_LT(++steps, 100);
+  }
+  const FourWeekSpan firstSpan = FindFourWeekSpan(last_, first_);
+  EXPECT_EQ(s.dtDateStart, first_);
+  EXPECT_EQ(s.dtDateEnd, firstSpan.start.addDays(167));
+  while (!IsLatestDate(s)) {
+    const QDate before = s.dtDateEnd;
+    ASSERT_TRUE(DateAdjustment(s, kPeriodSixMonths, kAdjustNext));
+    ASSERT_EQ(s.dtDateEnd, before.addDays(28));
+    ASSERT_LT(++steps, 200);
+  }
+  EXPECT_EQ(s.dtDateStart, last_.addDays(-167));
+}
+
+TEST_F(Navigation, DayStepsAndKeepModeClampsThePicker) {
+  RangeState s = StateFor(first_, last_, kPeriodDay);
+  s.dtDateEnd = D(2030, 1, 1);  // beyond the data
+  ASSERT_TRUE(DateAdjustment(s, kPeriodDay, kAdjustKeep));
+  EXPECT_EQ(s.dtDateStart, last_);
+  EXPECT_EQ(s.dtDateEnd, last_);
+  EXPECT_TRUE(s.graphVisible);
+  ASSERT_TRUE(DateAdjustment(s, kPeriodDay, kAdjustBack));
+  EXPECT_EQ(s.dtDateEnd, last_.addDays(-1));
+  EXPECT_EQ(s.dtDateStart, s.dtDateEnd);
+  EXPECT_FALSE(IsLatestDate(s));
+  s.dtDateEnd = first_;
+  ASSERT_TRUE(DateAdjustment(s, kPeriodDay, kAdjustBack));
+  EXPECT_EQ(s.dtDateEnd, first_);
+
+  // A month window kept on a Saturday ends on Saturdays.
+  RangeState m = StateFor(first_, last_, kPeriodMonth);
+  m.dtDateEnd = D(2023, 6, 17);
+  ASSERT_TRUE(DateAdjustment(m, kPeriodMonth, kAdjustKeep));
+  EXPECT_EQ(m.dtDateEnd, D(2023, 6, 17));
+  EXPECT_EQ(m.dtDateStart, D(2023, 5, 14));
+}
+
+TEST_F(Navigation, NoDataAndOneDay) {
+  RangeState none;
+  none.dtDateEnd = D(2024, 1, 1);
+  const QDate today = D(2024, 5, 5);
+  ASSERT_TRUE(DateAdjustment(none, kPeriodWeek, kAdjustKeep, today));
+  EXPECT_EQ(none.dtDateStart, today);
+  EXPECT_EQ(none.dtDateEnd, today);
+  RangeState before = none;
+  EXPECT_FALSE(DateAdjustment(none, kPeriodWeek, kAdjustBack, today));
+  EXPECT_EQ(none.dtDateEnd, before.dtDateEnd);
+  EXPECT_TRUE(inst_.traceText().contains(
+      QRegularExpression(QStringLiteral("\\|2\\|DateAdjustment +\\|ERROR END"))));
+
+  RangeState init;
+  InitChartState(init, QDate(), QDate(), today);
+  EXPECT_TRUE(init.noData);
+  EXPECT_EQ(init.chartKind, 100);
+
+  // One measured day: every period shows that day and it is the latest at once.
+  const QDate only = D(2024, 2, 29);
+  for (int period : {kPeriodDay, kPeriodWeek, kPeriodMonth, kPeriodSixMonths}) {
+    RangeState s = StateFor(only, only, period);
+    for (int mode : {kAdjustKeep, kAdjustBack, kAdjustNext, kAdjustLatest}) {
+      ASSERT_TRUE(DateAdjustment(s, period, mode)) << period << " " << mode;
+      EXPECT_EQ(s.dtDateStart, only) << period << " " << mode;
+      EXPECT_EQ(s.dtDateEnd, only) << period << " " << mode;
+      EXPECT_TRUE(IsLatestDate(s));
+    }
+  }
+}
+
+TEST_F(Navigation, ScreenStateButtonsAndPickers) {
+  RangeState s;
+  s.dtDateEnd = D(2030, 1, 1);
+  InitChartState(s, first_, last_);
+  EXPECT_FALSE(s.noData);
+  EXPECT_EQ(s.chartKind, 100);
+  EXPECT_EQ(s.dtDateEnd, last_);
+  EXPECT_EQ(s.dtDateStart, last_.addDays(-6));
+
+  EXPECT_TRUE(SelectPeriod(s, kPeriodDay));
+  EXPECT_EQ(s.chartKind, 5);
+  EXPECT_EQ(s.dtDateStart, last_);
+  // A graph button from the day view moves to a week first.
+  SelectGraph(s, 1);
+  EXPECT_EQ(s.periodKind, kPeriodWeek);
+  EXPECT_EQ(s.chartKind, 200);
+  EXPECT_EQ(s.dtDateStart, last_.addDays(-6));
+  SelectPeriod(s, kPeriodSixMonths);
+  EXPECT_EQ(s.chartKind, 202);
+
+  // The user moves the end picker near the first day: the start follows and the
+  // window keeps its length as far as the data allows.
+  RangeState w = StateFor(first_, last_, kPeriodWeek);
+  w.dtDateEnd = first_.addDays(2);
+  UpdateRangeStartDate(w);
+  EXPECT_EQ(w.dtDateStart, first_);
+  EXPECT_EQ(w.dtDateEnd, first_.addDays(6));
+  w.dtDateEnd = D(2031, 1, 1);
+  UpdateRangeStartDate(w);
+  EXPECT_EQ(w.dtDateEnd, last_);
+  EXPECT_EQ(w.dtDateStart, last_.addDays(-6));
+  w.dtDateStart = last_.addDays(-2);
+  UpdateRangeEndDate(w);
+  EXPECT_EQ(w.dtDateEnd, last_);
+  EXPECT_EQ(w.dtDateStart, last_.addDays(-6));
+  w.dtDateStart = D(2000, 1, 1);
+  UpdateRangeEndDate(w);
+  EXPECT_EQ(w.dtDateStart, first_);
+  EXPECT_EQ(w.dtDateEnd, first_.addDays(6));
+  EXPECT_EQ(CheckOneDayRange(w, D(2031, 1, 1)), last_);
+  EXPECT_EQ(CheckOneDayRange(w, first_), first_);
+}
