@@ -1,0 +1,180 @@
+// A throw-away installation with a fresh database and a recorder on the emulated reader,
+// scripted answers to the receive's questions, and a table dump to compare databases.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QString>
+#include <QStringList>
+#include <deque>
+#include <memory>
+
+#include "device.h"
+#include "fake_reader.h"
+#include "receive.h"
+#include "shared_values.h"
+#include "store.h"
+#include "test_installation.h"
+
+// Answers queued by the test; an empty queue answers cancel.
+class ScriptedQuestions : public ReceiveQuestions {
+ public:
+  std::deque<NewCpuAnswer> newCpu;
+  std::deque<bool> yesNo;
+  std::deque<QString> registered;  // user ids the registration returns ("" = cancel)
+  std::deque<QString> selected;
+  QStringList asked;
+  bool selectWasEnabled = false;
+
+  NewCpuAnswer newRecorder(const RecvMsgNewCPU& d) override {
+    asked << QStringLiteral("NewCPU");
+    selectWasEnabled = d.btnSelectUserEnabled();
+    return take(newCpu, NewCpuAnswer::Cancel);
+  }
+  bool receiveForCurrentUser(const RecvMsgNewCPUSelectUser&) override {
+    asked << QStringLiteral("NewCPUSelectUser");
+    return take(yesNo, false);
+  }
+  bool takeOverRecorder(const RecvMsgAlertUser&) override {
+    asked << QStringLiteral("AlertUser");
+    return take(yesNo, false);
+  }
+  bool receiveResetRecorder(const RecvMsgAlertReset&) override {
+    asked << QStringLiteral("AlertReset");
+    return take(yesNo, false);
+  }
+  QString registerUser(VtDatabase&) override {
+    asked << QStringLiteral("UserRegist");
+    return take(registered, QString());
+  }
+  QString selectUser(VtDatabase&) override {
+    asked << QStringLiteral("UserSelect");
+    return take(selected, QString());
+  }
+
+ private:
+  template <typename T>
+  static T take(std::deque<T>& q, T fallback) {
+    if (q.empty()) return fallback;
+    T v = q.front();
+    q.pop_front();
+    return v;
+  }
+};
+
+// Counts the looks at the cancel flag and answers yes at the n-th (0 = never).
+class CountingProgress : public ProgressInterface {
+ public:
+  int cancelAt = 0;
+  int looks = 0;
+  int maximum = 0;
+  int value = 0;
+  QStringList statuses;
+  void setMaximum(int m) override { maximum = m; }
+  void setValue(int v) override { value = v; }
+  void setStatus(const QString& s) override { statuses << s; }
+  bool cancelRequested() override { return ++looks == cancelAt; }
+};
+
+class ReceiveFixture : public ::testing::Test {
+ protected:
+  void SetUp() override { setUpEdition(QStringLiteral("ja")); }
+
+  void setUpEdition(const QString& lang) {
+    db.reset();
+    inst = std::make_unique<TestInstallation>(lang);
+    ASSERT_TRUE(inst->isValid());
+    SetScreenState(kStateUserSelect);
+    SetCurrentUserId(QString());
+    QString error;
+    QFile::remove(inst->dbFile());
+    ASSERT_TRUE(CreateDatabaseFile(inst->dbFile(), kDefaultDbPassword, &error)) << error.toStdString();
+    db = std::make_unique<VtDatabase>();
+    db->open(inst->dbFile(), kDefaultDbPassword);
+  }
+  void TearDown() override {
+    db.reset();
+    inst.reset();
+  }
+
+  RecorderImageOptions recorder(int days, const QDate& lastDay = QDate(2024, 6, 30)) const {
+    RecorderImageOptions o;
+    o.numbers = RecorderNumbers::FromConfig();
+    o.kind = PMKIND_BRIO_NORMAL;
+    o.days = days;
+    o.lastDay = lastDay;
+    o.cpuNo = QStringLiteral("A00042");
+    return o;
+  }
+  void place(const RecorderImageOptions& o) {
+    QDir(inst->readerPath()).removeRecursively();
+    QDir().mkpath(inst->readerPath());
+    QString error;
+    ASSERT_TRUE(WriteRecorderImage(o, inst->readerPath() + QStringLiteral("/recorder.img"), &error))
+        << error.toStdString();
+  }
+  QByteArray image(const RecorderImageOptions& o) const { return MakeRecorderImage(o); }
+
+  ReceiveReport receive(ReceiveQuestions& q, ProgressInterface* progress = nullptr,
+                        TavoReader* reader = nullptr) {
+    EmulatedReader emulated(inst->readerPath());
+    NullProgress none;
+    ReceiveServices s{*db, reader ? *reader : emulated, clock, progress ? *progress : none};
+    ReceiveWorkflow w(s, q);
+    return w.Run();
+  }
+
+  QString addUser(const QString& name) {
+    QString id;
+    EXPECT_EQ(RegisterUserByName(*db, name, id), 0);
+    return id;
+  }
+
+  // Every row of every used table but the identifier counters, as sorted text.
+  QStringList dump() {
+    QStringList rows;
+    for (const char* table : {"GROUP", "USER", "CPU_TABLE", "GENERAL_DATA", "RECEIVE_HISTORY",
+                              "RECEIVE_HISTORY_DATE", "DAY_MEASUREMENT", "TIME_MEASUREMENT_BLOCK",
+                              "TIME_MEASUREMENT"}) {
+      Statement st(*db, QStringLiteral("SELECT * FROM [%1]").arg(QLatin1String(table)));
+      while (st.step()) {
+        QStringList cols;
+        for (int c = 0; c < st.columnCount(); ++c) cols << st.text(c);
+        rows << QLatin1String(table) + QLatin1Char('|') + cols.join(QLatin1Char('|'));
+      }
+    }
+    rows.sort();
+    return rows;
+  }
+  int count(const QString& sql, const QString& bind1 = QString()) {
+    Statement st(*db, sql);
+    if (!bind1.isNull()) st.bind(1, bind1);
+    return st.step() ? st.text(0).toInt() : -1;
+  }
+  QString scalar(const QString& sql, const QString& bind1 = QString()) {
+    Statement st(*db, sql);
+    if (!bind1.isNull()) st.bind(1, bind1);
+    return st.step() ? st.text(0) : QString();
+  }
+  UserRecord user(const QString& id) {
+    UserRecord u;
+    VTDB_GetUserInfoFromUserId(*db, id, u);
+    return u;
+  }
+  // First receive of a new recorder, registered as a new user from S_USERSELECT.
+  QString firstReceive(const RecorderImageOptions& o, const QString& name = QStringLiteral("山田 花子")) {
+    place(o);
+    const QString id = addUser(name);
+    ScriptedQuestions q;
+    q.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
+    q.selected = {id};
+    const ReceiveReport r = receive(q);
+    EXPECT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
+    return id;
+  }
+
+  std::unique_ptr<TestInstallation> inst;
+  std::unique_ptr<VtDatabase> db;
+  NoWaitClock clock;
+};

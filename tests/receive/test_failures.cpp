@@ -1,0 +1,141 @@
+// Faults and cancels at every point: each ending reports its codes and leaves the
+// database as it was, apart from the overlap day that the page arithmetic deletes.
+#include "receive_fixture.h"
+
+using Answer = ReceiveQuestions::NewCpuAnswer;
+
+class Failures : public ReceiveFixture {
+ protected:
+  // After a first receive of 10 days the recorder holds 13: the second receive reads the
+  // block (transfer 0), the current page (1), the start page (2) and pages 10..13 (3..6).
+  void prepareSecondReceive() {
+    ownerId = firstReceive(recorder(10));
+    second = recorder(13, QDate(2024, 7, 3));
+    place(second);
+    SetScreenState(kStateUserSelect);
+    before = dump();
+    // The overlap day: page 10 of the first receive, deleted before the loop starts.
+    Statement st(*db, QStringLiteral("SELECT * FROM DAY_MEASUREMENT WHERE RECEIVE_ID = 'R000000001' AND PAGE = '10'"));
+    ASSERT_TRUE(st.step());
+    QStringList cols;
+    for (int c = 0; c < st.columnCount(); ++c) cols << st.text(c);
+    overlapRow = QStringLiteral("DAY_MEASUREMENT|") + cols.join(QLatin1Char('|'));
+    ASSERT_TRUE(before.contains(overlapRow));
+    withoutOverlap = before;
+    withoutOverlap.removeAll(overlapRow);
+  }
+  ReceiveReport receiveWithFault(int transfer, qint32 status = 5) {
+    FakeReader fake(image(second));
+    fake.faultAt[transfer] = status;
+    ScriptedQuestions q;
+    return receive(q, nullptr, &fake);
+  }
+
+  QString ownerId;
+  RecorderImageOptions second;
+  QStringList before;
+  QStringList withoutOverlap;
+  QString overlapRow;
+};
+
+TEST_F(Failures, ReaderFaultsInTheManagementStageReportTheirCodesAndLeaveNothing) {
+  prepareSecondReceive();
+  const struct {
+    int transfer;
+    const char* code;
+  } cases[] = {{0, "MDWN-C-0001"}, {1, "MDWN-C-0003"}, {2, "MDWN-C-0004"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.code);
+    const ReceiveReport r = receiveWithFault(c.transfer);
+    EXPECT_EQ(r.ending, ReceiveEnding::Failed);
+    EXPECT_EQ(r.messageCodes, (QStringList{QLatin1String(c.code), QStringLiteral("COMN-C-0001")}));
+    EXPECT_EQ(dump(), before);
+  }
+}
+
+TEST_F(Failures, AFaultAtEveryPageOfTheLoopLeavesOnlyTheOverlapDayDeleted) {
+  prepareSecondReceive();
+  for (int transfer = 3; transfer <= 6; ++transfer) {
+    SCOPED_TRACE(transfer);
+    const ReceiveReport r = receiveWithFault(transfer);
+    EXPECT_EQ(r.ending, ReceiveEnding::Failed);
+    EXPECT_EQ(r.messageCodes, (QStringList{QStringLiteral("DDWN-C-0002"), QStringLiteral("COMN-C-0001")}));
+    EXPECT_EQ(r.pagesFetched, transfer - 3);
+    EXPECT_EQ(dump(), withoutOverlap);
+  }
+  // The next complete receive starts from the same page and brings the day back.
+  FakeReader fine(image(second));
+  ScriptedQuestions q;
+  const ReceiveReport r = receive(q, nullptr, &fine);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_EQ(r.startPage, 10);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(DISTINCT MEASUREMENT_DAY) FROM DAY_MEASUREMENT")), 13);
+}
+
+TEST_F(Failures, AFaultInTheFirstReceiveAlsoUndoesTheRecordersAssignment) {
+  RecorderImageOptions o = recorder(6);
+  const QString id = addUser(QStringLiteral("伊藤 五郎"));
+  const QStringList start = dump();
+  for (int transfer = 3; transfer <= 8; ++transfer) {
+    SCOPED_TRACE(transfer);
+    FakeReader fake(image(o));
+    fake.faultAt[transfer] = 7;
+    ScriptedQuestions q;
+    q.newCpu = {Answer::SelectUser};
+    q.selected = {id};
+    EXPECT_EQ(receive(q, nullptr, &fake).ending, ReceiveEnding::Failed);
+    EXPECT_EQ(dump(), start);
+  }
+}
+
+TEST_F(Failures, TheCancelFlagIsLookedAtExactlyAtTheMarkedPoints) {
+  prepareSecondReceive();
+  // Management stage: after the handle, before and after the current page, before the
+  // start page, after closing (5). Data stage: at its start (6), then before each page.
+  for (int n = 1; n <= 10; ++n) {
+    SCOPED_TRACE(n);
+    FakeReader fake(image(second));
+    CountingProgress progress;
+    progress.cancelAt = n;
+    ScriptedQuestions q;
+    const ReceiveReport r = receive(q, &progress, &fake);
+    EXPECT_EQ(r.ending, ReceiveEnding::Cancelled);
+    EXPECT_TRUE(r.messageCodes.isEmpty());
+    EXPECT_EQ(progress.looks, n);
+    EXPECT_EQ(r.pagesFetched, n > 6 ? n - 7 : 0);
+    // Until the page arithmetic has run nothing has changed; after it only the overlap
+    // day is gone.
+    EXPECT_EQ(dump(), n <= 6 ? before : withoutOverlap);
+  }
+  CountingProgress never;
+  FakeReader fake(image(second));
+  ScriptedQuestions q;
+  ASSERT_EQ(receive(q, &never, &fake).ending, ReceiveEnding::Received);
+  EXPECT_EQ(never.looks, 10);
+}
+
+TEST_F(Failures, APageArithmeticFailureWarnsAndEndsAsCancel) {
+  prepareSecondReceive();
+  Statement(*db, QStringLiteral("UPDATE [USER] SET LAST_PAGE = 'x  ' WHERE USER_ID = ?")).bind(1, ownerId).run();
+  const QStringList start = dump();
+  FakeReader fake(image(second));
+  ScriptedQuestions q;
+  const ReceiveReport r = receive(q, nullptr, &fake);
+  EXPECT_EQ(r.ending, ReceiveEnding::Cancelled);
+  EXPECT_EQ(r.messageCodes, QStringList{QStringLiteral("DDWN-W-0001")});
+  EXPECT_EQ(dump(), start);
+}
+
+TEST_F(Failures, AFailedReleaseOfTheRecorderReportsAndCleansUp) {
+  place(recorder(3));
+  const QString id = addUser(QStringLiteral("渡辺 六郎"));
+  db->exec(QStringLiteral("DROP TABLE CPU_TABLE"));
+  ScriptedQuestions q;
+  q.newCpu = {Answer::SelectUser};
+  q.selected = {id};
+  const ReceiveReport r = receive(q);
+  EXPECT_EQ(r.ending, ReceiveEnding::Failed);
+  EXPECT_TRUE(r.messageCodes.contains(QStringLiteral("DDWN-C-0006")));
+  EXPECT_EQ(r.messageCodes.last(), QStringLiteral("COMN-C-0001"));
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM RECEIVE_HISTORY")), 0);
+}

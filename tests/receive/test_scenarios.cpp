@@ -1,0 +1,326 @@
+// Whole receives of generated recorders through the emulated reader, with no waits.
+#include <QFile>
+#include <QFileInfo>
+
+#include "receive_fixture.h"
+
+using Answer = ReceiveQuestions::NewCpuAnswer;
+using Scenario = ReceiveFixture;
+
+TEST_F(Scenario, FirstReceiveOfANewRecorderRegistersAUserAndStoresEveryDay) {
+  place(recorder(10));
+  const QString id = addUser(QStringLiteral("山田 花子"));
+  ScriptedQuestions q;
+  q.newCpu = {Answer::CreateUser};
+  q.registered = {id};
+  CountingProgress progress;
+  const ReceiveReport r = receive(q, &progress);
+
+  ASSERT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
+  EXPECT_EQ(r.dialogs, (QStringList{QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("frmUserRegist")}));
+  EXPECT_EQ(r.kind, PMKIND_BRIO_NORMAL);
+  EXPECT_EQ(r.lang, PMLANG_JPN);
+  EXPECT_EQ(r.cpuNo, QStringLiteral("A00042"));
+  EXPECT_EQ(r.receiveId, QStringLiteral("R000000001"));
+  EXPECT_EQ(r.userId, id);
+  EXPECT_EQ(r.pagesFetched, 10);
+  EXPECT_EQ(r.daysStored, 10);
+  EXPECT_TRUE(r.messageCodes.isEmpty());
+  EXPECT_EQ(progress.maximum, 11);
+  EXPECT_EQ(progress.value, 11);
+
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT WHERE USER_ID = ?"), id), 10);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM TIME_MEASUREMENT_BLOCK")), 10);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM RECEIVE_HISTORY")), 1);
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")).trimmed(), id);
+  EXPECT_EQ(scalar(QStringLiteral("SELECT MIN(MEASUREMENT_DAY) FROM DAY_MEASUREMENT")), QStringLiteral("20240621"));
+  EXPECT_EQ(scalar(QStringLiteral("SELECT MAX(MEASUREMENT_DAY) FROM DAY_MEASUREMENT")), QStringLiteral("20240630"));
+  const UserRecord u = user(id);
+  EXPECT_EQ(u.LAST_PAGE.trimmed(), QStringLiteral("10"));
+  EXPECT_EQ(u.LAST_RECEIVE_ID.trimmed(), QStringLiteral("R000000001"));
+  EXPECT_EQ(GetCurrentUserId(), id);
+  EXPECT_EQ(GetScreenState(), kStateJob);
+  EXPECT_TRUE(GetRecorderHandled());
+  EXPECT_FALSE(GetModalFormOpen());
+}
+
+TEST_F(Scenario, ASecondReceiveFetchesOnlyTheNewPagesAndReplacesTheDayBeingRecorded) {
+  const QString id = firstReceive(recorder(10));
+  const QString oldStepsOfLastDay =
+      scalar(QStringLiteral("SELECT STEP_COUNT FROM DAY_MEASUREMENT WHERE MEASUREMENT_DAY = ?"),
+             QStringLiteral("20240630"));
+  place(recorder(13, QDate(2024, 7, 3)));
+  SetScreenState(kStateUserSelect);
+  ScriptedQuestions q;
+  const ReceiveReport r = receive(q);
+
+  ASSERT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
+  EXPECT_TRUE(q.asked.isEmpty());  // known owner, nothing reset: no dialog at all
+  EXPECT_EQ(r.startPage, 10);
+  EXPECT_EQ(r.endPage, 13);
+  EXPECT_EQ(r.pagesFetched, 4);
+  EXPECT_EQ(r.daysStored, 4);
+  // Every day once: the old row of the day that was being recorded is gone.
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 13);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(DISTINCT MEASUREMENT_DAY) FROM DAY_MEASUREMENT")), 13);
+  EXPECT_EQ(scalar(QStringLiteral("SELECT RECEIVE_ID FROM DAY_MEASUREMENT WHERE MEASUREMENT_DAY = ?"),
+                   QStringLiteral("20240630")),
+            QStringLiteral("R000000002"));
+  EXPECT_NE(scalar(QStringLiteral("SELECT STEP_COUNT FROM DAY_MEASUREMENT WHERE MEASUREMENT_DAY = ?"),
+                   QStringLiteral("20240630")),
+            oldStepsOfLastDay);
+  // Only TIME_MEASUREMENT is cleared for the re-fetched day: its old profile row stays.
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM TIME_MEASUREMENT_BLOCK WHERE RECEIVE_ID = ?"),
+                  QStringLiteral("R000000001")),
+            10);
+  EXPECT_EQ(user(id).LAST_PAGE.trimmed(), QStringLiteral("13"));
+  EXPECT_EQ(user(id).LAST_RECEIVE_ID.trimmed(), QStringLiteral("R000000002"));
+}
+
+TEST_F(Scenario, FullReceivesFetchEverythingEveryTime) {
+  firstReceive(recorder(10));
+  inst->setConfig(QStringLiteral("DOWNLOAD"), QStringLiteral("DOWNLOAD_DATA_RANGE"), QStringLiteral("0"));
+  place(recorder(12, QDate(2024, 7, 2)));
+  ScriptedQuestions q;
+  const ReceiveReport r = receive(q);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_EQ(r.pagesFetched, 12);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 22);
+}
+
+TEST_F(Scenario, AWrappedRingIsFetchedAcrossItsEnd) {
+  RecorderImageOptions o = recorder(10);
+  o.startPage = 235;
+  const QString id = firstReceive(o);
+  QStringList pages;
+  Statement st(*db, QStringLiteral("SELECT PAGE FROM DAY_MEASUREMENT ORDER BY CINT(SEQ_NUM)"));
+  while (st.step()) pages << st.text(0);
+  EXPECT_EQ(pages.join(u','), QStringLiteral("235,236,237,238,239,240,1,2,3,4"));
+  EXPECT_EQ(user(id).LAST_PAGE.trimmed(), QStringLiteral("4"));
+
+  // And on from there: the next receive starts at page 4 again.
+  RecorderImageOptions later = o;
+  later.days = 12;
+  later.lastDay = QDate(2024, 7, 2);
+  place(later);
+  ScriptedQuestions q;
+  const ReceiveReport r = receive(q);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_EQ(r.startPage, 4);
+  EXPECT_EQ(r.pagesFetched, 3);
+}
+
+TEST_F(Scenario, MemoryLockStopsAtTheRecordersEndPage) {
+  RecorderImageOptions o = recorder(12);
+  o.memorySetting = 1;
+  o.memoryDays = 7;
+  place(o);
+  const QString id = addUser(QStringLiteral("鈴木 次郎"));
+  ScriptedQuestions q;
+  q.newCpu = {Answer::SelectUser};
+  q.selected = {id};
+  FakeReader fake(image(o));
+  const ReceiveReport r = receive(q, nullptr, &fake);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
+  EXPECT_EQ(r.endPage, 7);
+  EXPECT_EQ(r.pagesFetched, 7);
+  // Block and start page only: the current page lies beyond the limit and isn't checked.
+  EXPECT_EQ(fake.transfers(), 2 + 7);
+  EXPECT_EQ(user(id).LAST_PAGE.trimmed(), QStringLiteral("7"));
+}
+
+TEST_F(Scenario, AnUnsetWeightOnTheLastPageLeavesThatDayForNextTime) {
+  RecorderImageOptions o = recorder(5);
+  o.unsetWeight = true;
+  const QString id = firstReceive(o);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 4);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT WHERE MEASUREMENT_DAY = ?"),
+                  QStringLiteral("20240630")),
+            0);
+  EXPECT_EQ(user(id).LAST_PAGE.trimmed(), QStringLiteral("5"));
+  EXPECT_TRUE(inst->traceText().contains(QStringLiteral("WeightErr UserID=") + id));
+}
+
+TEST_F(Scenario, FamilyAStoresTheDayEvenWithoutWeight) {
+  RecorderImageOptions o = recorder(3);
+  o.kind = PMKIND_AL;
+  o.unsetWeight = true;
+  firstReceive(o);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 3);
+}
+
+TEST_F(Scenario, ARecorderOfAnotherUserChangesHandsOnlyWhenAgreed) {
+  const QString owner = firstReceive(recorder(10));
+  const QString other = addUser(QStringLiteral("田中 三郎"));
+  place(recorder(12, QDate(2024, 7, 2)));
+  SetScreenState(kStateJob);
+  SetCurrentUserId(other);
+
+  const QStringList before = dump();
+  ScriptedQuestions no;
+  ReceiveReport r = receive(no);
+  EXPECT_EQ(r.ending, ReceiveEnding::Cancelled);
+  EXPECT_EQ(no.asked, QStringList{QStringLiteral("AlertUser")});
+  EXPECT_EQ(dump(), before);
+
+  ScriptedQuestions yes;
+  yes.yesNo = {true};
+  r = receive(yes);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
+  EXPECT_EQ(r.userId, other);
+  EXPECT_EQ(r.pagesFetched, 12);  // entered afresh: the whole range
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")).trimmed(), other);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM CPU_TABLE")), 1);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT WHERE USER_ID = ?"), owner), 10);
+}
+
+TEST_F(Scenario, TheOwnerOpenOnTheMainScreenReceivesWithoutQuestion) {
+  const QString owner = firstReceive(recorder(10));
+  place(recorder(11, QDate(2024, 7, 1)));
+  SetScreenState(kStateJob);
+  SetCurrentUserId(owner);
+  ScriptedQuestions q;
+  const ReceiveReport r = receive(q);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_TRUE(q.asked.isEmpty());
+  EXPECT_EQ(r.pagesFetched, 2);
+}
+
+TEST_F(Scenario, AResetRecorderAsksAndThenFetchesWhatItHolds) {
+  const QString owner = firstReceive(recorder(10));
+  // Cleared and started again: page 1 now holds a day the database doesn't know.
+  place(recorder(3, QDate(2024, 8, 3)));
+  const QStringList before = dump();
+  ScriptedQuestions no;
+  ReceiveReport r = receive(no);
+  EXPECT_EQ(r.ending, ReceiveEnding::Cancelled);
+  EXPECT_EQ(no.asked, QStringList{QStringLiteral("AlertReset")});
+  EXPECT_EQ(dump(), before);
+
+  ScriptedQuestions yes;
+  yes.yesNo = {true};
+  r = receive(yes);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_EQ(r.userId, owner);
+  EXPECT_EQ(r.startPage, 1);
+  EXPECT_EQ(r.pagesFetched, 3);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 13);
+}
+
+TEST_F(Scenario, CancelledRegistrationOrSelectionReturnsToTheNewRecorderQuestion) {
+  place(recorder(4));
+  const QString id = addUser(QStringLiteral("高橋 四郎"));
+  ScriptedQuestions q;
+  q.newCpu = {Answer::CreateUser, Answer::SelectUser, Answer::SelectUser};
+  q.registered = {QString()};
+  q.selected = {QString(), id};
+  const ReceiveReport r = receive(q);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_EQ(q.asked, (QStringList{"NewCPU", "UserRegist", "NewCPU", "UserSelect", "NewCPU", "UserSelect"}));
+  EXPECT_EQ(r.userId, id);
+
+  // Cancelling the question itself removes the receive again.
+  place(recorder(4, QDate(2024, 9, 1)));
+  RecorderImageOptions other = recorder(4, QDate(2024, 9, 1));
+  other.cpuNo = QStringLiteral("B00007");
+  place(other);
+  const QStringList before = dump();
+  ScriptedQuestions cancel;
+  EXPECT_EQ(receive(cancel).ending, ReceiveEnding::Cancelled);
+  EXPECT_EQ(dump(), before);
+}
+
+TEST_F(Scenario, ANewRecorderForTheOpenUserReplacesTheUsersEarlierRecorder) {
+  const QString id = firstReceive(recorder(5));
+  RecorderImageOptions second = recorder(3, QDate(2024, 7, 10));
+  second.cpuNo = QStringLiteral("B00007");
+  place(second);
+  SetScreenState(kStateJob);
+  SetCurrentUserId(id);
+  ScriptedQuestions q;
+  q.yesNo = {true};
+  const ReceiveReport r = receive(q);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_EQ(q.asked, QStringList{QStringLiteral("NewCPUSelectUser")});
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")), QString());
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("B00007")).trimmed(), id);
+}
+
+TEST_F(Scenario, RefusedKindsLeaveNoTrace) {
+  inst->setConfig(QStringLiteral("SYSTEM"), QStringLiteral("SAVE_RAW_DATA"), QStringLiteral("1"));
+  inst->setConfig(QStringLiteral("PM_TEST"), QStringLiteral("PM_AL"), QStringLiteral("0"));
+  RecorderImageOptions al = recorder(3);
+  al.kind = PMKIND_AL;
+  place(al);
+  const QStringList before = dump();
+  ScriptedQuestions q;
+  ReceiveReport r = receive(q);
+  EXPECT_EQ(r.ending, ReceiveEnding::Refused);
+  EXPECT_EQ(r.messageCodes, QStringList{QStringLiteral("MDWN-W-0003")});
+  EXPECT_EQ(dump(), before);
+  EXPECT_FALSE(QFile::exists(inst->rawPath() + QStringLiteral("/") + r.receiveId + QStringLiteral(".bin")));
+
+  // An English recorder on the Japanese edition.
+  RecorderImageOptions english = recorder(3);
+  english.english = true;
+  place(english);
+  r = receive(q);
+  EXPECT_EQ(r.ending, ReceiveEnding::Refused);
+  EXPECT_EQ(r.messageCodes, QStringList{QStringLiteral("MDWN-W-0003")});
+  EXPECT_EQ(dump(), before);
+  EXPECT_TRUE(q.asked.isEmpty());
+}
+
+TEST_F(Scenario, TheRawFileHoldsTheBlockAndEveryPageOfTheDayLoop) {
+  inst->setConfig(QStringLiteral("SYSTEM"), QStringLiteral("SAVE_RAW_DATA"), QStringLiteral("1"));
+  firstReceive(recorder(6));
+  const QString raw = scalar(QStringLiteral("SELECT RAWFILENAME FROM RECEIVE_HISTORY"));
+  ASSERT_FALSE(raw.isEmpty());
+  EXPECT_EQ(QFileInfo(raw).size(), 992 * (1 + 6));
+}
+
+TEST_F(Scenario, AStaleCurrentPageEndsWithTheHistoryRowKept) {
+  RecorderImageOptions o = recorder(5);
+  o.erasedPages = {5};  // the page being recorded reads as erased memory: the zero date
+  place(o);
+  ScriptedQuestions q;
+  const ReceiveReport r = receive(q);
+  EXPECT_EQ(r.ending, ReceiveEnding::StalePage);
+  EXPECT_EQ(r.messageCodes, QStringList{QStringLiteral("MDWN-I-0001")});
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM RECEIVE_HISTORY")), 1);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 0);
+  EXPECT_TRUE(inst->traceText().contains(QStringLiteral("StartPageDateErr")));
+}
+
+TEST_F(Scenario, NoRecorderOnTheReader) {
+  QDir(inst->readerPath()).removeRecursively();
+  QDir().mkpath(inst->readerPath());
+  const QStringList before = dump();
+  ScriptedQuestions q;
+  const ReceiveReport r = receive(q);
+  EXPECT_EQ(r.ending, ReceiveEnding::Failed);
+  EXPECT_EQ(r.messageCodes, (QStringList{QStringLiteral("COMN-I-0001"), QStringLiteral("COMN-C-0001")}));
+  EXPECT_EQ(dump(), before);
+}
+
+TEST_F(Scenario, NamesAreLaidOutByEdition) {
+  UserInfo u;
+  u.FIRST_NAME = QStringLiteral("山田 花子");
+  NameRows ja = LayOutNames(u, QStringLiteral("様"));
+  EXPECT_EQ(ja.first, QStringLiteral("山田 花子 様"));
+  EXPECT_FALSE(ja.middleVisible);
+  EXPECT_FALSE(ja.lastVisible);
+  SetLangCode(QStringLiteral("1"));
+  u.FIRST_NAME = QStringLiteral("Ann");
+  u.MIDDLE_NAME = QStringLiteral("B");
+  u.LAST_NAME = QStringLiteral("Carter");
+  NameRows en = LayOutNames(u, QStringLiteral("様"));
+  EXPECT_EQ(en.first, QStringLiteral("Ann"));
+  EXPECT_EQ(en.last, QStringLiteral("Carter"));
+  EXPECT_TRUE(en.middleVisible);
+  QString id;
+  EXPECT_EQ(RegisterUserByName(*db, QStringLiteral("Ann"), id), -1);
+  EXPECT_EQ(RegisterUserByName(*db, QStringLiteral("Ann B Carter"), id), 0);
+  EXPECT_EQ(user(id).MIDDLE_NAME.trimmed(), QStringLiteral("B"));
+  SetLangCode(QStringLiteral("0"));
+}
