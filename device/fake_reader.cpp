@@ -43,8 +43,6 @@ qint32 FakeReader::Tavo_BRead(qint32 handle, qint32 zero, qint32 minusOne, qint3
   if (refuseReadAt.count(transferIndex_) != 0) return 0;
   pollsLeft_ = runningPolls;
   finalStatus_ = kTavoStatusDone;
-  const auto fault = faultAt.find(transferIndex_);
-  if (fault != faultAt.end()) finalStatus_ = fault->second;
   const qint64 offset = static_cast<qint64>(firstBlock) * kTransferBlockBytes;
   if (!memory.isEmpty()) {
     if (firstBlock < 0 || offset + byteCount > memory.size()) {
@@ -53,6 +51,9 @@ qint32 FakeReader::Tavo_BRead(qint32 handle, qint32 zero, qint32 minusOne, qint3
       std::memcpy(buffer, memory.constData() + offset, static_cast<size_t>(byteCount));
     }
   }
+  // A scripted fault wins over whatever the memory would give.
+  const auto fault = faultAt.find(transferIndex_);
+  if (fault != faultAt.end()) finalStatus_ = fault->second;
   return 1;
 }
 

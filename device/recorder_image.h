@@ -16,12 +16,12 @@
 // The recorder numbers an installation is configured with (SYSTEM section). The
 // generator writes them as the block's fixed text and version byte.
 struct RecorderNumbers {
-  int validVersion = 200;                     // VALID_VERSION_NUMBER
+  int validVersion = 20;                      // VALID_VERSION_NUMBER
   QString al = QStringLiteral("12820");       // PMAL_NUMBER
-  QString brioJpn = QStringLiteral("20101");  // PMBRIO_JPN_NUMBER
-  QString brioEng = QStringLiteral("20201");  // PMBRIO_ENG_NUMBER
-  QString kt200 = QStringLiteral("30200");    // PMBRIO_KT200_NUMBER (kind ZR)
-  QString kt014 = QStringLiteral("30014");    // PMBRIO_KT014_NUMBER (kind KT)
+  QString brioJpn = QStringLiteral("13010");  // PMBRIO_JPN_NUMBER
+  QString brioEng = QStringLiteral("13020");  // PMBRIO_ENG_NUMBER
+  QString kt200 = QStringLiteral("14200");    // PMBRIO_KT200_NUMBER (kind ZR)
+  QString kt014 = QStringLiteral("14014");    // PMBRIO_KT014_NUMBER (kind KT)
 
   // The configured values; a key that is missing or empty keeps the default above.
   // Needs a loaded configuration (GetConfigPath() not empty), else gives the defaults.

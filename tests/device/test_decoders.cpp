@@ -1,0 +1,323 @@
+// Hand-built management blocks and pages of every kind, decoded field by field.
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+
+#include "device.h"
+
+namespace {
+
+QByteArray Filled(int size, quint8 value) { return QByteArray(size, static_cast<char>(value)); }
+void Set(QByteArray& b, int offset, std::initializer_list<int> bytes) {
+  for (int v : bytes) b[offset++] = static_cast<char>(v);
+}
+
+// A management block with a value in every field of the table.
+QByteArray ManageBlock() {
+  QByteArray b = Filled(kManageBlockBytes, 0);
+  Set(b, 0, {'2', '0', '1', '0', '1'});
+  Set(b, 5, {7, 3});
+  Set(b, 7, {'A', 'B', '1', '2', '3', '4'});
+  Set(b, 13, {0x01, 0x02, 0x03, 0x04});
+  Set(b, 17, {0x20, 0x24, 0x06, 0x30});
+  Set(b, 21, {0x18, 0x30});
+  Set(b, 23, {1, 44, 168, 61});
+  Set(b, 27, {0x2C, 0x01});  // 300
+  Set(b, 29, {0x02, 0x00});
+  Set(b, 31, {1, 2, 1, 30, 3, 4, 10, 5});
+  Set(b, 39, {0x05, 0x00, 0x0C, 0x00, 0x0D, 0x00});  // 5, 12, 13
+  Set(b, 45, {0x24, 0x07, 0x01});
+  Set(b, 48, {0x09, 0x05});
+  Set(b, 50, {1});
+  Set(b, 51, {0x24, 0x06, 0x24, 0x07, 0x00});
+  Set(b, 56, {1, 0x87, 0x00, 6});  // unit, 135 lb, fraction 6
+  for (int i = 0; i < kRecordCheckBytes; ++i) b[60 + i] = static_cast<char>(i % 256);
+  Set(b, 960, {4, 9, 30, 72, 0x10, 0x27, 2, 0, 1, 1, 0x07, 0x30});
+  return b;
+}
+
+TEST(ManageDecoder, FamilyAReadsTheCommonFieldsAndCarriesTheFixedLiteral) {
+  const QByteArray b = ManageBlock();
+  FlashManage m;
+  ASSERT_EQ(FlashManage_ConvertByteArray2Struct(AsBytes(b), m), 0);
+  EXPECT_EQ(m.FixedData, "12820");
+  EXPECT_EQ(m.VersionNo, 7);
+  EXPECT_EQ(m.ErrorCode, 3);
+  EXPECT_EQ(m.CpuNo, "AB1234");
+  EXPECT_EQ(m.RecorderId, 0x04030201);
+  EXPECT_EQ(m.bcDate, QDate(2024, 6, 30));
+  EXPECT_EQ(m.bcTime, QTime(18, 30));
+  EXPECT_EQ(m.Gender, 1);
+  EXPECT_EQ(m.Age, 44);
+  EXPECT_EQ(m.HeightCm, 168);
+  EXPECT_EQ(m.WeightKg, 61);
+  EXPECT_EQ(m.TargetActivity, 300);
+  EXPECT_EQ(m.GroupNo, 2);
+  EXPECT_EQ(m.KeyLock, 1);
+  EXPECT_EQ(m.FixedDisplayItem, 2);
+  EXPECT_EQ(m.MemorySetting, 1);
+  EXPECT_EQ(m.MemoryDays, 30);
+  EXPECT_EQ(m.StandbySetting, 3);
+  EXPECT_EQ(m.IntentionalIntensity, 4);
+  EXPECT_EQ(m.DurationSetting, 10);
+  EXPECT_EQ(m.IntensityThreshold, 5);
+  EXPECT_EQ(m.RecordStartPage, 5);
+  EXPECT_EQ(m.RecordEndPage, 12);
+  EXPECT_EQ(m.RecordingPage, 13);
+  EXPECT_EQ(m.bcNowDate, QDate(2024, 7, 1));
+  EXPECT_EQ(m.bcNowTime, QTime(9, 5));
+  EXPECT_EQ(m.BatteryLowFlag, 1);
+  EXPECT_EQ(m.bcMeasureStart, QDateTime(QDate(2024, 6, 24), QTime(7, 0), Qt::UTC));
+  EXPECT_EQ(m.UnitFlag, 1);
+  EXPECT_EQ(m.WeightPound, 135);
+  EXPECT_EQ(m.RecordCheck[0], 0);
+  EXPECT_EQ(m.RecordCheck[899], 899 % 256);
+  // Family B fields are not read for family A.
+  EXPECT_EQ(m.WeightFraction, 0);
+  EXPECT_EQ(m.RangeLower, 0);
+  EXPECT_EQ(m.TargetSteps, 0);
+  EXPECT_EQ(m.DailyWeightTime, QTime(0, 0));
+}
+
+TEST(ManageDecoder, BrioReadsItsFieldsAndZrKtReadTheDailyWeight) {
+  const QByteArray b = ManageBlock();
+  FlashManage m;
+  ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, PMKIND_BRIO_NORMAL), 0);
+  EXPECT_EQ(m.FixedData, "20101");  // as read
+  EXPECT_EQ(m.WeightFraction, 6);
+  EXPECT_EQ(m.RangeLower, 4);
+  EXPECT_EQ(m.RangeUpper, 9);
+  EXPECT_EQ(m.TargetTime, 30);
+  EXPECT_EQ(m.Stride, 72);
+  EXPECT_EQ(m.TargetSteps, 10000);
+  EXPECT_EQ(m.DisplayItem, 2);
+  EXPECT_EQ(m.LogicSelect, 0);
+  EXPECT_EQ(m.TargetSelect, 1);
+  EXPECT_EQ(m.DailyWeightSelect, 0);
+  EXPECT_EQ(m.DailyWeightTime, QTime(0, 0));
+
+  for (const QString& kind : {PMKIND_BRIO_ZR, PMKIND_BRIO_KT}) {
+    FlashManage z;
+    ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), z, kind), 0);
+    EXPECT_EQ(z.DailyWeightSelect, 1);
+    EXPECT_EQ(z.DailyWeightTime, QTime(7, 30));
+  }
+}
+
+TEST(ManageDecoder, ErasedBlockDecodesWithoutError) {
+  const QByteArray b = Filled(kManageBlockBytes, 0xFF);
+  FlashManage m;
+  ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, PMKIND_BRIO_KT), 0);
+  EXPECT_EQ(m.FixedData, "NoData");
+  EXPECT_EQ(m.CpuNo, "NoData");
+  EXPECT_EQ(m.RecorderId, -1);
+  EXPECT_EQ(m.bcDate, ZeroDate());
+  EXPECT_EQ(m.bcNowDate, ZeroDate());
+  EXPECT_EQ(m.bcMeasureStart, ZeroDateTime());
+  EXPECT_EQ(m.bcTime, QTime(0, 0, 59));
+  EXPECT_EQ(m.bcNowTime, QTime(0, 0, 59));
+  EXPECT_EQ(m.DailyWeightTime, QTime(0, 0, 59));
+  EXPECT_EQ(m.VersionNo, 255);
+  EXPECT_EQ(m.TargetActivity, 65535);
+  EXPECT_EQ(m.RecordingPage, 65535);
+}
+
+TEST(ManageDecoder, ShortBlockIsARunTimeError) {
+  const QByteArray b = Filled(500, 0);
+  FlashManage m;
+  m.Age = 33;
+  EXPECT_EQ(FlashManage_ConvertByteArray2Struct(AsBytes(b), m), kErrSubscriptOutOfRange);
+  EXPECT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, PMKIND_BRIO_NORMAL),
+            kErrSubscriptOutOfRange);
+  EXPECT_EQ(m.Age, 33);  // left as it was
+}
+
+// Bytes 0..83 of a page, the same on every kind.
+QByteArray PageHead(int size) {
+  QByteArray b = Filled(size, 0);
+  Set(b, 0, {2, 0xFE, 0xFF, 0xFF, 0xFF});  // version 2, id -2
+  Set(b, 5, {'9', '9', '0', '0', '0', '1'});
+  Set(b, 11, {1, 0, 1, 0, 0xA0, 0x05});  // flags, record time 1440
+  Set(b, 17, {0x20, 0x05, 0x01, 0x02});
+  Set(b, 21, {3, 0, 35, 175, 70});
+  Set(b, 26, {0xC8, 0x00, 0x01, 0x00, 0xD0, 0x07, 0x2C, 0x01});  // 200, 1, 2000, 300
+  Set(b, 34, {0x01, 0x23, 0x45});
+  for (int i = 0; i < 11; ++i) Set(b, 37 + 2 * i, {i * 10, 1});
+  Set(b, 59, {4, 10, 3, 2, 0});
+  Set(b, 64, {0x07, 0x15, 0x12, 0x00});
+  for (int i = 2; i < 10; ++i) Set(b, 64 + 2 * i, {0xFF, 0xFF});
+  return b;
+}
+
+void ExpectHead(const FlashData& d) {
+  EXPECT_EQ(d.VersionNo, 2);
+  EXPECT_EQ(d.RecorderId, -2);
+  EXPECT_EQ(d.CpuNo, "990001");
+  EXPECT_EQ(d.SentFlag, 1);
+  EXPECT_EQ(d.BatteryChangedFlag, 1);
+  EXPECT_EQ(d.ClearKeyFlag, 0);
+  EXPECT_EQ(d.RecordTime, 1440);
+  EXPECT_EQ(d.bcDate, QDate(2005, 1, 2));
+  EXPECT_EQ(d.WeekDay, 3);
+  EXPECT_EQ(d.Age, 35);
+  EXPECT_EQ(d.HeightCm, 175);
+  EXPECT_EQ(d.WeightKg, 70);
+  EXPECT_EQ(d.TargetActivity, 200);
+  EXPECT_EQ(d.GroupCode, 1);
+  EXPECT_EQ(d.TotalEnergy, 2000);
+  EXPECT_EQ(d.Activity, 300);
+  EXPECT_EQ(d.StepCount, 12345);
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(d.level(i), 256 + i * 10);
+  EXPECT_EQ(d.LevelSmall, 256 + 100);
+  EXPECT_EQ(d.Intentional, 4);
+  EXPECT_EQ(d.Duration, 10);
+  EXPECT_EQ(d.Frequency, 3);
+  EXPECT_EQ(d.LowBatteryDays, 2);
+  EXPECT_EQ(d.Event1, QTime(7, 15));
+  EXPECT_EQ(d.Event2, QTime(12, 0));
+  for (int i = 3; i <= 10; ++i) EXPECT_TRUE(IsNoEventTime(d.event(i)));
+}
+
+TEST(PageDecoder, FamilyAPage) {
+  QByteArray b = PageHead(kPageBytesNibble);
+  b[84] = static_cast<char>(0x12);   // slots 1, 2
+  b[443] = static_cast<char>(0xAF);  // slots 719, 720
+  Set(b, 475, {0x11, 0x11});         // not read for family A
+  Set(b, 493, {1, 0x9A, 0x01});      // unit 1, 410 lb
+  FlashData d;
+  ASSERT_EQ(FlashData_ConvertByteArray2Struct(AsBytes(b), d), 0);
+  ExpectHead(d);
+  EXPECT_EQ(d.LevelProfileAL[0], 1);
+  EXPECT_EQ(d.LevelProfileAL[1], 2);
+  EXPECT_EQ(d.LevelProfileAL[718], 10);
+  EXPECT_EQ(d.LevelProfileAL[719], 15);
+  EXPECT_EQ(d.UnitFlag, 1);
+  EXPECT_EQ(d.WeightPound, 410);
+  EXPECT_EQ(d.Exercise, 0);
+  EXPECT_EQ(d.LevelProfileBrio[0], 0);
+}
+
+QByteArray BrioPage() {
+  QByteArray b = PageHead(kPageBytesNibble);
+  b[84] = static_cast<char>(0x34);
+  Set(b, 475, {0x2A, 0x00, 1, 0x06, 0x45});      // exercise 42, daily weight 1 at 06:45
+  Set(b, 480, {5, 1, 3, 8, 40, 0x10, 0x01});      // fraction .. range minutes 272
+  Set(b, 487, {0x01, 0x23, 0, 70, 0x40, 0x1F});   // distance 123, logic 0, stride 70, 8000
+  Set(b, 493, {0, 0x90, 0x00});
+  return b;
+}
+
+TEST(PageDecoder, BrioNormalLeavesTheZrKtBytesUnread) {
+  const QByteArray b = BrioPage();
+  FlashData d;
+  ASSERT_EQ(FlashData_ConvertByteArray2Struct_Brio(AsBytes(b), d, PMKIND_BRIO_NORMAL), 0);
+  ExpectHead(d);
+  EXPECT_EQ(d.LevelProfileBrio[0], 3);
+  EXPECT_EQ(d.LevelProfileBrio[1], 4);
+  EXPECT_EQ(d.LevelProfileAL[0], 0);
+  EXPECT_EQ(d.Exercise, 0);
+  EXPECT_EQ(d.DailyWeightSelect, 0);
+  EXPECT_EQ(d.WeightFraction, 5);
+  EXPECT_EQ(d.TargetSelect, 1);
+  EXPECT_EQ(d.RangeLower, 3);
+  EXPECT_EQ(d.RangeUpper, 8);
+  EXPECT_EQ(d.TargetTime, 40);
+  EXPECT_EQ(d.RangeMinutes, 272);
+  EXPECT_EQ(d.Distance, 123);
+  EXPECT_EQ(d.LogicSelect, 0);
+  EXPECT_EQ(d.Stride, 70);
+  EXPECT_EQ(d.TargetSteps, 8000);
+  EXPECT_EQ(d.WeightPound, 144);
+}
+
+TEST(PageDecoder, ZrAndKtReadExerciseAndDailyWeight) {
+  const QByteArray b = BrioPage();
+  for (const QString& kind : {PMKIND_BRIO_ZR, PMKIND_BRIO_KT}) {
+    FlashData d;
+    ASSERT_EQ(FlashData_Decode(AsBytes(b), d, kind), 0);
+    EXPECT_EQ(d.Exercise, 42);
+    EXPECT_EQ(d.DailyWeightSelect, 1);
+    EXPECT_EQ(d.DailyWeightTime, QTime(6, 45));
+    EXPECT_EQ(d.Distance, 123);
+  }
+}
+
+TEST(PageDecoder, MetsProfileLiesInTheLastThreeTransferBlocks) {
+  QByteArray b = PageHead(kPageBytesMets);
+  Set(b, 84, {1, 2, 7, 20, 0x05, 0x01, 0x09, 0x99, 1, 68, 0x10, 0x27, 1, 0x30, 0x01, 7});
+  // Slot values: slot i (0-based) of part p at 248 * (p + 1) + i; gaps of 8 bytes hold 0xEE.
+  for (int part = 0; part < 3; ++part) {
+    for (int i = 0; i < 240; ++i) b[248 * (part + 1) + i] = static_cast<char>((part * 240 + i) % 91);
+    for (int g = 0; g < 8; ++g) b[248 * (part + 1) + 240 + g] = static_cast<char>(0xEE);
+  }
+  FlashData d;
+  ASSERT_EQ(FlashData_ConvertByteArray2Struct_METS(AsBytes(b), d), 0);
+  ExpectHead(d);
+  EXPECT_EQ(d.TargetSelect, 1);
+  EXPECT_EQ(d.RangeLower, 2);
+  EXPECT_EQ(d.RangeUpper, 7);
+  EXPECT_EQ(d.TargetTime, 20);
+  EXPECT_EQ(d.RangeMinutes, 261);
+  EXPECT_EQ(d.Distance, 999);
+  EXPECT_EQ(d.LogicSelect, 1);
+  EXPECT_EQ(d.Stride, 68);
+  EXPECT_EQ(d.TargetSteps, 10000);
+  EXPECT_EQ(d.UnitFlag, 1);
+  EXPECT_EQ(d.WeightPound, 304);
+  EXPECT_EQ(d.WeightFraction, 7);
+  for (int i = 0; i < kProfileSlots; ++i) ASSERT_EQ(d.LevelProfileMets[static_cast<size_t>(i)], i % 91) << i;
+  EXPECT_EQ(d.LevelProfileBrio[0], 0);
+  // A short buffer is a run-time error.
+  EXPECT_EQ(FlashData_ConvertByteArray2Struct_METS(AsBytes(b.left(496)), d), kErrSubscriptOutOfRange);
+}
+
+TEST(PageDecoder, ErasedPageShowsAsNoDay) {
+  for (const QString& kind : {PMKIND_AL, PMKIND_BRIO_NORMAL, PMKIND_BRIO_METS, PMKIND_BRIO_ZR, PMKIND_BRIO_KT}) {
+    const QByteArray b = Filled(kPageBufferBytes, 0xFF);
+    FlashData d;
+    ASSERT_EQ(FlashData_Decode(AsBytes(b), d, kind), 0) << kind.toStdString();
+    EXPECT_EQ(d.bcDate, ZeroDate());
+    EXPECT_EQ(d.CpuNo, "NoData");
+    for (int i = 1; i <= 10; ++i) EXPECT_EQ(d.event(i), QTime(0, 0, 59));
+    for (quint8 v : KindProfile(d, kind))
+      ASSERT_EQ(ProfileSlotDumpText(v, kind == PMKIND_BRIO_METS), QString());
+  }
+  FlashData d;
+  EXPECT_EQ(FlashData_Decode(AsBytes(Filled(kPageBufferBytes, 0)), d, QStringLiteral("PMKIND_X")),
+            kDeviceUnknownKind);
+}
+
+TEST(Dumps, ManageLinesCarryTheLabelsAndTheRecordCheckGrid) {
+  FlashManage m;
+  ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(ManageBlock()), m, PMKIND_BRIO_ZR), 0);
+  const QStringList lines = FlashManageDumpLines(m, PMKIND_BRIO_ZR);
+  EXPECT_EQ(lines.first(), QString::fromUtf8("固定データ[20101]"));
+  EXPECT_TRUE(lines.contains(QString::fromUtf8("日付[2024/06/30]")));
+  EXPECT_TRUE(lines.contains(QString::fromUtf8("時刻[18:30]")));
+  EXPECT_TRUE(lines.contains(QString::fromUtf8("性別[F]")));
+  EXPECT_TRUE(lines.contains(QString::fromUtf8("測定開始日時[2024/06/24 07:00]")));
+  const qsizetype grid = lines.indexOf(QString::fromUtf8("データ記録確認"));
+  ASSERT_GE(grid, 0);
+  EXPECT_EQ(lines[grid + 1], "0000:0 1 2 3 4-5 6 7 8 9");
+  EXPECT_EQ(lines[grid + 90], "0890:2 3 4 5 6-7 8 9 0 1");  // bytes 122..131
+  EXPECT_EQ(lines.last(), QString::fromUtf8("日毎体重設定表示時刻[07:30]"));
+  EXPECT_EQ(FlashManageDumpLines(m, PMKIND_BRIO_NORMAL).size(), lines.size() - 2);
+}
+
+TEST(Dumps, PageLinesListTheProfileSlotBySlot) {
+  FlashData d;
+  ASSERT_EQ(FlashData_Decode(AsBytes(BrioPage()), d, PMKIND_BRIO_NORMAL), 0);
+  const QStringList lines = FlashDataDumpLines(d, PMKIND_BRIO_NORMAL);
+  const qsizetype p = lines.indexOf(QString::fromUtf8("身体活動レベル日内変動"));
+  ASSERT_GE(p, 0);
+  EXPECT_EQ(lines[p + 1], "00:00:2");
+  EXPECT_EQ(lines[p + 2], "00:02:3");
+  EXPECT_EQ(lines[p + 720], "23:58:0");
+  EXPECT_TRUE(lines.contains(QString::fromUtf8("歩数[12345]")));
+  EXPECT_TRUE(lines.contains(QString::fromUtf8("イベント1[07:15]")));
+  const QStringList raw = RawDumpLines(AsBytes(BrioPage()));
+  EXPECT_EQ(raw.size(), 496);
+  EXPECT_EQ(raw[0], "0(2)");
+}
+
+}  // namespace

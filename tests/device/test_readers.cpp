@@ -1,0 +1,113 @@
+// The emulated reader over image files, the vendor library loader and the factory.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "device.h"
+#include "device_test_util.h"
+#include "test_installation.h"
+
+namespace {
+
+void WriteFile(const QString& path, const QByteArray& bytes) {
+  QFile f(path);
+  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+  f.write(bytes);
+}
+
+QByteArray Blocks(int count) {
+  QByteArray b(count * kTransferBlockBytes, 0);
+  for (int i = 0; i < count; ++i) b[i * kTransferBlockBytes] = static_cast<char>(i);
+  return b;
+}
+
+TEST(EmulatedReader, RecorderIsPresentWhileAnImageLiesInTheFolder) {
+  TestInstallation inst;
+  QTemporaryDir dir;
+  EmulatedReader reader(dir.path());
+  EXPECT_EQ(reader.Tavo_Open(), 0);
+  WriteFile(dir.filePath("notes.txt"), "x");
+  EXPECT_EQ(reader.Tavo_Open(), 0);
+  WriteFile(dir.filePath("b.img"), Blocks(12));
+  WriteFile(dir.filePath("a.img"), Blocks(10));
+  EXPECT_EQ(reader.currentImagePath(), dir.filePath("a.img"));
+  const qint32 h = reader.Tavo_Open();
+  EXPECT_NE(h, 0);
+
+  quint8 buffer[496] = {};
+  ASSERT_NE(reader.Tavo_Start(h), 0);
+  ASSERT_NE(reader.Tavo_BRead(h, 0, -1, 9, buffer, 248), 0);
+  qint32 a = 0, b = 0;
+  EXPECT_EQ(reader.Tavo_GetStatus(h, &a, &b), kTavoStatusDone);
+  EXPECT_EQ(buffer[0], 9);
+  reader.Tavo_Finish(h);
+
+  // Past the end of a.img (10 blocks): a fault status, not a crash.
+  ASSERT_NE(reader.Tavo_Start(h), 0);
+  ASSERT_NE(reader.Tavo_BRead(h, 0, -1, 9, buffer, 496), 0);
+  EXPECT_EQ(reader.Tavo_GetStatus(h, &a, &b), kEmulatorFaultAddress);
+  reader.Tavo_Stop(h);
+  ASSERT_NE(reader.Tavo_Start(h), 0);
+  ASSERT_NE(reader.Tavo_BRead(h, 0, -1, -1, buffer, 248), 0);
+  EXPECT_EQ(reader.Tavo_GetStatus(h, &a, &b), kEmulatorFaultAddress);
+  reader.Tavo_Stop(h);
+
+  EXPECT_EQ(reader.Tavo_Close(h), 0);
+  EXPECT_EQ(reader.Tavo_Start(h), 0);  // closed handle
+}
+
+TEST(EmulatedReader, TakingTheRecorderOffRefusesTheNextTransfer) {
+  TestInstallation inst;
+  QTemporaryDir dir;
+  WriteFile(dir.filePath("r.img"), Blocks(20));
+  EmulatedReader reader(dir.path());
+  NoWaitClock clock;
+  DeviceState s;
+  s.pmKind = PMKIND_AL;
+  ASSERT_NE(UsbOpen(reader, clock, s), 0);
+  std::array<quint8, 992> buffer{};
+  EXPECT_EQ(RecvData(reader, clock, s, 1, buffer.data()), 0);
+  QFile::remove(dir.filePath("r.img"));
+  EXPECT_EQ(RecvData(reader, clock, s, 1, buffer.data()), kDeviceNoTransfer);
+  EXPECT_EQ(UsbOpen(reader, clock, s), 0);
+}
+
+TEST(LibraryReader, MissingLibraryBehavesAsNoRecorderAndSaysSoOnce) {
+  TestInstallation inst;
+  LibraryReader reader(inst.path("nowhere/libtavo.so"));
+  EXPECT_FALSE(reader.isLoaded());
+  NoWaitClock clock;
+  DeviceState s;
+  EXPECT_EQ(UsbOpen(reader, clock, s), 0);
+  EXPECT_EQ(UsbOpen(reader, clock, s), 0);
+  EXPECT_EQ(inst.traceText().count("|2|LibraryReader        |"), 1);
+}
+
+TEST(LibraryReader, LibraryWithoutTheOperationsIsRefused) {
+  TestInstallation inst;
+  // Any shared library without the reader's symbols will do: the C runtime's math library.
+  LibraryReader reader(QStringLiteral("libm.so.6"));
+  EXPECT_FALSE(reader.isLoaded());
+  EXPECT_EQ(reader.Tavo_Open(), 0);
+  EXPECT_TRUE(inst.traceText().contains("lacks Tavo_Open"));
+}
+
+TEST(ReaderFactory, FollowsTheReaderSection) {
+  TestInstallation inst;
+  std::unique_ptr<TavoReader> reader = CreateConfiguredReader();
+  auto* emulated = dynamic_cast<EmulatedReader*>(reader.get());
+  ASSERT_NE(emulated, nullptr);
+  EXPECT_EQ(emulated->folder(), "../reader");
+  WriteFile(inst.readerPath() + "/x.img", Blocks(4));
+  EXPECT_NE(reader->Tavo_Open(), 0);
+
+  inst.setConfig("READER", "TYPE", "LIBRARY");
+  inst.setConfig("READER", "LIBRARY_PATH", inst.path("lib/none.so"));
+  reader = CreateConfiguredReader();
+  EXPECT_NE(dynamic_cast<LibraryReader*>(reader.get()), nullptr);
+  EXPECT_EQ(reader->Tavo_Open(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,354 @@
+// Recorder images: they read back through the emulated reader as they were made, their
+// days are internally consistent, and they are reproducible.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "device.h"
+#include "test_installation.h"
+
+namespace {
+
+const QString kAllKinds[] = {PMKIND_AL, PMKIND_BRIO_NORMAL, PMKIND_BRIO_METS, PMKIND_BRIO_ZR,
+                             PMKIND_BRIO_KT};
+
+RecorderImageOptions Options(const QString& kind, bool english = false) {
+  RecorderImageOptions o;
+  o.kind = kind;
+  o.english = english;
+  o.numbers = RecorderNumbers::FromConfig();
+  o.seed = 11;
+  o.cpuNo = QStringLiteral("123456");
+  o.days = 10;
+  o.lastDay = QDate(2024, 3, 5);
+  return o;
+}
+
+// What the generator writes as the fixed text, by the installation's numbers.
+QString FixedTextOfForTest(const RecorderImageOptions& o) {
+  if (o.kind == PMKIND_BRIO_ZR) return o.numbers.kt200;
+  if (o.kind == PMKIND_BRIO_KT) return o.numbers.kt014;
+  return o.english ? o.numbers.brioEng : o.numbers.brioJpn;
+}
+
+// Puts the image on an emulated reader and reads the whole recorder.
+RecorderContents ReadBack(const TestInstallation& inst, const RecorderImageOptions& o) {
+  QDir(inst.readerPath()).removeRecursively();
+  QDir().mkpath(inst.readerPath());
+  QString error;
+  EXPECT_TRUE(WriteRecorderImage(o, inst.readerPath() + "/rec.img", &error)) << error.toStdString();
+  EmulatedReader reader(inst.readerPath());
+  NoWaitClock clock;
+  RecorderContents c;
+  EXPECT_EQ(ReadRecorderContents(reader, clock, c, &error), 0) << error.toStdString();
+  return c;
+}
+
+TEST(RecorderImage, EveryKindReadsBackThroughTheEmulatedReader) {
+  TestInstallation inst;
+  ASSERT_TRUE(inst.isValid());
+  for (const QString& kind : kAllKinds) {
+    SCOPED_TRACE(kind.toStdString());
+    RecorderImageOptions o = Options(kind);
+    const RecorderContents c = ReadBack(inst, o);
+    EXPECT_EQ(c.kind, kind);
+    EXPECT_EQ(c.language, PMLANG_JPN);
+    EXPECT_EQ(c.manage.CpuNo, "123456");
+    EXPECT_EQ(c.manage.FixedData, kind == PMKIND_AL ? QString("12820") : FixedTextOfForTest(o));
+    EXPECT_EQ(c.manage.RecordStartPage, 1);
+    EXPECT_EQ(c.manage.RecordingPage, 10);
+    EXPECT_EQ(c.manage.bcDate, o.lastDay);
+    EXPECT_EQ(c.manage.bcNowDate, o.lastDay);
+    EXPECT_EQ(c.manage.bcNowTime, QTime(18, 30));
+    EXPECT_EQ(c.manage.LogicSelect, kind == PMKIND_BRIO_METS ? 1 : 0);
+    ASSERT_EQ(c.pages.size(), 10u);
+    for (size_t i = 0; i < c.pages.size(); ++i) {
+      const auto& [page, d] = c.pages[i];
+      EXPECT_EQ(page, static_cast<int>(i) + 1);
+      EXPECT_EQ(d.bcDate, o.lastDay.addDays(static_cast<int>(i) - 9));
+      EXPECT_EQ(d.CpuNo, "123456");
+      // The page the decoder reads equals the page the generator wrote.
+      FlashData direct;
+      ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(o, d.bcDate, i == 9)), direct, kind), 0);
+      EXPECT_EQ(direct.StepCount, d.StepCount);
+      EXPECT_EQ(KindProfile(direct, kind), KindProfile(d, kind));
+    }
+  }
+}
+
+TEST(RecorderImage, EnglishRecordersAreTakenForEnglish) {
+  TestInstallation inst(QStringLiteral("en"));
+  for (const QString& kind : {PMKIND_AL, PMKIND_BRIO_NORMAL, PMKIND_BRIO_METS}) {
+    const RecorderContents c = ReadBack(inst, Options(kind, true));
+    EXPECT_EQ(c.kind, kind);
+    EXPECT_EQ(c.language, PMLANG_ENG);
+    EXPECT_FALSE(IsRecorderMismatch(c.kind, c.manage));
+  }
+}
+
+// Level counts, steps, distance, calories and time in range agree with the profile.
+TEST(RecorderImage, DaysAreConsistentWithTheirProfile) {
+  TestInstallation inst;
+  for (const QString& kind : kAllKinds) {
+    SCOPED_TRACE(kind.toStdString());
+    RecorderImageOptions o = Options(kind);
+    o.days = 30;
+    const RecorderContents c = ReadBack(inst, o);
+    const bool mets = kind == PMKIND_BRIO_METS;
+    int daysWithWorkout = 0;
+    for (const auto& [page, d] : c.pages) {
+      const bool recording = page == c.manage.RecordingPage;
+      const LevelProfileArray& p = KindProfile(d, kind);
+      int recorded = 0;
+      int active = 0;
+      int asleepAtThree = 0;
+      for (int i = 0; i < kProfileSlots; ++i) {
+        const int v = p[static_cast<size_t>(i)];
+        const bool noData = mets ? v > 90 : v > 10;
+        if (!noData) ++recorded;
+        if (!noData && (mets ? v >= 42 : v >= 5)) ++active;  // level 4 and above
+        if (i == 90 && v <= (mets ? 13 : 1)) ++asleepAtThree;
+      }
+      if (!recording) {
+        EXPECT_EQ(recorded, kProfileSlots);
+        EXPECT_EQ(d.RecordTime, 1440);
+        EXPECT_EQ(asleepAtThree, 1);  // 03:00 is night
+      }
+      qint32 counts = d.LevelSmall;
+      for (int l = 0; l < 10; ++l) counts += d.level(l);
+      EXPECT_EQ(counts, recorded * 30);  // 30 four-second counts a slot
+      EXPECT_GT(d.StepCount, 1000);
+      EXPECT_LT(d.StepCount, 40000);
+      EXPECT_GT(d.TotalEnergy, d.Activity);
+      EXPECT_LT(d.TotalEnergy, 4500);
+      EXPECT_EQ(d.Level0 > 0, true);
+      if (kind != PMKIND_AL) {
+        EXPECT_EQ(d.Distance, d.StepCount * d.Stride / 10000);
+        EXPECT_EQ(d.RangeMinutes, (d.Level4 + d.Level5 + d.Level6 + d.Level7 + d.Level8 + d.Level9) * 4 / 60);
+        EXPECT_LE(d.WeightFraction, 9);
+        EXPECT_LT(d.Distance, 665);
+      }
+      if (active >= 15) ++daysWithWorkout;
+      for (int e = 1; e <= 10; ++e) {
+        if (IsNoEventTime(d.event(e))) continue;
+        EXPECT_EQ(d.event(e).second(), 0);
+      }
+      EXPECT_TRUE(d.WeightKg > 30 && d.WeightKg < 150);
+    }
+    EXPECT_GT(daysWithWorkout, 3);
+  }
+}
+
+TEST(RecorderImage, SameSeedSameBytesAndALaterClockKeepsTheEarlierDays) {
+  TestInstallation inst;
+  for (const QString& kind : kAllKinds) {
+    RecorderImageOptions o = Options(kind);
+    EXPECT_EQ(MakeRecorderImage(o), MakeRecorderImage(o));
+    RecorderImageOptions other = o;
+    other.seed = 12;
+    EXPECT_NE(MakeRecorderImage(o), MakeRecorderImage(other));
+
+    // Three more days of wearing: the same pages hold the same finished days.
+    RecorderImageOptions later = o;
+    later.days = o.days + 3;
+    later.lastDay = o.lastDay.addDays(3);
+    const QByteArray a = MakeRecorderImage(o);
+    const QByteArray b = MakeRecorderImage(later);
+    const int pageBytes = PageBytesOfKind(kind);
+    for (int page = 1; page < o.days; ++page) {  // the recording day of `o` is unfinished
+      const qsizetype at = static_cast<qsizetype>(FirstBlockOfPage(kind, page)) * kTransferBlockBytes;
+      EXPECT_EQ(a.mid(at, pageBytes), b.mid(at, pageBytes)) << kind.toStdString() << " page " << page;
+    }
+    // The unfinished day is a prefix of the finished one: same slots so far.
+    FlashData partial, full;
+    ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(o, o.lastDay, true)), partial, kind), 0);
+    ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(o, o.lastDay, false)), full, kind), 0);
+    const int slots = (18 * 60 + 30) / 2 + 1;
+    for (int i = 0; i < kProfileSlots; ++i) {
+      if (i < slots) ASSERT_EQ(KindProfile(partial, kind)[i], KindProfile(full, kind)[i]);
+      else ASSERT_EQ(KindProfile(partial, kind)[i], kind == PMKIND_BRIO_METS ? 255 : 15);
+    }
+    EXPECT_LE(partial.StepCount, full.StepCount);
+  }
+}
+
+TEST(RecorderImage, RingWrapsErasedPagesAndUnsetWeight) {
+  TestInstallation inst;
+  RecorderImageOptions o = Options(PMKIND_BRIO_METS);  // ring of 120
+  o.startPage = 115;
+  o.days = 10;
+  o.erasedPages = {117};
+  o.unsetWeight = true;
+  const RecorderContents c = ReadBack(inst, o);
+  EXPECT_EQ(c.manage.RecordStartPage, 115);
+  EXPECT_EQ(c.manage.RecordingPage, 4);
+  ASSERT_EQ(c.pages.size(), 10u);
+  EXPECT_EQ(c.pages[5].first, 120);
+  EXPECT_EQ(c.pages[6].first, 1);
+  const FlashData& erased = c.pages[2].second;
+  EXPECT_EQ(c.pages[2].first, 117);
+  EXPECT_EQ(erased.bcDate, ZeroDate());
+  EXPECT_EQ(erased.CpuNo, "NoData");
+  EXPECT_EQ(c.pages.back().second.WeightFraction, 255);
+  EXPECT_LE(c.pages[8].second.WeightFraction, 9);
+
+  o.kind = PMKIND_AL;  // ring of 240
+  o.startPage = 240;
+  o.days = 239;
+  o.lastDay = QDate(2024, 12, 31);
+  o.unsetWeight = false;
+  o.erasedPages.clear();
+  const RecorderContents all = ReadBack(inst, o);
+  EXPECT_EQ(all.manage.RecordingPage, 238);
+  EXPECT_EQ(all.pages.size(), 239u);
+  EXPECT_EQ(all.pages.front().second.bcDate, QDate(2024, 12, 31).addDays(-238));
+  EXPECT_EQ(all.manage.bcMeasureStart.date(), QDate(2024, 12, 31).addDays(-238));
+  // A ring holding all 240 days has its recording page just below the start page,
+  // which the ring arithmetic reads as no page at all.
+  o.days = 240;
+  EXPECT_TRUE(ReadBack(inst, o).pages.empty());
+}
+
+TEST(RecorderImage, MemoryLimitStopsWritingAtTheEndPage) {
+  TestInstallation inst;
+  RecorderImageOptions o = Options(PMKIND_BRIO_NORMAL);
+  o.memorySetting = 1;
+  o.memoryDays = 5;
+  o.days = 8;
+  o.startPage = 3;
+  const RecorderContents c = ReadBack(inst, o);
+  EXPECT_EQ(c.manage.MemorySetting, 1);
+  EXPECT_EQ(c.manage.MemoryDays, 5);
+  EXPECT_EQ(c.manage.RecordEndPage, 7);
+  EXPECT_EQ(c.manage.RecordingPage, 10);
+  ASSERT_EQ(c.pages.size(), 8u);
+  EXPECT_EQ(c.pages[4].second.bcDate, o.lastDay.addDays(-3));
+  EXPECT_EQ(c.pages[5].second.bcDate, ZeroDate());
+}
+
+TEST(RecorderImage, BadOptionsAreRefused) {
+  RecorderImageOptions o;
+  o.days = 121;
+  o.kind = PMKIND_BRIO_METS;
+  QString error;
+  EXPECT_TRUE(MakeRecorderImage(o, &error).isEmpty());
+  EXPECT_FALSE(error.isEmpty());
+  o.days = 5;
+  o.erasedPages = {0};
+  EXPECT_FALSE(CheckRecorderImageOptions(o).isEmpty());
+  o.erasedPages.clear();
+  o.kind = QStringLiteral("PMKIND_NONE");
+  EXPECT_FALSE(CheckRecorderImageOptions(o).isEmpty());
+  EXPECT_EQ(PmKindFromName("brio_kt"), PMKIND_BRIO_KT);
+  EXPECT_EQ(PmKindFromName("X"), QString());
+}
+
+TEST(RecorderImage, InvalidImagesAreReportedNotDecoded) {
+  TestInstallation inst;
+  QString error;
+  NoWaitClock clock;
+  RecorderContents c;
+  {
+    EmulatedReader none(inst.readerPath());
+    EXPECT_NE(ReadRecorderContents(none, clock, c, &error), 0);
+    EXPECT_TRUE(error.contains("no recorder"));
+  }
+  QFile f(inst.readerPath() + "/short.img");
+  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+  f.write(QByteArray(300, 'x'));
+  f.close();
+  EmulatedReader shortImage(inst.readerPath());
+  EXPECT_EQ(ReadRecorderContents(shortImage, clock, c, &error), kEmulatorFaultAddress);
+  EXPECT_TRUE(error.contains("management block"));
+
+  // A good block whose pages lie beyond the end of the file.
+  RecorderImageOptions o = Options(PMKIND_BRIO_NORMAL);
+  const QByteArray image = MakeRecorderImage(o);
+  ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+  f.write(image.left(248 * 12));
+  f.close();
+  EmulatedReader truncated(inst.readerPath());
+  EXPECT_EQ(ReadRecorderContents(truncated, clock, c, &error), kEmulatorFaultAddress);
+  EXPECT_TRUE(error.contains("page 2"));  // blocks 11 and 12; the file ends after block 11
+}
+
+TEST(RecorderImage, CommandLineRoundTrip) {
+  const QString cli = QStringLiteral(VANTORA_CLI_PATH);
+  if (!QFileInfo::exists(cli)) GTEST_SKIP() << "vantora-cli not built";
+  TestInstallation inst;
+  for (const char* kindName : {"AL", "BRIO_NORMAL", "BRIO_METS", "BRIO_ZR", "BRIO_KT"}) {
+    const QString name = QString::fromLatin1(kindName);
+    SCOPED_TRACE(name.toStdString());
+    const QString out = inst.path("temp/" + name + ".img");
+    QProcess make;
+    make.setWorkingDirectory(inst.binPath());
+    make.start(cli, {"make-recorder", "--kind", name, "--lang", "ja", "--days", "6", "--out", out,
+                     "--seed", "5", "--cpu", "777001", "--last-day", "20240110", "--start-page", "238"});
+    ASSERT_TRUE(make.waitForFinished(60000));
+    ASSERT_EQ(make.exitCode(), 0) << make.readAllStandardError().toStdString();
+
+    QProcess dump;
+    dump.setWorkingDirectory(inst.binPath());
+    dump.start(cli, {"dump", out, "--json"});
+    ASSERT_TRUE(dump.waitForFinished(60000));
+    ASSERT_EQ(dump.exitCode(), 0) << dump.readAllStandardError().toStdString();
+    const QJsonObject root = QJsonDocument::fromJson(dump.readAllStandardOutput()).object();
+    const QString kind = PmKindFromName(name);
+    EXPECT_EQ(root["kind"].toString(), kind);
+    EXPECT_EQ(root["language"].toString(), "PMLANG_JPN");
+    const QJsonObject manage = root["manage"].toObject();
+    EXPECT_EQ(manage["CpuNo"].toString(), "777001");
+    EXPECT_EQ(manage["bcNowDate"].toString(), "2024-01-10");
+    EXPECT_EQ(manage["bcMeasureStart"].toString(), "2024-01-05 00:00:00");
+    EXPECT_EQ(manage["RecordCheck"].toString().size(), 1800);
+    const QJsonArray pages = root["pages"].toArray();
+    ASSERT_EQ(pages.size(), 6);
+
+    // The same recorder made in-process decodes to the same numbers.
+    RecorderImageOptions o;
+    o.kind = kind;
+    o.numbers = RecorderNumbers::FromConfig();
+    o.days = 6;
+    o.seed = 5;
+    o.cpuNo = "777001";
+    o.lastDay = QDate(2024, 1, 10);
+    o.startPage = 238;
+    const int expectedPages[] = {238, 239, 240, 1, 2, 3};
+    for (int i = 0; i < 6; ++i) {
+      const QJsonObject p = pages[i].toObject();
+      EXPECT_EQ(p["page"].toInt(), expectedPages[i]);
+      const QDate date = QDate(2024, 1, 5).addDays(i);
+      EXPECT_EQ(p["bcDate"].toString(), date.toString("yyyy-MM-dd"));
+      FlashData d;
+      ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(o, date, i == 5)), d, kind), 0);
+      EXPECT_EQ(p["StepCount"].toInt(), d.StepCount);
+      EXPECT_EQ(p["TotalEnergy"].toInt(), d.TotalEnergy);
+      EXPECT_EQ(p["Level4"].toInt(), d.Level4);
+      EXPECT_EQ(p["Distance"].toInt(), d.Distance);
+      EXPECT_EQ(p["Event10"].toString(), "00:00:59");
+      const QJsonArray profile = p["LevelProfile"].toArray();
+      ASSERT_EQ(profile.size(), 720);
+      for (int s = 0; s < 720; ++s) ASSERT_EQ(profile[s].toInt(), KindProfile(d, kind)[s]);
+    }
+  }
+  // No valid image: a message and exit code 1.
+  QFile bad(inst.path("temp/bad.img"));
+  ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
+  bad.write("not a recorder");
+  bad.close();
+  QProcess dump;
+  dump.setWorkingDirectory(inst.binPath());
+  dump.start(cli, {"dump", bad.fileName(), "--json"});
+  ASSERT_TRUE(dump.waitForFinished(60000));
+  EXPECT_EQ(dump.exitCode(), 1);
+  EXPECT_TRUE(dump.readAllStandardError().contains("no valid recorder image"));
+}
+
+}  // namespace

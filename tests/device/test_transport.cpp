@@ -1,0 +1,259 @@
+// The transport against the scripted fake reader: call order, waits, codes, log lines,
+// and the raw file.
+#include <gtest/gtest.h>
+
+#include <QFile>
+
+#include "device.h"
+#include "fake_reader.h"
+#include "device_test_util.h"
+#include "test_installation.h"
+
+namespace {
+
+const QStringList kReadOk = {"Tavo_Start", "Tavo_BRead", "Tavo_GetStatus", "Tavo_Finish"};
+
+DeviceState Opened(qint32 handle = 7, const QString& kind = PMKIND_BRIO_NORMAL) {
+  DeviceState s;
+  s.hUSB = handle;
+  s.pmKind = kind;
+  s.pmLang = PMLANG_JPN;
+  return s;
+}
+
+TEST(Transport, OpenClosesAllWaitsAndKeepsTheHandle) {
+  FakeReader reader;
+  reader.openResult = 42;
+  NoWaitClock clock;
+  DeviceState s;
+  EXPECT_EQ(UsbOpen(reader, clock, s), 42);
+  EXPECT_EQ(s.hUSB, 42);
+  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_CloseAll", "Tavo_Open"}));
+  EXPECT_EQ(clock.waits(), QList<int>({100}));
+
+  reader.openResult = 0;
+  EXPECT_EQ(UsbOpen(reader, clock, s), 0);
+  EXPECT_EQ(clock.waits(), QList<int>({100, 100}));  // waited also with nothing open
+}
+
+TEST(Transport, CloseReportsNonzeroAndKeepsTheHandle) {
+  FakeReader reader;
+  DeviceState s;  // a failed open: handle 0 is still passed on
+  reader.closeResult = 0;
+  EXPECT_FALSE(UsbClose(reader, s));
+  ASSERT_EQ(reader.calls.size(), 1u);
+  EXPECT_EQ(reader.calls[0].op, "Tavo_Close");
+  EXPECT_EQ(reader.calls[0].handle, 0);
+  s.hUSB = 5;
+  reader.closeResult = 1;
+  EXPECT_TRUE(UsbClose(reader, s));
+  EXPECT_EQ(s.hUSB, 5);
+}
+
+TEST(Transport, SuccessfulReadIsStartReadPollFinishWithTheSettlingWait) {
+  TestInstallation inst;
+  FakeReader reader(QByteArray(248 * 20, char(0x5A)));
+  NoWaitClock clock;
+  const DeviceState s = Opened();
+  std::array<quint8, 992> buffer{};
+  EXPECT_EQ(RecvManage(reader, clock, s, buffer.data()), 0);
+  EXPECT_EQ(reader.callNames(), kReadOk);
+  EXPECT_EQ(reader.calls[1].firstBlock, 0);
+  EXPECT_EQ(reader.calls[1].byteCount, 992);
+  EXPECT_EQ(reader.calls[1].handle, 7);
+  EXPECT_EQ(buffer[991], 0x5A);
+  EXPECT_EQ(clock.waits(), QList<int>({500}));
+}
+
+TEST(Transport, RunningStatusIsPolledEvery100ms) {
+  TestInstallation inst;
+  FakeReader reader;
+  reader.runningPolls = 3;
+  NoWaitClock clock;
+  std::array<quint8, 992> buffer{};
+  EXPECT_EQ(RecvData(reader, clock, Opened(), 2, buffer.data()), 0);
+  EXPECT_EQ(reader.count("Tavo_GetStatus"), 4);
+  EXPECT_EQ(clock.waits(), QList<int>({100, 100, 100, 500}));
+  EXPECT_EQ(reader.calls.back().op, "Tavo_Finish");
+}
+
+TEST(Transport, NeverFinishingReadKeepsWaiting) {
+  TestInstallation inst;
+  FakeReader reader;
+  reader.neverFinish = true;
+  NoWaitClock clock;
+  clock.setWaitLimitMs(60 * 60 * 1000);  // an hour of polling, then the test stops it
+  std::array<quint8, 992> buffer{};
+  EXPECT_THROW(RecvData(reader, clock, Opened(), 1, buffer.data()), DeviceClockLimitReached);
+  EXPECT_EQ(reader.count("Tavo_GetStatus"), 36001);
+  EXPECT_EQ(reader.count("Tavo_Finish") + reader.count("Tavo_Stop"), 0);
+}
+
+TEST(Transport, FaultStatusIsReturnedAfterTheWaitAndTheTransferStopped) {
+  TestInstallation inst;
+  FakeReader reader;
+  reader.faultAt[0] = 77;
+  reader.runningPolls = 1;
+  NoWaitClock clock;
+  std::array<quint8, 992> buffer{};
+  EXPECT_EQ(RecvManage(reader, clock, Opened(), buffer.data()), 77);
+  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start", "Tavo_BRead", "Tavo_GetStatus",
+                                             "Tavo_GetStatus", "Tavo_Stop"}));
+  EXPECT_EQ(clock.waits(), QList<int>({100, 500}));
+  EXPECT_TRUE(Logged(inst, "2", "RecvManage", "Tavo_GetStatus=77"));
+}
+
+TEST(Transport, RefusedStartMakesNoFurtherCall) {
+  TestInstallation inst;
+  FakeReader reader;
+  reader.refuseStartAt = {0};
+  NoWaitClock clock;
+  std::array<quint8, 992> buffer{};
+  EXPECT_EQ(RecvData(reader, clock, Opened(), 1, buffer.data()), kDeviceNoTransfer);
+  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start"}));
+  EXPECT_TRUE(clock.waits().isEmpty());
+  EXPECT_TRUE(Logged(inst, "2", "RecvData", "Tavo_Start Error"));
+}
+
+TEST(Transport, RefusedReadNeitherStopsNorFinishes) {
+  TestInstallation inst;
+  FakeReader reader;
+  reader.refuseReadAt = {0};
+  NoWaitClock clock;
+  std::array<quint8, 992> buffer{};
+  EXPECT_EQ(RecvManage(reader, clock, Opened(), buffer.data()), kDeviceNoTransfer);
+  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start", "Tavo_BRead"}));
+  EXPECT_TRUE(Logged(inst, "2", "RecvManage", "Tavo_BRead Error"));
+}
+
+TEST(Transport, NoHandleMakesNoCall) {
+  TestInstallation inst;
+  FakeReader reader;
+  NoWaitClock clock;
+  std::array<quint8, 992> buffer{};
+  EXPECT_EQ(RecvManage(reader, clock, Opened(0), buffer.data()), kDeviceNoTransfer);
+  EXPECT_EQ(RecvData(reader, clock, Opened(0), 3, buffer.data()), kDeviceNoTransfer);
+  EXPECT_TRUE(reader.calls.empty());
+  EXPECT_TRUE(Logged(inst, "2", "RecvManage", "hUSB=0"));
+  EXPECT_TRUE(Logged(inst, "2", "RecvData", "hUSB=0"));
+}
+
+TEST(Transport, PageAddressesAndSizesFollowTheKind) {
+  TestInstallation inst;
+  NoWaitClock clock;
+  std::array<quint8, 992> buffer{};
+  struct Case {
+    QString kind;
+    qint16 page;
+    int block;
+    int bytes;
+  };
+  for (const Case& c : {Case{PMKIND_AL, 1, 9, 496}, Case{PMKIND_AL, 2, 11, 496},
+                        Case{PMKIND_BRIO_ZR, 240, 487, 496}, Case{PMKIND_BRIO_METS, 2, 13, 992}}) {
+    FakeReader reader;
+    ASSERT_EQ(RecvData(reader, clock, Opened(3, c.kind), c.page, buffer.data()), 0);
+    EXPECT_EQ(reader.calls[1].firstBlock, c.block);
+    EXPECT_EQ(reader.calls[1].byteCount, c.bytes);
+  }
+}
+
+TEST(Transport, UnknownKindLeavesTheTransferOpen) {
+  TestInstallation inst;
+  FakeReader reader;
+  NoWaitClock clock;
+  std::array<quint8, 992> buffer{};
+  EXPECT_EQ(RecvData(reader, clock, Opened(3, QString()), 1, buffer.data()), kDeviceUnknownKind);
+  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start"}));
+  EXPECT_TRUE(Logged(inst, "2", "FlashManage_SetPMKind", "PMSoftVersion ERROR,Not AL or BRIO"));
+}
+
+TEST(Transport, PageBelowOneDecodesAZeroedBuffer) {
+  TestInstallation inst;
+  FakeReader reader;
+  NoWaitClock clock;
+  DeviceState s = Opened(3, PMKIND_BRIO_NORMAL);
+  s.data.StepCount = 999;
+  EXPECT_EQ(PM_RecvData(reader, clock, s, 0, QString()), 0);
+  EXPECT_EQ(PM_RecvData(reader, clock, s, -5, QString()), 0);
+  EXPECT_TRUE(reader.calls.empty());
+  EXPECT_EQ(s.data.StepCount, 0);
+  EXPECT_EQ(s.data.bcDate, ZeroDate());
+  EXPECT_EQ(s.data.CpuNo, QString(6, QChar(0)));
+  EXPECT_TRUE(Logged(inst, "2", "RecvData", "too less block [0]"));
+  EXPECT_TRUE(Logged(inst, "2", "RecvData", "too less block [-5]"));
+}
+
+TEST(Transport, ManagementReceiveSetsKindDecodesAndSavesTheRawBlock) {
+  TestInstallation inst;
+  inst.setConfig("SYSTEM", "SAVE_RAW_DATA", "1");
+  RecorderImageOptions o;
+  o.kind = PMKIND_BRIO_ZR;
+  o.numbers = RecorderNumbers::FromConfig();
+  o.days = 3;
+  const QByteArray image = MakeRecorderImage(o);
+  ASSERT_FALSE(image.isEmpty());
+  FakeReader reader(image);
+  NoWaitClock clock;
+  DeviceState s;
+  ASSERT_NE(UsbOpen(reader, clock, s), 0);
+  const QString raw = inst.rawPath() + "/R000000001.bin";
+  ASSERT_EQ(PM_RecvManage(reader, clock, s, raw), 0);
+  EXPECT_EQ(s.pmKind, PMKIND_BRIO_ZR);
+  EXPECT_EQ(s.pmLang, PMLANG_JPN);
+  EXPECT_EQ(s.manage.FixedData, o.numbers.kt200);
+  EXPECT_EQ(s.manage.RecordingPage, 3);
+
+  // Pages append 992 bytes each; a 496-byte page is followed by zeros.
+  ASSERT_EQ(PM_RecvData(reader, clock, s, 2, raw), 0);
+  ASSERT_EQ(PM_RecvData(reader, clock, s, 3, QString()), 0);  // an empty path saves nothing
+  QFile f(raw);
+  ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+  const QByteArray saved = f.readAll();
+  ASSERT_EQ(saved.size(), 992 * 2);
+  EXPECT_EQ(saved.left(992), image.left(992));
+  EXPECT_EQ(saved.mid(992, 496), image.mid(248 * 11, 496));
+  EXPECT_EQ(saved.mid(992 + 496), QByteArray(496, 0));
+
+  inst.setConfig("SYSTEM", "SAVE_RAW_DATA", "0");
+  ASSERT_EQ(PM_RecvData(reader, clock, s, 1, raw), 0);
+  EXPECT_EQ(QFile(raw).size(), 992 * 2);
+}
+
+TEST(Transport, ReceiveFailuresAreLoggedWithTheirCode) {
+  TestInstallation inst;
+  FakeReader reader(QByteArray(kManageBlockBytes, char(0xFF)));
+  NoWaitClock clock;
+  DeviceState s = Opened(1, QString());
+  EXPECT_EQ(PM_RecvManage(reader, clock, s, QString()), kDeviceUnknownKind);
+  EXPECT_TRUE(Logged(inst, "2", "PM_RecvManage", "FlashManage_SetPMKind ERROR(-40001)"));
+  reader.faultAt[1] = 12;
+  s.pmKind = PMKIND_AL;
+  EXPECT_EQ(PM_RecvData(reader, clock, s, 1, QString()), 12);
+  EXPECT_TRUE(Logged(inst, "2", "PM_RecvData", "RecvData ERROR(12)"));
+  reader.refuseStartAt = {2};
+  EXPECT_EQ(PM_RecvManage(reader, clock, s, QString()), kDeviceNoTransfer);
+  EXPECT_TRUE(Logged(inst, "2", "PM_RecvManage", "RecvManage ERROR(-30000)"));
+}
+
+TEST(Transport, DumpLevelsWriteRecordsAndRawBytes) {
+  TestInstallation inst;
+  RecorderImageOptions o;
+  o.numbers = RecorderNumbers::FromConfig();
+  o.days = 2;
+  FakeReader reader(MakeRecorderImage(o));
+  NoWaitClock clock;
+  DeviceState s;
+  UsbOpen(reader, clock, s);
+  inst.setConfig("PM_TEST", "PM_DUNP", "1");
+  ASSERT_EQ(PM_RecvManage(reader, clock, s, QString()), 0);
+  ASSERT_EQ(PM_RecvData(reader, clock, s, 1, QString()), 0);
+  EXPECT_TRUE(Logged(inst, "0", "FLASHMANAGE", QString::fromUtf8("固定データ[") + o.numbers.brioJpn + "]"));
+  EXPECT_TRUE(Logged(inst, "0", "FLASHDATA", QString::fromUtf8("身体活動レベル日内変動")));
+  EXPECT_TRUE(Logged(inst, "0", "FLASHDATA", "23:58:"));
+  EXPECT_FALSE(Logged(inst, "0", "FLASHDATA", "991("));
+  inst.setConfig("PM_TEST", "PM_DUNP", "2");
+  ASSERT_EQ(PM_RecvData(reader, clock, s, 1, QString()), 0);
+  EXPECT_TRUE(Logged(inst, "0", "FLASHDATA", "991(0)"));  // the zero padding after 496 bytes
+}
+
+}  // namespace
