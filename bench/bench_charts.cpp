@@ -92,14 +92,20 @@ class Installation {
         const QString ymd = DateToYmd(d);
         int i = 1;
         day.reset();
-        day.bind(i++, receiveId).bind(i++, QString::number(seq)).bind(i++, ymd).bind(i++, ymd);
-        day.bind(i++, QString::number(d.dayOfWeek())).bind(i++, user.USER_ID);
-        day.bind(i++, QString::number(1700 + steps / 20)).bind(i++, QString::number(steps / 30));
-        day.bind(i++, QString::number(steps));
-        for (int level = 1; level <= 9; ++level)
-          day.bind(i++, QString::number((steps / (level * 7)) % 700));
-        day.bind(i++, QString::number(steps / 150)).bind(i++, QString::number(steps * 0.0007, 'f', 1));
-        day.bind(i++, QString::number(steps * 0.0007 / 1.61, 'f', 1));
+        const auto bind = [&day, &i](const QString& v) { day.bind(i++, v); };
+        bind(receiveId);
+        bind(QString::number(seq));
+        bind(ymd);
+        bind(ymd);
+        bind(QString::number(d.dayOfWeek()));
+        bind(user.USER_ID);
+        bind(QString::number(1700 + steps / 20));
+        bind(QString::number(steps / 30));
+        bind(QString::number(steps));
+        for (int level = 1; level <= 9; ++level) bind(QString::number((steps / (level * 7)) % 700));
+        bind(QString::number(steps / 150));
+        bind(QString::number(steps * 0.0007, 'f', 1));
+        bind(QString::number(steps * 0.0007 / 1.61, 'f', 1));
         day.run();
       }
     }
