@@ -1176,7 +1176,9 @@ void DrawChartDocument(QPainter& p, const QRectF& area, const ChartDocument& doc
   p.fillRect(area, s.colour(QStringLiteral("BACKGROUND")));
   const QRectF in = area.adjusted(x.b, x.b * 0.8, -x.b, -x.b * 0.6);
   if (doc.kind == ChartDocument::Kind::Bmi) {
-    DrawBmi(x, in, doc.bmi);
+    // A strip of a picture: its text follows the height more than the width.
+    Ctx strip{p, s, std::clamp(std::min(area.width() / 32.0, area.height() / 8.5), 8.0, 24.0)};
+    DrawBmi(strip, area.adjusted(strip.b * 0.5, strip.b * 0.4, -strip.b * 0.5, -strip.b * 0.3), doc.bmi);
     p.restore();
     return;
   }
@@ -1291,7 +1293,9 @@ void DrawReportPage(QPainter& p, const QRectF& page, const ChartDocument& doc, c
   const double footH = x.b * 1.6;
   const double rest = page.bottom() - y - footH;
   const bool table = doc.kind == ChartDocument::Kind::Interface && ChartKindOf(doc.data.type) != 800;
-  const double chartH = table ? rest * 0.58 : rest;
+  // The table takes what its rows need, at most about two fifths of the space.
+  const double tableNeed = x.b * 1.7 * (static_cast<double>(doc.data.lines.size()) + 1.5);
+  const double chartH = table ? rest - std::min(tableNeed, rest * 0.42) - x.b * 0.8 : rest;
   p.setPen(QPen(x.c("GRID"), 1));
   p.setBrush(Qt::NoBrush);
   const QRectF chartRect(page.left(), y, page.width(), chartH);

@@ -1,9 +1,11 @@
 // vantora-cli: the headless tool. Every operation that the desktop offers on data can
 // be run from here, with messages on stderr and questions answered from flags.
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QTextStream>
 
 #include <cstring>
+#include <memory>
 
 #include "commands.h"
 #include "frame.h"
@@ -36,6 +38,7 @@ const Command kCommands[] = {
      "                             print a chart's display window"},
     {"render", cmd_render,
      "render --interface FILE [--header FILE] --out FILE.png|FILE.pdf [--size WxH]\n"
+     "       [--settings chart.ini] [--paper N]\n"
      "                             draw a chart file to a picture or a report"},
 };
 
@@ -58,7 +61,17 @@ int cmd_version(const QStringList& args) {
 }
 
 int main(int argc, char** argv) {
-  QCoreApplication app(argc, argv);
+  // Drawing charts needs fonts, hence a GUI application; without a display the
+  // offscreen platform serves. Every other command stays a plain core application.
+  std::unique_ptr<QCoreApplication> appHolder;
+  if (argc > 1 && std::strcmp(argv[1], "render") == 0) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
+        qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+      qputenv("QT_QPA_PLATFORM", "offscreen");
+    appHolder = std::make_unique<QGuiApplication>(argc, argv);
+  } else {
+    appHolder = std::make_unique<QCoreApplication>(argc, argv);
+  }
   QCoreApplication::setApplicationName(QStringLiteral("vantora-cli"));
   QCoreApplication::setApplicationVersion(QStringLiteral(VANTORA_VERSION));
   StderrDialog dialogs;
