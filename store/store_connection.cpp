@@ -195,6 +195,11 @@ void CompactDB(QString& path, int& result, ProgressInterface& progress, const QS
     progress.setValue(value += 20);
     QThread::msleep(100);
     {
+      // The connection opens files without creating them; an empty file is an empty
+      // database to attach and fill.
+      QFile fresh(path);
+      requireOk(fresh.open(QIODevice::WriteOnly), QStringLiteral("%1 cannot be created").arg(path));
+      fresh.close();
       VtDatabase source;
       source.open(org, password);
       Statement attach(source, QStringLiteral("ATTACH DATABASE ? AS compacted KEY ?"));

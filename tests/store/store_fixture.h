@@ -1,0 +1,44 @@
+// A fresh installation with a new encrypted database made as initdb makes it, opened as
+// the working connection.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QRegularExpression>
+#include <memory>
+
+#include "store.h"
+#include "test_installation.h"
+
+class StoreTest : public ::testing::Test {
+ protected:
+  explicit StoreTest(const QString& lang = QStringLiteral("ja")) : inst_(lang) {}
+
+  void SetUp() override {
+    ASSERT_TRUE(inst_.isValid());
+    QString error;
+    ASSERT_TRUE(CreateDatabaseFile(inst_.dbFile(), kDefaultDbPassword, &error)) << error.toStdString();
+    QString path = inst_.dbFile();
+    QString password;
+    ASSERT_EQ(VTDB_Open(db_, path, password), 0);
+  }
+
+  // Messages shown through the dialog interface so far.
+  size_t messages() { return inst_.dialog().shown.size(); }
+
+  // True when the trace log has a line of that level and name (and message, if given).
+  bool traced(const QString& level, const QString& name, const QString& message = QString()) {
+    const QString pattern = QStringLiteral("\\|%1\\|%2 *\\|%3").arg(QRegularExpression::escape(level),
+                                                                   QRegularExpression::escape(name),
+                                                                   QRegularExpression::escape(message));
+    return QRegularExpression(pattern).match(inst_.traceText()).hasMatch();
+  }
+
+  TestInstallation inst_;
+  VtDatabase db_;
+};
+
+class StoreTestEn : public StoreTest {
+ protected:
+  StoreTestEn() : StoreTest(QStringLiteral("en")) {}
+};

@@ -1,0 +1,143 @@
+// Connection, the new file, identifier counters and compaction.
+#include <QFile>
+#include <QFileInfo>
+
+#include "store_fixture.h"
+
+namespace {
+
+class CountingProgress : public ProgressInterface {
+ public:
+  void setMaximum(int m) override { maximum = m; }
+  void setValue(int v) override { values.push_back(v); }
+  void setStatus(const QString&) override {}
+  bool cancelRequested() override { return false; }
+  int maximum = 0;
+  std::vector<int> values;
+};
+
+TEST_F(StoreTest, OpenFillsEmptyArgumentsWithTheDefaults) {
+  VtDatabase other;
+  QString path;
+  QString password;
+  // The working directory is the installation's bin/, so the default path is its file.
+  EXPECT_EQ(VTDB_Open(other, path, password), 0);
+  EXPECT_EQ(path, QStringLiteral("../data/mdb/ACTA.db"));
+  EXPECT_EQ(password, QStringLiteral("qoxtlamv"));
+  EXPECT_EQ(VTDB_Close(other), 0);
+  EXPECT_FALSE(other.isOpen());
+}
+
+TEST_F(StoreTest, WrongPasswordOrForeignFileGivesTheConnectMessage) {
+  VtDatabase other;
+  QString path = inst_.dbFile();
+  QString password = QStringLiteral("wrongpw");
+  EXPECT_EQ(VTDB_Open(other, path, password), 1);
+  ASSERT_EQ(messages(), 1u);
+  EXPECT_TRUE(inst_.dialog().shown.back().text.startsWith(QStringLiteral("ConnectDB : ")));
+
+  QFile junk(inst_.path(QStringLiteral("data/mdb/junk.db")));
+  ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
+  junk.write("not a database at all, just some text that is long enough to be looked at");
+  junk.close();
+  EXPECT_EQ(ConnectDB(other, junk.fileName(), kDefaultDbPassword), 1);
+  EXPECT_EQ(messages(), 2u);
+  // A closed connection fails every operation the ordinary way.
+  EXPECT_FALSE(VTDB_ExistUser(other));
+  EXPECT_EQ(messages(), 3u);
+  EXPECT_FALSE(other.lastErrorText().isEmpty());
+  EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("VTDB_ExistUser")));
+}
+
+TEST_F(StoreTest, NewFileHoldsTheFixedRowsAndIsNotOverwritten) {
+  EXPECT_EQ(GetGroupName(db_, QStringLiteral("G000000001")).isEmpty(), false);
+  EXPECT_FALSE(GetGroupName(db_, QStringLiteral("G999999999")).isEmpty());
+  UserInfo instructor;
+  ASSERT_TRUE(GetUserInfo(db_, instructor, QStringLiteral("U999999999")));
+  EXPECT_EQ(instructor.GROUP_ID, QStringLiteral("G999999999"));
+  // The nullable columns start out null and read as blanks of their width.
+  UserRecord raw;
+  ASSERT_TRUE(VTDB_GetUserInfoFromUserId(db_, QStringLiteral("U999999999"), raw));
+  EXPECT_EQ(raw.PREF_ID, QString(8, QLatin1Char(' ')));
+  EXPECT_EQ(raw.EXTRA1, QString(4, QLatin1Char(' ')));
+  EXPECT_EQ(raw.FIRST_NAME.size(), 20);
+
+  QString error;
+  const qint64 size = QFileInfo(inst_.dbFile()).size();
+  EXPECT_FALSE(CreateDatabaseFile(inst_.dbFile(), kDefaultDbPassword, &error));
+  EXPECT_FALSE(error.isEmpty());
+  EXPECT_EQ(QFileInfo(inst_.dbFile()).size(), size);
+  EXPECT_TRUE(VTDB_ProbeDatabase(db_));
+}
+
+TEST_F(StoreTest, CountersStartAtOneAndCutAtTheTop) {
+  EXPECT_EQ(GetId(db_, QStringLiteral("02")), QStringLiteral("000000001"));
+  EXPECT_EQ(GetId(db_, QStringLiteral("02")), QStringLiteral("000000002"));
+  EXPECT_EQ(CreateReceiveId(db_), QStringLiteral("R000000001"));
+  EXPECT_EQ(CreateUserId(db_), QStringLiteral("U000000003"));
+
+  db_.exec(QStringLiteral("UPDATE [ID_TABLE] SET CRNTNO = '999999998' WHERE KEY = '03'"));
+  EXPECT_EQ(CreateReceiveId(db_), QStringLiteral("R999999999"));
+  // Ten digits cut to the nine of the field.
+  EXPECT_EQ(CreateReceiveId(db_), QStringLiteral("R100000000"));
+
+  // Inside a caller's transaction the counter moves with it.
+  ASSERT_TRUE(VTDB_BeginTrans(db_));
+  EXPECT_EQ(CreateReceiveId(db_), QStringLiteral("R100000001"));
+  ASSERT_TRUE(VTDB_RollbackTrans(db_));
+  EXPECT_EQ(CreateReceiveId(db_), QStringLiteral("R100000001"));
+}
+
+TEST_F(StoreTest, FailedCounterGivesThePrefixAlone) {
+  db_.exec(QStringLiteral("DROP TABLE [ID_TABLE]"));
+  EXPECT_EQ(CreateUserId(db_), QStringLiteral("U"));
+  EXPECT_EQ(messages(), 1u);
+  EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("GetId")));
+  EXPECT_FALSE(db_.lastErrorNumber().isEmpty());
+}
+
+TEST_F(StoreTest, CompactionReplacesAnOldOrgAndKeepsTheData) {
+  UserInfo u;
+  u.GROUP_ID = kDefaultGroupId;
+  u.FIRST_NAME = QStringLiteral("Hana");
+  ASSERT_EQ(SetUser(db_, u), 0);
+  VTDB_Close(db_);
+
+  QFile org(inst_.dbFile() + QStringLiteral(".org"));
+  ASSERT_TRUE(org.open(QIODevice::WriteOnly));
+  org.write("stale");
+  org.close();
+
+  CountingProgress progress;
+  QString path = inst_.dbFile();
+  int result = 99;
+  CompactDB(path, result, progress);
+  EXPECT_EQ(result, 0);
+  EXPECT_EQ(progress.values, (std::vector<int>{20, 40, 60, kCompactProgressMaximum}));
+  EXPECT_FALSE(QFile::exists(inst_.dbFile() + QStringLiteral(".org")));
+  EXPECT_TRUE(QFile::exists(inst_.dbFile() + QStringLiteral(".bak")));
+
+  QString password;
+  ASSERT_EQ(VTDB_Open(db_, path, password), 0);
+  UserInfo back;
+  ASSERT_TRUE(GetUserInfo(db_, back, u.USER_ID));
+  EXPECT_EQ(back.FIRST_NAME, QStringLiteral("Hana"));
+  // The copy is a database under the same key.
+  VtDatabase bak;
+  EXPECT_EQ(ConnectDB(bak, inst_.dbFile() + QStringLiteral(".bak"), kDefaultDbPassword), 0);
+  EXPECT_TRUE(VTDB_ExistUser(bak));
+  EXPECT_EQ(messages(), 0u);
+}
+
+TEST_F(StoreTest, CompactionOfAMissingFileOnlyLogs) {
+  CountingProgress progress;
+  QString path = inst_.path(QStringLiteral("data/mdb/none.db"));
+  int result = 0;
+  CompactDB(path, result, progress);
+  EXPECT_EQ(result, -1);
+  EXPECT_TRUE(progress.values.empty());
+  EXPECT_EQ(messages(), 0u);
+  EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("CompactDB"), QStringLiteral("DBFile No Exist")));
+}
+
+}  // namespace

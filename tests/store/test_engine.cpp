@@ -1,0 +1,143 @@
+// The engine layer: keying, the SQL functions and the text comparison of the old engine.
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "store_fixture.h"
+
+namespace {
+
+QString one(VtDatabase& db, const QString& sql, const QStringList& values = {}) {
+  Statement st(db, sql);
+  for (int i = 0; i < values.size(); ++i) st.bind(i + 1, values.at(i));
+  EXPECT_TRUE(st.step());
+  return st.isNull(0) ? QStringLiteral("<null>") : st.text(0);
+}
+
+class EngineTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(dir_.isValid());
+    path_ = dir_.filePath(QStringLiteral("e.db"));
+    db_.open(path_, QStringLiteral("secret"), VtDatabase::OpenMode::Create);
+  }
+  QTemporaryDir dir_;
+  QString path_;
+  VtDatabase db_;
+};
+
+TEST_F(EngineTest, FileIsUnreadableWithoutTheRightKey) {
+  db_.exec(QStringLiteral("CREATE TABLE T (A TEXT); INSERT INTO T VALUES ('hello household');"));
+  db_.close();
+
+  QFile f(path_);
+  ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+  const QByteArray raw = f.readAll();
+  EXPECT_FALSE(raw.contains("hello household"));
+  EXPECT_FALSE(raw.startsWith("SQLite format 3"));
+
+  VtDatabase other;
+  EXPECT_THROW(other.open(path_, QStringLiteral("wrong")), StoreError);
+  EXPECT_FALSE(other.isOpen());
+  other.open(path_, QStringLiteral("secret"));
+  EXPECT_EQ(one(other, QStringLiteral("SELECT A FROM T")), QStringLiteral("hello household"));
+  // Keys are bound, not pasted: quotes in a password are just characters.
+  VtDatabase quoted;
+  const QString odd = dir_.filePath(QStringLiteral("q.db"));
+  quoted.open(odd, QStringLiteral("it's; --"), VtDatabase::OpenMode::Create);
+  quoted.exec(QStringLiteral("CREATE TABLE T (A TEXT)"));
+  quoted.close();
+  EXPECT_NO_THROW(quoted.open(odd, QStringLiteral("it's; --")));
+}
+
+TEST_F(EngineTest, MissingOrForeignFilesFailCleanly) {
+  VtDatabase other;
+  EXPECT_THROW(other.open(dir_.filePath(QStringLiteral("none.db")), QStringLiteral("x")), StoreError);
+  EXPECT_FALSE(QFile::exists(dir_.filePath(QStringLiteral("none.db"))));
+  const QString junk = dir_.filePath(QStringLiteral("junk.db"));
+  QFile f(junk);
+  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+  f.write(QByteArray(8192, 'x'));
+  f.close();
+  try {
+    other.open(junk, QStringLiteral("x"));
+    FAIL() << "opened a file that is no database";
+  } catch (const StoreError& e) {
+    EXPECT_FALSE(e.text().isEmpty());
+  }
+  EXPECT_THROW(VtDatabase().open(path_, QStringLiteral("x"), VtDatabase::OpenMode::Create), StoreError);
+}
+
+TEST_F(EngineTest, CintRoundsHalvesToEvenAndRejectsText) {
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT CINT('2.5')")), QStringLiteral("2"));
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT CINT('3.5')")), QStringLiteral("4"));
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT CINT(' 10 ')")), QStringLiteral("10"));
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT CINT('-1.5')")), QStringLiteral("-2"));
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT CINT(NULL)")), QStringLiteral("<null>"));
+  Statement bad(db_, QStringLiteral("SELECT CINT('abc')"));
+  EXPECT_THROW(bad.step(), StoreError);
+  Statement over(db_, QStringLiteral("SELECT CINT('40000')"));
+  EXPECT_THROW(over.step(), StoreError);
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT CDbl('1.25') * 2")), QStringLiteral("2.5"));
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT LEN('ＡＢ c')")), QStringLiteral("4"));
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT LEN('')")), QStringLiteral("0"));
+}
+
+TEST_F(EngineTest, StrCompIsBinaryAndJetTextIsNot) {
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT StrComp('ab','AB',0)")), QStringLiteral("1"));
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT StrComp('ab','ab',0)")), QStringLiteral("0"));
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT StrComp('ab','ab ',0)")), QStringLiteral("-1"));
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT StrComp('ab','AB ',1)")), QStringLiteral("0"));
+
+  db_.exec(QStringLiteral("CREATE TABLE N (V TEXT COLLATE JETTEXT)"));
+  Statement ins(db_, QStringLiteral("INSERT INTO N VALUES (?)"));
+  for (const QString& v : {QStringLiteral("Mori      "), QStringLiteral("ＭＯＲＩ"), QStringLiteral("ｶﾞｸ"),
+                           QStringLiteral("mora")}) {
+    ins.reset();
+    ins.bind(1, v);
+    ins.run();
+  }
+  auto count = [&](const QString& v) {
+    Statement st(db_, QStringLiteral("SELECT count(*) FROM N WHERE V = ?"));
+    st.bind(1, v);
+    st.step();
+    return st.text(0).toInt();
+  };
+  // Trailing blanks, case and full/half width are one text for "=".
+  EXPECT_EQ(count(QStringLiteral("mori")), 2);
+  EXPECT_EQ(count(QStringLiteral("ガク")), 1);
+  EXPECT_EQ(count(QStringLiteral("mor")), 0);
+  EXPECT_EQ(count(QStringLiteral("")), 0);
+  // Ordering stays a total order: the index gives the same answer as a scan.
+  db_.exec(QStringLiteral("CREATE INDEX NI ON N (V)"));
+  EXPECT_EQ(count(QStringLiteral("MORI  ")), 2);
+}
+
+TEST_F(EngineTest, NullsReadAsBlanksAndWidthsCutAndPad) {
+  Statement st(db_, QStringLiteral("SELECT NULL AS A, 'abcdef' AS B, 'ab' AS C"));
+  ASSERT_TRUE(st.step());
+  EXPECT_TRUE(st.isNull("A"));
+  EXPECT_EQ(st.text("A"), QString());
+  EXPECT_EQ(st.fixed("A", 4), QStringLiteral("    "));
+  EXPECT_EQ(st.fixed("B", 4), QStringLiteral("abcd"));
+  EXPECT_EQ(st.fixed("C", 4), QStringLiteral("ab  "));
+  EXPECT_THROW(st.text("MISSING"), StoreError);
+}
+
+TEST_F(EngineTest, TransactionRollsBackUnlessCommitted) {
+  db_.exec(QStringLiteral("CREATE TABLE T (A TEXT)"));
+  {
+    Transaction tx(db_);
+    db_.exec(QStringLiteral("INSERT INTO T VALUES ('x')"));
+    EXPECT_TRUE(db_.inTransaction());
+  }
+  EXPECT_FALSE(db_.inTransaction());
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT count(*) FROM T")), QStringLiteral("0"));
+  {
+    Transaction tx(db_);
+    db_.exec(QStringLiteral("INSERT INTO T VALUES ('x')"));
+    tx.commit();
+  }
+  EXPECT_EQ(one(db_, QStringLiteral("SELECT count(*) FROM T")), QStringLiteral("1"));
+}
+
+}  // namespace

@@ -1,0 +1,255 @@
+// Users, groups, recorders and general items.
+#include "device.h"
+#include "store_fixture.h"
+
+namespace {
+
+UserInfo person(const QString& first, const QString& last = QString(), const QString& nick = QString()) {
+  UserInfo u;
+  u.GROUP_ID = kDefaultGroupId;
+  u.LOGIN_ID = QStringLiteral("login");
+  u.FIRST_NAME = first;
+  u.LAST_NAME = last;
+  u.NICK_NAME = nick;
+  u.GENDAR = QStringLiteral("1");
+  u.AGE = QStringLiteral("41");
+  u.HEIGHT_CM = QStringLiteral("158");
+  u.WEIGHT_KG = QStringLiteral("52.5");
+  u.TARGET_CAL = QStringLiteral("250");
+  u.TARGET_STEP = QStringLiteral("9000");
+  u.TARGET_ACTMIN = QStringLiteral("40");
+  return u;
+}
+
+QString rawColumn(VtDatabase& db, const QString& column, const QString& userId) {
+  Statement st(db, QStringLiteral("SELECT %1 FROM [USER] WHERE StrComp(USER_ID, ?, 0) = 0").arg(column));
+  st.bind(1, userId);
+  return st.step() ? st.text(0) : QStringLiteral("<none>");
+}
+
+TEST_F(StoreTest, JapaneseUserCodesInOrder) {
+  UserInfo a = person(QStringLiteral("森 花子"), QString(), QStringLiteral("0001"));
+  ASSERT_EQ(SetUser(db_, a), 0);
+  EXPECT_EQ(a.USER_ID, QStringLiteral("U000000001"));
+  // Stored padded to the widths, read back trimmed.
+  EXPECT_EQ(rawColumn(db_, QStringLiteral("FIRST_NAME"), a.USER_ID).size(), 20);
+  EXPECT_EQ(rawColumn(db_, QStringLiteral("HEIGHT_FEET"), a.USER_ID), QStringLiteral(" "));
+
+  UserInfo b = person(QString());
+  EXPECT_EQ(SetUser(db_, b), 13);
+  b = person(QStringLiteral("森 次郎"), QString(), QStringLiteral("   "));
+  EXPECT_EQ(SetUser(db_, b), 8) << "a nick of blanks is unusable, not missing";
+  b = person(QStringLiteral("森 次郎"), QString(), QStringLiteral("0001"));
+  EXPECT_EQ(SetUser(db_, b), 7);
+  // The identification number is compared exactly: a full-width form is another number.
+  b = person(QStringLiteral("森 次郎"), QString(), QStringLiteral("０００１"));
+  EXPECT_EQ(SetUser(db_, b), 0);
+  b = person(QStringLiteral("Instructor"));
+  EXPECT_EQ(SetUser(db_, b), 10);
+  // Same name and number outside the instructor group: the "=" comparison ignores case,
+  // width and trailing blanks.
+  b = person(QStringLiteral("森 花子  "), QString(), QStringLiteral("0002"));
+  EXPECT_EQ(SetUser(db_, b), 0);
+  b = person(QStringLiteral("森 花子"), QString(), QStringLiteral("0002"));
+  EXPECT_EQ(SetUser(db_, b), 7);
+  b = person(QStringLiteral("森 花子"));
+  EXPECT_EQ(SetUser(db_, b), 0) << "no nick: the name with an empty nick is not yet used";
+  b = person(QStringLiteral("森 花子"));
+  EXPECT_EQ(SetUser(db_, b), 9);
+  b.GROUP_ID = kInstructorGroupId;
+  EXPECT_EQ(SetUser(db_, b), 0) << "the instructor group is left out of the name test";
+}
+
+TEST_F(StoreTestEn, EnglishUserCodesInOrder) {
+  UserInfo a = person(QStringLiteral("Hana"), QStringLiteral("Mori"), QStringLiteral("hana"));
+  ASSERT_EQ(SetUser(db_, a), 0);
+  UserInfo b = person(QStringLiteral("Hana"));
+  EXPECT_EQ(SetUser(db_, b), 13);
+  b = person(QStringLiteral("Instructor"), QStringLiteral("Vantora"));
+  EXPECT_EQ(SetUser(db_, b), 10);
+  b = person(QStringLiteral("Jiro"), QStringLiteral("Mori"), QStringLiteral("  "));
+  EXPECT_EQ(SetUser(db_, b), 8);
+  b = person(QStringLiteral("Jiro"), QStringLiteral("Mori"), QStringLiteral("HANA"));
+  EXPECT_EQ(SetUser(db_, b), 7) << "plain = ignores case";
+  b = person(QStringLiteral("HANA"), QStringLiteral("mori"));
+  EXPECT_EQ(SetUser(db_, b), 9);
+  b.GROUP_ID = kInstructorGroupId;
+  b.NICK_NAME = QStringLiteral("hana");
+  EXPECT_EQ(SetUser(db_, b), 0) << "instructors skip the nick and name tests";
+
+  std::vector<UserInfo> users;
+  ASSERT_EQ(GetUserList(db_, kDefaultGroupId, users), 1);
+  EXPECT_EQ(users[0].DisplayName, QStringLiteral("hana"));
+}
+
+TEST_F(StoreTestEn, ProhibitedCharactersGive18) {
+  inst_.setConfig(QStringLiteral("PROHIBIT_FILENAME"), QStringLiteral("STRING_1"), QStringLiteral("/"));
+  UserInfo b = person(QStringLiteral("Ha/na"), QStringLiteral("Mori"));
+  EXPECT_EQ(SetUser(db_, b), 18);
+}
+
+TEST_F(StoreTest, EditingFindsTheUserHimselfNoConflict) {
+  UserInfo a = person(QStringLiteral("森 花子"), QString(), QStringLiteral("0001"));
+  ASSERT_EQ(SetUser(db_, a), 0);
+  UserInfo b = person(QStringLiteral("森 次郎"), QString(), QStringLiteral("0002"));
+  ASSERT_EQ(SetUser(db_, b), 0);
+  db_.exec(QStringLiteral("UPDATE [USER] SET LAST_RECEIVE_ID = 'R000000007', HEIGHT_FEET = '5' "
+                          "WHERE USER_ID = 'U000000001'"));
+
+  UserInfo edit = a;
+  edit.COMMENT = QStringLiteral("walks daily");
+  edit.AGE.clear();  // empty: kept
+  edit.TARGET_CAL.clear();  // always replaced, even when empty
+  EXPECT_EQ(EditUser(db_, edit), 0);
+  UserInfo back;
+  ASSERT_TRUE(GetUserInfo(db_, back, a.USER_ID));
+  EXPECT_EQ(back.COMMENT, QStringLiteral("walks daily"));
+  EXPECT_EQ(back.AGE, QStringLiteral("41"));
+  EXPECT_EQ(back.TARGET_CAL, QString());
+  EXPECT_EQ(rawColumn(db_, QStringLiteral("LAST_RECEIVE_ID"), a.USER_ID), QStringLiteral("R000000007"));
+  EXPECT_EQ(rawColumn(db_, QStringLiteral("HEIGHT_FEET"), a.USER_ID), QStringLiteral("5"));
+
+  edit.NICK_NAME = QStringLiteral("0002");
+  EXPECT_EQ(EditUser(db_, edit), 7);
+  edit = b;
+  edit.FIRST_NAME = QStringLiteral("森 花子");
+  edit.NICK_NAME = QStringLiteral("0001 ");
+  EXPECT_EQ(EditUser(db_, edit), 7);
+
+  UserInfo ghost = person(QStringLiteral("誰か"));
+  ghost.USER_ID = QStringLiteral("U000000099");
+  EXPECT_EQ(EditUser(db_, ghost), 12);
+  EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("EditUser"), QStringLiteral("VTDB_ChangeUserInfo Error")));
+}
+
+TEST_F(StoreTest, LoginIdsAreComparedExactly) {
+  UserInfo a = person(QStringLiteral("森 花子"));
+  a.LOGIN_ID = QStringLiteral("AB");
+  ASSERT_EQ(SetUser(db_, a), 0);
+  EXPECT_EQ(VTDB_SearchUserIdFromLoginID(db_, QStringLiteral("ab")), QString());
+  EXPECT_EQ(VTDB_SearchUserIdFromLoginID(db_, QStringLiteral("AB")), a.USER_ID);
+  EXPECT_EQ(VTDB_SearchUserIdFromNickName(db_, QStringLiteral("x")), QString());
+  EXPECT_EQ(messages(), 0u);
+}
+
+TEST_F(StoreTest, LineBreaksBecomeBlanksAndLongNamesAreCut) {
+  UserInfo a = person(QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZ"));
+  a.COMMENT = QStringLiteral("one\r\ntwo\nthree");
+  ASSERT_EQ(SetUser(db_, a), 0);
+  UserInfo back;
+  ASSERT_TRUE(GetUserInfo(db_, back, a.USER_ID));
+  EXPECT_EQ(back.FIRST_NAME, QStringLiteral("ABCDEFGHIJKLMNOPQRST"));
+  EXPECT_EQ(back.COMMENT, QStringLiteral("one  two three"));
+}
+
+TEST_F(StoreTest, GroupsAndRecorders) {
+  GroupRecord g;
+  EXPECT_TRUE(VTDB_GetGroupInfoFromId(db_, QStringLiteral("G123456789"), g));
+  EXPECT_TRUE(g.GROUP_ID.isEmpty());
+  std::vector<GroupInfo> groups;
+  EXPECT_EQ(GetGroupList(db_, groups), 2);
+
+  UserInfo a = person(QStringLiteral("森 花子"));
+  ASSERT_EQ(SetUser(db_, a), 0);
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(db_, QStringLiteral("A1B2C3")), QString());
+  UserInfo none;
+  EXPECT_TRUE(GetUserInfoFromCPUNo(db_, none, QStringLiteral("A1B2C3")));
+  EXPECT_TRUE(none.USER_ID.isEmpty());
+  bool found = true;
+  ASSERT_TRUE(VTDB_ChangeUserIdOnCPUNo(db_, QStringLiteral("A1B2C3"), a.USER_ID, &found));
+  EXPECT_FALSE(found);
+  ASSERT_TRUE(VTDB_SetUserIdOnCPUNo(db_, QStringLiteral("A1B2C3"), a.USER_ID));
+  ASSERT_TRUE(VTDB_ChangeUserIdOnCPUNo(db_, QStringLiteral("A1B2C3"), QStringLiteral("U999999999"), &found));
+  EXPECT_TRUE(found);
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(db_, QStringLiteral("A1B2C3")), QStringLiteral("U999999999"));
+}
+
+TEST_F(StoreTest, DeletingAUserLeavesHistoryPlanAndSecondRecorder) {
+  UserInfo a = person(QStringLiteral("森 花子"));
+  ASSERT_EQ(SetUser(db_, a), 0);
+  ASSERT_TRUE(VTDB_SetUserIdOnCPUNo(db_, QStringLiteral("CPU001"), a.USER_ID));
+  ASSERT_TRUE(VTDB_SetUserIdOnCPUNo(db_, QStringLiteral("CPU002"), a.USER_ID));
+  EXPECT_EQ(SetGeneralData(db_, a.USER_ID, QStringLiteral("2024"), QStringLiteral("05"), QStringLiteral("01"),
+                           QStringLiteral("IT007"), QStringLiteral("IT007001"), QStringLiteral("3")),
+            0);
+  FlashManage m;
+  ASSERT_TRUE(VTDB_SetReceiveHistory(db_, QStringLiteral("R000000001"), QStringLiteral("20240501120000"),
+                                     QString(), m));
+  CsvRow row;
+  row.MEASUREMENT_DAY = row.RAW_MEASUREMENT_DAY = QStringLiteral("20240430");
+  row.STEP_COUNT = QStringLiteral("5000");
+  ASSERT_TRUE(VTDB_SetDayMeasurementForCSV(db_, QStringLiteral("R000000001"), 1, a, row));
+  ASSERT_TRUE(VTDB_SetTimeMeasurementBlockForCSV(db_, QStringLiteral("R000000001"), 1, a, row));
+  ASSERT_TRUE(VTDB_SetReceiveHistoryDate(db_, QStringLiteral("R000000001"), QStringLiteral("20240430"), a.USER_ID,
+                                         QStringLiteral("20240501120000"), QStringLiteral("1")));
+
+  EXPECT_EQ(DeleteUser(db_, a.USER_ID, false), 2);
+  UserInfo still;
+  EXPECT_TRUE(GetUserInfo(db_, still, a.USER_ID));
+  EXPECT_EQ(DeleteUser(db_, a.USER_ID, true), 0);
+
+  auto count = [&](const char* table) {
+    Statement st(db_, QStringLiteral("SELECT count(*) FROM [%1]").arg(QLatin1String(table)));
+    st.step();
+    return st.text(0).toInt();
+  };
+  EXPECT_EQ(count("DAY_MEASUREMENT"), 0);
+  EXPECT_EQ(count("TIME_MEASUREMENT_BLOCK"), 0);
+  EXPECT_EQ(count("RECEIVE_HISTORY_DATE"), 0);
+  EXPECT_EQ(count("RECEIVE_HISTORY"), 1);
+  EXPECT_EQ(count("GENERAL_DATA"), 1);
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(db_, QStringLiteral("CPU001")), QString());
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(db_, QStringLiteral("CPU002")), a.USER_ID) << "the dead assignment stays";
+  UserRecord gone;
+  EXPECT_FALSE(VTDB_GetUserInfoFromUserId(db_, a.USER_ID, gone));
+}
+
+TEST_F(StoreTest, WeightPlanIsReplacedAndReadBack) {
+  WeightPlanRecord plan;
+  plan.UserId = QStringLiteral("U000000001");
+  plan.PeriodIndex = QStringLiteral("3");
+  plan.StartDate = QStringLiteral("20240501");
+  plan.EndDate = QStringLiteral("20240801");
+  plan.TargetWeight = QStringLiteral("55.0");
+  plan.DietOption = QStringLiteral("True");
+  plan.FoodIndex = QStringLiteral("2");
+  plan.StartWeight = QStringLiteral("60.0");
+  plan.PoundFlag = QStringLiteral("0");
+  ASSERT_TRUE(SetWeightPlan(db_, plan));
+  plan.TargetWeight = QStringLiteral("54.0");
+  ASSERT_TRUE(SetWeightPlan(db_, plan));
+
+  std::vector<GeneralInfo> rows;
+  ASSERT_EQ(GetGeneralData(db_, rows, QStringLiteral("IT007"), plan.UserId, QString(), QString(), QString(),
+                           QString()),
+            14);
+  EXPECT_EQ(rows[3].SUB_ITEM, QStringLiteral("IT007004"));
+  EXPECT_EQ(rows[9].VALUE, QStringLiteral("54.0"));
+  WeightPlanRecord back;
+  ASSERT_TRUE(GetWeightPlan(db_, back, plan.UserId));
+  EXPECT_EQ(back.TargetWeight, QStringLiteral("54.0"));
+  EXPECT_EQ(back.FoodIndex, QStringLiteral("2"));
+  EXPECT_EQ(back.PortionIndex, QString());
+  EXPECT_EQ(back.EndDate, QStringLiteral("20240801"));
+}
+
+TEST_F(StoreTest, GeneralDataFiltersNestAndTheSubItemNarrowsNothing) {
+  const QString u = QStringLiteral("U000000001");
+  for (const char* d : {"01", "02"})
+    for (const char* s : {"IT007001", "IT007002"})
+      ASSERT_EQ(SetGeneralData(db_, u, QStringLiteral("2024"), QStringLiteral("05"), QLatin1String(d),
+                               QStringLiteral("IT007"), QLatin1String(s), QStringLiteral("v")),
+                0);
+  std::vector<GeneralInfo> rows;
+  EXPECT_EQ(GetGeneralData(db_, rows, QStringLiteral("IT007"), u, QStringLiteral("2024"), QString(),
+                           QStringLiteral("01"), QString()),
+            4) << "a day without a month narrows nothing";
+  EXPECT_EQ(GetGeneralData(db_, rows, QStringLiteral("IT007"), u, QStringLiteral("2024"), QStringLiteral("05"),
+                           QStringLiteral("01"), QStringLiteral("IT007001")),
+            2);
+  ASSERT_TRUE(VTDB_DeleteGeneralData(db_, u, QStringLiteral("IT007"), QStringLiteral("2024"),
+                                     QStringLiteral("05"), QStringLiteral("02"), QStringLiteral("IT007002")));
+  EXPECT_EQ(GetGeneralData(db_, rows, QStringLiteral("IT007"), u, QString(), QString(), QString(), QString()), 3);
+}
+
+}  // namespace
