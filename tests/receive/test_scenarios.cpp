@@ -13,8 +13,14 @@ TEST_F(Scenario, FirstReceiveOfANewRecorderRegistersAUserAndStoresEveryDay) {
   ScriptedQuestions q;
   q.newCpu = {Answer::CreateUser};
   q.registered = {id};
+  for (const char* key : {"MANAGEMENT_RECEIVING", "CURRENTPAGE_RECEIVING", "STARTPAGE_RECEIVING"})
+    inst->setResource(kSectionRecvManagement, QLatin1String(key), QStringLiteral("m:") + QLatin1String(key));
+  inst->setResource(kSectionRecvData, QStringLiteral("DATA_RECEIVING"), QStringLiteral("d:DATA_RECEIVING"));
   CountingProgress progress;
   const ReceiveReport r = receive(q, &progress);
+  EXPECT_EQ(progress.statuses,
+            (QStringList{"m:MANAGEMENT_RECEIVING", "m:CURRENTPAGE_RECEIVING", "m:STARTPAGE_RECEIVING",
+                         "d:DATA_RECEIVING"}));
 
   ASSERT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
   EXPECT_EQ(r.dialogs, (QStringList{QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("frmUserRegist")}));
