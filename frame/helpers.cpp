@@ -8,6 +8,7 @@
 #include <QRandomGenerator>
 
 #include <cmath>
+#include <cstdint>
 #include <stdexcept>
 #include <utility>
 

@@ -5,6 +5,7 @@
 #include <QSaveFile>
 #include <QStringDecoder>
 
+#include <cstdint>
 #include <optional>
 
 namespace {

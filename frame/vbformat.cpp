@@ -156,6 +156,8 @@ QString Format(double value, const QString& format) {
   while (static_cast<int>(frac.size()) > minPlaces && frac.back() == '0') frac.pop_back();
 
   QString out;
+  // A negative value keeps its sign even when it shows as zero ("-0.0"), as the old
+  // runtime's Format did.
   if (d.negative) out += u'-';
   out += QString::fromLatin1(intPart);
   if (dot >= 0) out += u'.' + QString::fromLatin1(frac);

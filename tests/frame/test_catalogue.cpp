@@ -145,8 +145,16 @@ TEST_F(Catalogue, InstalledCataloguesHaveEveryCode) {
   for (const char* lang : {"ja", "en"}) {
     TestInstallation edition(QString::fromLatin1(lang));
     ASSERT_TRUE(edition.isValid());
-    for (const char* code : {"TITL-I-0001", "PTOP-C-0001", "COMN-C-0002", "USEL-I-0004", "DDWN-W-0001"}) {
-      EXPECT_TRUE(FindMessage(QString::fromLatin1(code))) << lang << " " << code;
+    const auto title = FindMessage("TITL-I-0001");
+    ASSERT_TRUE(title) << lang;
+    EXPECT_FALSE(title->text1.isEmpty());
+    for (const QString& code : TestInstallation::messageCodes()) {
+      const auto rec = FindMessage(code);
+      ASSERT_TRUE(rec) << lang << " " << code.toStdString();
+      EXPECT_FALSE(rec->text1.isEmpty()) << lang << " " << code.toStdString();
+      // The class letter is for the reader of the file; it should still agree with the level.
+      const int expected = code[5] == u'C' ? 2 : code[5] == u'W' ? 1 : 0;
+      EXPECT_EQ(rec->level, expected) << lang << " " << code.toStdString();
     }
   }
 }

@@ -218,3 +218,9 @@ QString TestInstallation::traceText() const {
   if (!f.open(QIODevice::ReadOnly)) return QString();
   return QString::fromUtf8(f.readAll());
 }
+
+QStringList TestInstallation::messageCodes() {
+  QStringList codes;
+  for (const char* code : kCodes) codes << QLatin1String(code);
+  return codes;
+}

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <ostream>
@@ -49,6 +50,9 @@ class TestInstallation {
   QString traceText() const;
 
   RecordingDialog& dialog() { return dialog_; }
+
+  // Every message code the program uses (TITL-I-0001 not included).
+  static QStringList messageCodes();
 
  private:
   bool setUp(const QString& lang);
