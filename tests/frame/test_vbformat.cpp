@@ -34,6 +34,7 @@ TEST(Format, RoundsTheDecimalFormNotTheBinaryValue) {
 TEST(Format, DigitPlaceholders) {
   EXPECT_EQ(F(0, "#0.0"), "0.0");
   EXPECT_EQ(F(0.04, "#0.0"), "0.0");
+  EXPECT_EQ(F(-0.04, "#0.0"), "-0.0");  // the sign stays, as it always did
   EXPECT_EQ(F(12345.678, "###0"), "12346");
   EXPECT_EQ(F(7, "#0.00"), "7.00");
   EXPECT_EQ(F(42, "000000000"), "000000042");
