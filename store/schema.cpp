@@ -1,5 +1,6 @@
 #include "schema.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 
@@ -190,6 +191,10 @@ bool CreateDatabaseFile(const QString& path, const QString& password, QString* e
     return true;
   } catch (const StoreError& e) {
     if (error) *error = e.text();
+    // A half-made file would be refused by the next attempt; it holds nothing yet.
+    QFile::remove(path);
+    QFile::remove(path + QStringLiteral("-wal"));
+    QFile::remove(path + QStringLiteral("-shm"));
     return false;
   }
 }
