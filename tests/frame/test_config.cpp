@@ -160,3 +160,19 @@ TEST(ConfigUnloaded, ReadsEmptyBeforeTheFileIsFound) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(Installation, EditionAndReload) {
+  TestInstallation en("en");
+  ASSERT_TRUE(en.isValid());
+  EXPECT_TRUE(IsEnglishEdition());
+  EXPECT_EQ(GetLogLevel(), "0");
+  en.setConfig("SYSTEM", "LANG", "0");
+  en.setConfig("SYSTEM", "LOG_LEVEL", "2");
+  ASSERT_TRUE(en.reload());
+  EXPECT_FALSE(IsEnglishEdition());
+  EXPECT_EQ(GetLogLevel(), "2");
+}
+
+}  // namespace

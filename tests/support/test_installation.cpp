@@ -187,6 +187,10 @@ bool TestInstallation::setUp(const QString& lang) {
                          "");
   if (!ok || !QDir::setCurrent(binPath())) return false;
 
+  return reload();
+}
+
+bool TestInstallation::reload() {
   ResetSharedValues();
   if (!Ini_LoadConfig() || !LoadResource()) return false;
   LoadMenuResource();

@@ -1,7 +1,8 @@
 // A complete, throw-away installation for tests: bin/ (the working directory while the
 // object lives), conf/config.cnf with every key, the catalogue files, data/mdb/, temp/,
 // log/, raw/ and reader/. The frame is loaded as at start-up, and every dialog is
-// recorded instead of shown.
+// recorded instead of shown. The working directory and the shared values belong to the
+// whole process, so use one installation at a time.
 #pragma once
 
 #include <QString>
@@ -40,6 +41,9 @@ class TestInstallation {
 
   // Writes one key of config.cnf (the section and key are created when missing).
   void setConfig(const QString& section, const QString& key, const QString& value);
+  // Loads configuration, catalogues, LangCode and LogLevel again, as a fresh start does
+  // (after setConfig of LANG or LOG_LEVEL, for instance). False when loading fails.
+  bool reload();
   // Writes one key of the resource profile file.
   void setResource(const QString& section, const QString& key, const QString& value);
   // Replaces ACTA.res / menu.res in bin/ and loads them again.
