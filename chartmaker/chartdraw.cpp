@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "chartmaker.h"
@@ -362,24 +363,21 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
   targetPen.setCapStyle(Qt::FlatCap);
   p.setPen(targetPen);
   p.setBrush(Qt::NoBrush);
-  std::optional<double> lastTarget;
-  double lastTargetX = 0;
+  bool hadTarget = false;
+  double previous = 0;
   for (int i = 0; i < n; ++i) {
     const auto& t = c.slots[static_cast<size_t>(i)].target;
     const double l = plot.left() + sw * i, r = l + sw;
     if (t) {
-      if (lastTarget && *lastTarget != *t) p.drawLine(QPointF(l, yOf(*lastTarget)), QPointF(l, yOf(*t)));
+      if (hadTarget && previous != *t) p.drawLine(QPointF(l, yOf(previous)), QPointF(l, yOf(*t)));
       p.drawLine(QPointF(l, yOf(*t)), QPointF(r, yOf(*t)));
-      lastTarget = t;
-      lastTargetX = r;
-    } else {
-      lastTarget.reset();
+      previous = *t;
     }
+    hadTarget = t.has_value();
   }
   for (int i = n - 1; i >= 0; --i) {
     const auto& t = c.slots[static_cast<size_t>(i)].target;
     if (!t) continue;
-    (void)lastTargetX;
     DrawPlate(x, QPointF(plot.right(), yOf(*t) - x.b * 0.15), Qt::AlignRight,
               c.targetText.isEmpty() ? x.t("TARGET") : c.targetText, x.font(0.8, true), x.c("TARGET"));
     break;
@@ -1135,9 +1133,7 @@ void DrawValueTable(Ctx& x, const QRectF& area, const ChartDocument& doc) {
   const double rowH = maxRowH * scale;
   const int shown = std::min<int>(static_cast<int>(rows.size()), static_cast<int>(area.height() / rowH) - 1);
   const QFont hf = x.font(0.72 * std::max(scale, 0.75), true), cf = x.font(0.8 * std::max(scale, 0.7));
-  std::vector<double> widths(static_cast<size_t>(cols), 1.0);
-  widths[0] = 1.8;
-  widths[7] = 1.1;
+  const std::array<double, 8> widths = {1.8, 1, 1, 1, 1, 1, 1, 1.1};
   double total = 0;
   for (double w : widths) total += w;
   double y = area.top();
