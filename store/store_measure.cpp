@@ -455,8 +455,11 @@ bool VTDB_GetDayMeasurementReceiveIdFromUserID(VtDatabase& db, const QString& us
 
 QString VTDB_GetMeasurementDayFromPage(VtDatabase& db, const QString& page, const QString& userId) {
   return Guarded(db, "VTDB_GetMeasurementDayFromPage", QString(), [&] {
+    // The newest reception of a page number tells what the ring held there last time. Once the ring
+    // has gone round, the oldest row of that page is a day of an earlier round, and comparing with it
+    // would make every receive of a long-worn recorder look like a reset.
     Statement st(db, QStringLiteral("SELECT RAW_MEASUREMENT_DAY FROM [DAY_MEASUREMENT] WHERE PAGE = ? AND "
-                                    "USER_ID = ? ORDER BY RECEIVE_ID"));
+                                    "USER_ID = ? ORDER BY RECEIVE_ID DESC LIMIT 1"));
     st.bind(1, page).bind(2, userId);
     return st.step() ? st.text(0) : QString();
   });

@@ -246,7 +246,9 @@ TEST_F(DayStore, NewestRowOfADayAcrossReceptionsAndSequenceNumbers) {
   EXPECT_EQ(before, QString());
   EXPECT_TRUE(VTDB_IsReferenceDate(db_, kUser, QStringLiteral("20240507")));
   EXPECT_FALSE(VTDB_IsReferenceDate(db_, kUser, QStringLiteral("20240508")));
-  EXPECT_EQ(VTDB_GetMeasurementDayFromPage(db_, QStringLiteral("1"), kUser), QStringLiteral("20240505"));
+  // Page 1 was received twice, with another day each time: the newest reception tells what
+  // the ring held there last.
+  EXPECT_EQ(VTDB_GetMeasurementDayFromPage(db_, QStringLiteral("1"), kUser), QStringLiteral("20240506"));
 }
 
 TEST_F(DayStore, ModerateIsBuiltFromTheLevelRange) {
