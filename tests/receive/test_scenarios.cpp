@@ -1,6 +1,7 @@
 // Whole receives of generated recorders through the emulated reader, with no waits.
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 
 #include "receive_fixture.h"
 
@@ -114,6 +115,26 @@ TEST_F(Scenario, AWrappedRingIsFetchedAcrossItsEnd) {
   ASSERT_EQ(r.ending, ReceiveEnding::Received);
   EXPECT_EQ(r.startPage, 4);
   EXPECT_EQ(r.pagesFetched, 3);
+}
+
+TEST_F(Scenario, ARingThatWentRoundTwiceIsStillNoReset) {
+  // A recorder worn for well over a year and received now and then: page numbers are reused,
+  // and the start page's day must be compared with the newest reception of that page.
+  const QDate firstDay(2023, 1, 1);
+  auto worn = [&](int daysWorn) {
+    RecorderImageOptions o = recorder(std::min(daysWorn, 239), firstDay.addDays(daysWorn - 1));
+    o.startPage = daysWorn <= 239 ? 1 : (daysWorn - 239) % 240 + 1;
+    return o;
+  };
+  firstReceive(worn(200));
+  for (int daysWorn : {239, 339, 480, 520}) {
+    place(worn(daysWorn));
+    ScriptedQuestions q;
+    const ReceiveReport r = receive(q);
+    ASSERT_EQ(r.ending, ReceiveEnding::Received) << daysWorn;
+    EXPECT_TRUE(q.asked.isEmpty()) << "no reset question after " << daysWorn << " days";
+  }
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(DISTINCT MEASUREMENT_DAY) FROM DAY_MEASUREMENT")), 520);
 }
 
 TEST_F(Scenario, MemoryLockStopsAtTheRecordersEndPage) {
