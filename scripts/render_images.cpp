@@ -12,6 +12,10 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QSvgRenderer>
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPdfWriter>
+#include <QTextDocument>
 #include <QTextStream>
 
 #include <cstdio>
@@ -260,12 +264,33 @@ void receivingAnimation() {
   writeGif(frames, palette, 15, "receiving.gif");
 }
 
+// The manuals as PDF, laid out from the HTML pages of each edition's help folder.
+void helpPdf(const QString& html, const QString& pdf, const QString& font) {
+  QFile f(html);
+  if (!f.open(QIODevice::ReadOnly)) {
+    std::fprintf(stderr, "cannot read %s\n", qPrintable(html));
+    std::exit(1);
+  }
+  QTextDocument doc;
+  doc.setDefaultFont(QFont(font, 11));
+  doc.setDefaultStyleSheet(QStringLiteral(
+      "h1 { color: #2b7a78; font-size: 20pt; } h2 { color: #2b7a78; font-size: 14pt; }"
+      "code { font-family: monospace; }"));
+  doc.setHtml(QString::fromUtf8(f.readAll()));
+  QPdfWriter writer(pdf);
+  writer.setPageSize(QPageSize(QPageSize::A4));
+  writer.setPageMargins(QMarginsF(20, 20, 20, 20), QPageLayout::Millimeter);
+  writer.setTitle(doc.metaInformation(QTextDocument::DocumentTitle));
+  writer.setCreator(QStringLiteral("Vantora"));
+  doc.print(&writer);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   QGuiApplication app(argc, argv);
-  if (argc != 3) {
-    std::fprintf(stderr, "usage: render_images SVG_DIR OUT_DIR\n");
+  if (argc != 3 && argc != 4) {
+    std::fprintf(stderr, "usage: render_images SVG_DIR OUT_DIR [DIST_DIR]\n");
     return 2;
   }
   gIn = QString::fromLocal8Bit(argv[1]);
@@ -292,6 +317,15 @@ int main(int argc, char** argv) {
   panes("xga", 1024, 768);
   panes("sxga", 1280, 1024);
   receivingAnimation();
+  if (argc == 4) {
+    const QString dist = QString::fromLocal8Bit(argv[3]);
+    for (const char* ed : {"ja", "en"}) {
+      const QString help = dist + "/" + ed + "/help/";
+      const QString font = QString::fromLatin1(ed) == "ja" ? "Noto Sans CJK JP" : "DejaVu Sans";
+      helpPdf(help + "manual_" + ed + ".html", help + "manual_" + ed + ".pdf", font);
+      helpPdf(help + "ERROR_DB.html", help + "ERROR_DB.pdf", font);
+    }
+  }
   QTextStream(stdout) << "pictures written to " << gOut << "\n";
   return 0;
 }

@@ -19,6 +19,12 @@ for ed in ja en; do
            conf/pmmets.ini images/usericon_1.png images/splash.png images/form_icon.png; do
     [ -s "$prefix/$f" ] || [ "$f" = conf/chart.ini -a -f "$prefix/$f" ] || fail "$ed: $f missing"
   done
+  # The manuals that the configuration and the start-up name are there.
+  for key in PDFHELP_NAME HEALTY_DIARY_ADDRESS; do
+    rel="$(sed -n "s/^$key=//p" "$prefix/conf/config.cnf")"
+    [ -s "$prefix/bin/$rel" ] || fail "$ed: $key names a missing file ($rel)"
+  done
+  [ -s "$prefix/help/ERROR_DB.pdf" ] || fail "$ed: help/ERROR_DB.pdf missing"
   grep -q "^LANG=$([ $ed = ja ] && echo 0 || echo 1)\$" "$prefix/conf/config.cnf" || fail "$ed: LANG"
   # The launcher changes into bin/ whatever the caller's directory is.
   (cd / && "$prefix/bin/vantora-cli" version) | grep -q '^vantora-cli ' || fail "$ed: cli launcher"
