@@ -1,6 +1,7 @@
 #include "frmTerminal.h"
 
 #include <QAction>
+#include <QCloseEvent>
 #include <QIcon>
 #include <QMenuBar>
 #include <QPalette>
@@ -37,6 +38,11 @@ frmTerminal::frmTerminal(QWidget* parent) : QMainWindow(parent) {
   buildMenus();
   buildWelcome();
   applyCommonLook();
+}
+
+void frmTerminal::closeEvent(QCloseEvent* event) {
+  WriteTrace(QStringLiteral("0"), objectName(), QStringLiteral("Form_Unload Start"));
+  QMainWindow::closeEvent(event);
 }
 
 void frmTerminal::buildMenus() {

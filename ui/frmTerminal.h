@@ -36,6 +36,9 @@ class frmTerminal : public QMainWindow {
 
   QLabel* lblWelcome = nullptr;
 
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
  private:
   void buildMenus();
   void buildWelcome();
