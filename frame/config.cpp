@@ -151,7 +151,12 @@ bool Ini_GetDownloadDataRange() { return flagZero(kDownload, "DOWNLOAD_DATA_RANG
 QString Ini_GetDefaultDataRange() { return read(kReport, "DEFAULT_DATA_RANGE"); }
 bool Ini_GetExcludeStartingDay() { return notZero(kReport, "EDFA_STARTING_DAY"); }
 bool Ini_GetExcludeEndingDay() { return notZero(kReport, "EDFA_ENDING_DAY"); }
-QString Ini_GetExcludeLowStepCount() { return read(kReport, "EDFA_LOW_STEP_COUNT"); }
+// A file without the key excludes days of 50 steps or fewer; a key written empty turns the
+// low-step rule off (the chart step reads an empty threshold so).
+QString Ini_GetExcludeLowStepCount() {
+  return ReadIniString(GetConfigPath(), kReport, QStringLiteral("EDFA_LOW_STEP_COUNT"),
+                       QStringLiteral("50"));
+}
 void Ini_GetExcludeSettings(bool& startingDay, bool& endingDay, QString& lowStepCount) {
   startingDay = Ini_GetExcludeStartingDay();
   endingDay = Ini_GetExcludeEndingDay();

@@ -89,7 +89,7 @@ bool Ini_GetDownloadDataRange();
 QString Ini_GetDefaultDataRange();
 bool Ini_GetExcludeStartingDay();
 bool Ini_GetExcludeEndingDay();
-QString Ini_GetExcludeLowStepCount();  // the text as it stands; "" when missing
+QString Ini_GetExcludeLowStepCount();  // the text as it stands; "50" when the key is missing
 void Ini_GetExcludeSettings(bool& startingDay, bool& endingDay, QString& lowStepCount);
 // MAX_STEP, MAX_ACT_MIN, MAX_TOTAL_CAL, MAX_AVE_ACT_MIN, MAX_AVE_ACT_MIN.
 std::array<QString, 5> Ini_GetMaxValues();

@@ -129,6 +129,13 @@ QString ReadIniString(const QString& file, const QString& section, const QString
   return findValue(text, section, key).value_or(QString());
 }
 
+QString ReadIniString(const QString& file, const QString& section, const QString& key,
+                      const QString& defaultValue) {
+  const QString text = readProfileText(file);
+  if (text.isEmpty()) return defaultValue;
+  return findValue(text, section, key).value_or(defaultValue);
+}
+
 QString ReadIniInt(const QString& file, const QString& section, const QString& key) {
   const QString value = ReadIniString(file, section, key);
   QStringView v(value);

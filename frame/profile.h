@@ -8,6 +8,10 @@
 #include <QString>
 
 QString ReadIniString(const QString& file, const QString& section, const QString& key);
+// Same, with the text given back when the key (or the file) is missing altogether; a key
+// that stands in the file with an empty value reads as empty.
+QString ReadIniString(const QString& file, const QString& section, const QString& key,
+                      const QString& defaultValue);
 // The whole-number reading of the value as decimal text: leading blanks skipped, an
 // optional sign, then digits; a missing key or a value that does not start so gives "0".
 QString ReadIniInt(const QString& file, const QString& section, const QString& key);

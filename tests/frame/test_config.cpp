@@ -74,6 +74,28 @@ TEST_F(Config, FlagTypes) {
   EXPECT_FALSE(Ini_GetPmAl());
 }
 
+TEST_F(Config, LowStepCountDefaultsOnlyWhenTheKeyIsMissing) {
+  QFile f(inst.configFile());
+  ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+  QByteArray text = f.readAll();
+  f.close();
+  ASSERT_TRUE(text.contains("EDFA_LOW_STEP_COUNT=50\n"));
+  text.replace("EDFA_LOW_STEP_COUNT=50\n", "");
+  ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+  f.write(text);
+  f.close();
+
+  bool starting = false, ending = false;
+  QString low;
+  Ini_GetExcludeSettings(starting, ending, low);
+  EXPECT_EQ(low, "50");
+  // Written empty, the value stands as it is: the chart step reads that as "rule off".
+  inst.setConfig("REPORT", "EDFA_LOW_STEP_COUNT", "");
+  EXPECT_EQ(Ini_GetExcludeLowStepCount(), "");
+  inst.setConfig("REPORT", "EDFA_LOW_STEP_COUNT", "0");
+  EXPECT_EQ(Ini_GetExcludeLowStepCount(), "0");
+}
+
 TEST_F(Config, IntKeysAndDefaults) {
   EXPECT_EQ(Ini_GetLang(), 0);
   inst.setConfig("SYSTEM", "LANG", "1x");

@@ -50,11 +50,16 @@ TEST_F(Profile, ValueIsCutAt255AndAtNul) {
   EXPECT_EQ(read("S", "NUL"), "ab");
   EXPECT_EQ(read("S", "Q"), "  spaced  ");
   EXPECT_EQ(read("S", "E"), "");
+  // A default stands in only for a key that is not there at all.
+  EXPECT_EQ(ReadIniString(file, "S", "E", "d"), "");
+  EXPECT_EQ(ReadIniString(file, "S", "MISSING", "d"), "d");
+  EXPECT_EQ(ReadIniString(file, "S", "NUL", "d"), "ab");
 }
 
 TEST_F(Profile, MissingFileOrEmptyPathReadsEmpty) {
   EXPECT_EQ(read("S", "K"), "");
   EXPECT_EQ(ReadIniString(QString(), "S", "K"), "");
+  EXPECT_EQ(ReadIniString(file, "S", "K", "d"), "d");
   EXPECT_EQ(ReadIniInt(file, "S", "K"), "0");
   EXPECT_FALSE(FileExists(file));
   EXPECT_FALSE(FileExists(QString()));
