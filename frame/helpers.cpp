@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QLocale>
 #include <QRandomGenerator>
+#include <QStorageInfo>
 
 #include <cmath>
 #include <cstdint>
@@ -356,6 +357,19 @@ QString GetAbsolutePath(const QString& path) {
   QString full = QDir::cleanPath(QDir::current().absoluteFilePath(path));
   if (full.size() > 1 && full.endsWith(u'/')) full.chop(1);
   return full;
+}
+
+bool CheckFreeDiskSpace(const QString& path, std::int32_t minimumGigabytes, QString& drive) {
+  // The database file may not exist yet: the volume is that of its nearest existing folder.
+  QFileInfo probe(GetAbsolutePathName(path));
+  while (!probe.exists() && !probe.isRoot()) probe.setFile(probe.absolutePath());
+  const QStorageInfo volume(probe.absoluteFilePath());
+  drive = volume.rootPath();
+  if (!drive.endsWith(u'/')) drive += u'/';
+  if (!volume.isValid()) return false;
+  const double bytes = static_cast<double>(volume.bytesAvailable());
+  const double gigabytes = std::trunc(bytes / 1024.0 / 1024.0 / 1024.0);
+  return gigabytes >= minimumGigabytes;
 }
 
 QString JoinPath(const QString& folder, const QString& name) {

@@ -70,5 +70,9 @@ QString MakeTempFileName(const QString& folder, const QString& prefix);
 QString GetAbsolutePathName(const QString& path);
 // Full path without a trailing separator; empty when it cannot be made.
 QString GetAbsolutePath(const QString& path);
+// Free space for the start-up check: true when the space available to this user on the
+// volume that holds path (made absolute; the file itself need not exist) is at least
+// minimumGigabytes whole GiB. drive receives the volume's mount point with a trailing "/".
+bool CheckFreeDiskSpace(const QString& path, std::int32_t minimumGigabytes, QString& drive);
 // Joins a folder and a file name with one "/".
 QString JoinPath(const QString& folder, const QString& name);

@@ -82,6 +82,13 @@ TEST(Paths, TempNamesFoldersAndJoins) {
   EXPECT_EQ(JoinPath(QStringLiteral("../temp"), QStringLiteral("a.txt")), "../temp/a.txt");
   EXPECT_EQ(JoinPath(QString(), QStringLiteral("a.txt")), "a.txt");
 
+  // The database need not exist for the free-space check; its volume is tested.
+  QString drive;
+  EXPECT_TRUE(CheckFreeDiskSpace(QStringLiteral("../data/mdb/none/ACTA.db"), 0, drive));
+  EXPECT_TRUE(drive.endsWith(u'/'));
+  EXPECT_TRUE(inst.root().startsWith(drive.chopped(1))) << drive.toStdString();
+  EXPECT_FALSE(CheckFreeDiskSpace(QStringLiteral("../data/mdb/ACTA.db"), 1 << 30, drive));
+
   EXPECT_TRUE(ChangeCurrentDirectory(inst.tempPath()));
   EXPECT_TRUE(PathExists(QStringLiteral(".")));
   EXPECT_TRUE(ChangeCurrentDirectory(inst.binPath()));
