@@ -316,9 +316,11 @@ QStringList HeaderLines(const HeaderContext& ctx) {
   QString body;
   if (ctx.newestRow) {
     const DayRecord& r = *ctx.newestRow;
+    // The gender carries its own comma and is followed by the separator, so the line
+    // has an empty field between gender and height.
     body = r.AGE.trimmed() + kComma +
            (r.GENDAR.trimmed() == QLatin1String("0") ? ctx.captionMale : ctx.captionFemale) +
-           kComma;
+           kComma + kComma;
     if (r.SELECT_UNIT.trimmed() == QLatin1String("0"))
       body += r.HEIGHT_CM.trimmed() + QStringLiteral(" cm,") + r.WEIGHT_KG.trimmed() +
               QStringLiteral(" kg");
@@ -328,7 +330,8 @@ QStringList HeaderLines(const HeaderContext& ctx) {
   } else {
     body = u.AGE.trimmed() + kComma +
            (u.GENDAR.trimmed() == QLatin1String("0") ? QStringLiteral("Male,")
-                                                     : QStringLiteral("Female,"));
+                                                     : QStringLiteral("Female,")) +
+           kComma;
     if (u.HEIGHT_FEET.trimmed().isEmpty())
       body += u.HEIGHT_CM.trimmed() + QStringLiteral(" cm,") + u.WEIGHT_KG.trimmed() +
               QStringLiteral(" kg");

