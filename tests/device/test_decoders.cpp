@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QByteArray>
+#include <functional>
 
 #include "device.h"
 
@@ -321,3 +322,73 @@ TEST(Dumps, PageLinesListTheProfileSlotBySlot) {
 }
 
 }  // namespace
+
+namespace {
+
+// The offsets whose change alters the decoded record: every byte is flipped in turn
+// on a base where each encoding is valid (0x12 decodes as 12, 1212-12-12, 12:12).
+QList<int> ReadOffsets(int size, const std::function<QByteArray(const QByteArray&)>& decode) {
+  const QByteArray base(size, char(0x12));
+  const QByteArray reference = decode(base);
+  QList<int> read;
+  for (int i = 0; i < size; ++i) {
+    QByteArray b = base;
+    b[i] = char(0x13);
+    if (decode(b) != reference) read << i;
+  }
+  return read;
+}
+
+QList<int> AllBut(int size, std::initializer_list<std::pair<int, int>> unread) {
+  QList<int> read;
+  for (int i = 0; i < size; ++i) {
+    bool skip = false;
+    for (const auto& [from, to] : unread) skip = skip || (i >= from && i <= to);
+    if (!skip) read << i;
+  }
+  return read;
+}
+
+QByteArray PageJson(const QString& kind, const QByteArray& bytes) {
+  RecorderContents c;
+  c.kind = kind;
+  FlashData d;
+  EXPECT_EQ(FlashData_Decode(AsBytes(bytes), d, kind), 0);
+  c.pages.emplace_back(1, d);
+  return RecorderContentsJson(c);
+}
+
+QByteArray ManageJson(const QString& kind, const QByteArray& bytes) {
+  RecorderContents c;
+  c.kind = kind;
+  const qint32 code = kind == PMKIND_AL
+                          ? FlashManage_ConvertByteArray2Struct(AsBytes(bytes), c.manage)
+                          : FlashManage_ConvertByteArray2Struct_Brio(AsBytes(bytes), c.manage, kind);
+  EXPECT_EQ(code, 0);
+  return RecorderContentsJson(c);
+}
+
+}  // namespace
+
+// Every byte of each layout is read exactly where the layout has a field, and the
+// unread gaps stay unread.
+TEST(Layout, EachKindReadsExactlyItsFields) {
+  const auto page = [](const QString& kind) {
+    return ReadOffsets(PageBytesOfKind(kind), [&kind](const QByteArray& b) { return PageJson(kind, b); });
+  };
+  EXPECT_EQ(page(PMKIND_AL), AllBut(496, {{444, 492}}));
+  EXPECT_EQ(page(PMKIND_BRIO_NORMAL), AllBut(496, {{444, 479}}));
+  EXPECT_EQ(page(PMKIND_BRIO_ZR), AllBut(496, {{444, 474}}));
+  EXPECT_EQ(page(PMKIND_BRIO_KT), AllBut(496, {{444, 474}}));
+  EXPECT_EQ(page(PMKIND_BRIO_METS), AllBut(992, {{100, 247}, {488, 495}, {736, 743}, {984, 991}}));
+
+  const auto manage = [](const QString& kind) {
+    return ReadOffsets(kManageBlockBytes, [&kind](const QByteArray& b) { return ManageJson(kind, b); });
+  };
+  // Family A: the fixed text is the literal, whatever bytes 0 to 4 hold.
+  EXPECT_EQ(manage(PMKIND_AL), AllBut(992, {{0, 4}, {59, 59}, {960, 991}}));
+  EXPECT_EQ(manage(PMKIND_BRIO_NORMAL), AllBut(992, {{969, 991}}));
+  EXPECT_EQ(manage(PMKIND_BRIO_METS), AllBut(992, {{969, 991}}));
+  EXPECT_EQ(manage(PMKIND_BRIO_ZR), AllBut(992, {{972, 991}}));
+  EXPECT_EQ(manage(PMKIND_BRIO_KT), AllBut(992, {{972, 991}}));
+}
