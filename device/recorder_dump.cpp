@@ -36,7 +36,10 @@ qint32 ReadRecorderContents(TavoReader& reader, DeviceClock& clock, RecorderCont
   out.language = state.pmLang;
   out.manage = m;
   out.pages.clear();
-  const qint16 count = WrapPageCount(static_cast<qint16>(m.RecordingPage - m.RecordStartPage + 1), state);
+  // Every page from the start page up to the recording page, round the ring. A full
+  // ring has its recording page just below the start page: that is all the pages, not
+  // none, even though a receive's page count reads it as none.
+  const int count = WrapPageCount(static_cast<qint16>(m.RecordingPage - m.RecordStartPage), state) + 1;
   for (int i = 1; i <= count; ++i) {
     int page = m.RecordStartPage + i - 1;
     if (page > ring) page -= ring;

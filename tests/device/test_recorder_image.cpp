@@ -210,10 +210,15 @@ TEST(RecorderImage, RingWrapsErasedPagesAndUnsetWeight) {
   EXPECT_EQ(all.pages.size(), 239u);
   EXPECT_EQ(all.pages.front().second.bcDate, QDate(2024, 12, 31).addDays(-238));
   EXPECT_EQ(all.manage.bcMeasureStart.date(), QDate(2024, 12, 31).addDays(-238));
-  // A ring holding all 240 days has its recording page just below the start page,
-  // which the ring arithmetic reads as no page at all.
+  // A ring holding all 240 days has its recording page just below the start page:
+  // the listing shows every one of them, oldest first.
   o.days = 240;
-  EXPECT_TRUE(ReadBack(inst, o).pages.empty());
+  const RecorderContents full = ReadBack(inst, o);
+  EXPECT_EQ(full.manage.RecordingPage, 239);
+  ASSERT_EQ(full.pages.size(), 240u);
+  EXPECT_EQ(full.pages.front().first, 240);
+  EXPECT_EQ(full.pages.back().first, 239);
+  EXPECT_EQ(full.pages.back().second.bcDate, QDate(2024, 12, 31));
 }
 
 TEST(RecorderImage, MemoryLimitStopsWritingAtTheEndPage) {
