@@ -43,6 +43,15 @@ TEST(Format, DigitPlaceholders) {
   EXPECT_EQ(F(0.004, "#0.00"), "0.00");
   EXPECT_EQ(F(0.005, "#0.00"), "0.01");
   EXPECT_EQ(F(1e-20, "#0.0"), "0.0");
+  // A half that lies entirely behind the kept places still carries into a new digit.
+  EXPECT_EQ(F(0.05, "#0.0"), "0.1");
+  EXPECT_EQ(F(0.5, "#0"), "1");
+  EXPECT_EQ(F(0.4, "#0"), "0");
+  EXPECT_EQ(F(0, "###0"), "0");
+  EXPECT_EQ(F(-0.05, "#0.0"), "-0.1");
+  // Beyond fifteen significant digits the old runtime showed zeros.
+  EXPECT_EQ(F(123456789012345678.0, "#0"), "123456789012346000");
+  EXPECT_EQ(F(1e20, "##0.0"), "100000000000000000000.0");
   EXPECT_EQ(F(3.25, "#0.0#"), "3.25");
   EXPECT_EQ(F(3.2, "#0.0#"), "3.2");
   EXPECT_THROW(F(1, "#,##0"), std::invalid_argument);
