@@ -52,6 +52,15 @@ struct ReceiveContext {
   // Every catalogue code shown during this receive, in order (for reports and tests).
   QStringList shownCodes;
 
+  // CPU_TABLE rows a dialog released for this receive (the owner's row of a recorder
+  // taken over, a user's earlier recorder). A receive that ends in cancel or error puts
+  // them back, so that the assignments stay as they were before it.
+  struct CpuRow {
+    QString cpuNo;
+    QString userId;
+  };
+  QList<CpuRow> releasedCpuRows;
+
   // What the five values held when they were last cleared, for reports.
   struct {
     QString receiveId;
@@ -160,6 +169,11 @@ void ReceiveErrorReport(VtDatabase& db, ReceiveContext& ctx, const QString& code
                         const QString& description);
 // The dialogs' cancel ending: the receive's rows and raw file removed, values cleared.
 void ReceiveCancelCleanup(VtDatabase& db, ReceiveContext& ctx);
+// Frees a user of a recorder as VTDB_DeleteCPUNoOnUserId does (the user's first row),
+// noting the row in ctx.releasedCpuRows. False when the deletion fails.
+bool ReleaseRecorderOfUser(VtDatabase& db, ReceiveContext& ctx, const QString& userId);
+// Puts the released rows back (the endings that do not complete a receive).
+void RestoreReleasedCpuRows(VtDatabase& db, ReceiveContext& ctx);
 
 // ---- whose recorder it is ----
 

@@ -1,6 +1,7 @@
 // Whose recorder it is: the decision after the management stage and the logic of the
 // four dialogs that ask the person.
 #include <QRegularExpression>
+#include <exception>
 
 #include "catalogue.h"
 #include "config.h"
@@ -40,6 +41,27 @@ QString Sama(const QString& section) {
 }
 
 }  // namespace
+
+bool ReleaseRecorderOfUser(VtDatabase& db, ReceiveContext& ctx, const QString& userId) {
+  // The row the deletion is about to take: its first row, in the order the rows were added.
+  QString cpuNo;
+  try {
+    Statement st(db, QStringLiteral("SELECT CPU_NO FROM [CPU_TABLE] WHERE USER_ID = ? ORDER BY rowid LIMIT 1"));
+    st.bind(1, userId);
+    if (st.step()) cpuNo = st.text(0);
+  } catch (const std::exception&) {
+    cpuNo.clear();  // the deletion below meets the same fault and reports it
+  }
+  if (!VTDB_DeleteCPUNoOnUserId(db, userId)) return false;
+  if (!cpuNo.isEmpty()) ctx.releasedCpuRows.append({cpuNo, userId});
+  return true;
+}
+
+void RestoreReleasedCpuRows(VtDatabase& db, ReceiveContext& ctx) {
+  for (auto it = ctx.releasedCpuRows.crbegin(); it != ctx.releasedCpuRows.crend(); ++it)
+    VTDB_SetUserIdOnCPUNo(db, it->cpuNo, it->userId);
+  ctx.releasedCpuRows.clear();
+}
 
 QString ReceiveDialogName(ReceiveDialog dialog) {
   switch (dialog) {
@@ -128,7 +150,7 @@ DialogAction NewCpuUserScreenCancelled(ReceiveContext& ctx) {
 
 DialogAction NewCpuUserSelected(VtDatabase& db, ReceiveContext& ctx, const QString& userId) {
   // A user has at most one recorder: an earlier one is let go first.
-  if (!VTDB_DeleteCPUNoOnUserId(db, userId.trimmed())) {
+  if (!ReleaseRecorderOfUser(db, ctx, userId.trimmed())) {
     ctx.callerForm.clear();
     ReceiveErrorReport(db, ctx, QStringLiteral("DDWN-C-0006"), QString());
     return DialogAction::Failed;
@@ -154,7 +176,7 @@ NameRows RecvMsgNewCPUSelectUser::names() const {
 
 DialogAction RecvMsgNewCPUSelectUser::btnReceive_Click() {
   Click(QStringLiteral("frmRecvMsgNewCPUSelectUser"), QStringLiteral("btnReceive"));
-  if (!VTDB_DeleteCPUNoOnUserId(db_, currentUserId_.trimmed())) {
+  if (!ReleaseRecorderOfUser(db_, ctx_, currentUserId_.trimmed())) {
     ReceiveErrorReport(db_, ctx_, QStringLiteral("DDWN-C-0006"), QString());
     return DialogAction::Failed;
   }
@@ -188,8 +210,8 @@ DialogAction RecvMsgAlertUser::btnReceive_Click() {
   Click(QStringLiteral("frmRecvMsgAlertUser"), QStringLiteral("btnReceive"));
   // The recorder changes hands: both old assignments go, and the data stage enters the
   // recorder afresh (and so fetches its whole range).
-  if (!VTDB_DeleteCPUNoOnUserId(db_, ctx_.deviceOwner.USER_ID.trimmed()) ||
-      !VTDB_DeleteCPUNoOnUserId(db_, currentUserId_.trimmed())) {
+  if (!ReleaseRecorderOfUser(db_, ctx_, ctx_.deviceOwner.USER_ID.trimmed()) ||
+      !ReleaseRecorderOfUser(db_, ctx_, currentUserId_.trimmed())) {
     ReceiveErrorReport(db_, ctx_, QStringLiteral("DDWN-C-0006"), QString());
     return DialogAction::Failed;
   }

@@ -69,11 +69,13 @@ void ReceiveErrorReport(VtDatabase& db, ReceiveContext& ctx, const QString& code
   if (!code.isEmpty()) ShowReceiveMessage(ctx, code);
   ShowReceiveMessage(ctx, QStringLiteral("COMN-C-0001"), description);
   DeleteAllReceiveData(db, ctx.rawFilePath, ctx.receiveId);
+  RestoreReleasedCpuRows(db, ctx);
   ctx.clearValues();
 }
 
 void ReceiveCancelCleanup(VtDatabase& db, ReceiveContext& ctx) {
   DeleteAllReceiveData(db, ctx.rawFilePath, ctx.receiveId);
+  RestoreReleasedCpuRows(db, ctx);
   ctx.clearValues();
 }
 
@@ -237,7 +239,16 @@ bool RecvDataStage::cancelled() { return s_.progress.cancelRequested(); }
 void RecvDataStage::restoreCpuTable() {
   // A receive that does not complete leaves the recorder's assignment as it found it.
   if (cpuTie_ == CpuTie::Inserted) {
-    VTDB_DeleteCPUNoOnUserId(s_.db, ctx_.receiveUserId);
+    // The row this stage added, and not the user's first one: that may be another
+    // recorder the user still has.
+    try {
+      Statement del(s_.db, QStringLiteral("DELETE FROM [CPU_TABLE] WHERE rowid = (SELECT MAX(rowid) FROM "
+                                          "[CPU_TABLE] WHERE CPU_NO = ? AND USER_ID = ?)"));
+      del.bind(1, ctx_.cpuNo).bind(2, ctx_.receiveUserId);
+      del.run();
+    } catch (const std::exception& e) {
+      Trace(QStringLiteral("2"), kExecTransfer, QString::fromUtf8(e.what()));
+    }
   } else if (cpuTie_ == CpuTie::Rewritten && previousCpuUser_ != ctx_.receiveUserId) {
     VTDB_ChangeUserIdOnCPUNo(s_.db, ctx_.cpuNo, previousCpuUser_);
   }
@@ -348,6 +359,7 @@ ReceiveEnding RecvDataStage::ExecTransfer() {
     // 8.
     UsbClose(s_.reader, dev);
     cpuTie_ = CpuTie::Untouched;
+    ctx_.releasedCpuRows.clear();
     ctx_.received = true;
     SetCurrentUserId(ctx_.receiveUserId);
     SetCurrentUserName(QString());

@@ -139,3 +139,47 @@ TEST_F(Failures, AFailedReleaseOfTheRecorderReportsAndCleansUp) {
   EXPECT_EQ(r.messageCodes.last(), QStringLiteral("COMN-C-0001"));
   EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM RECEIVE_HISTORY")), 0);
 }
+
+TEST_F(Failures, AFailedTakeOverGivesBothUsersTheirRecordersBack) {
+  // The owner's recorder A00042 is taken over by a user who has two recorders of his
+  // own (B00007, D00001); the dialog releases A00042 and the user's first one, then the
+  // data stage fails or is cancelled.
+  const QString owner = firstReceive(recorder(10));
+  const QString other = addUser(QStringLiteral("田中 三郎"));
+  ASSERT_TRUE(VTDB_SetUserIdOnCPUNo(*db, QStringLiteral("B00007"), other));
+  ASSERT_TRUE(VTDB_SetUserIdOnCPUNo(*db, QStringLiteral("D00001"), other));
+  second = recorder(12, QDate(2024, 7, 2));
+  SetScreenState(kStateJob);
+  SetCurrentUserId(other);
+  const QStringList start = dump();
+  for (int transfer : {3, 8}) {
+    SCOPED_TRACE(transfer);
+    FakeReader fake(image(second));
+    fake.faultAt[transfer] = 5;
+    ScriptedQuestions q;
+    q.yesNo = {true};
+    const ReceiveReport r = receive(q, nullptr, &fake);
+    EXPECT_EQ(r.ending, ReceiveEnding::Failed);
+    EXPECT_EQ(dump(), start);
+  }
+  FakeReader fake(image(second));
+  CountingProgress progress;
+  progress.cancelAt = 8;  // before the second page of the loop
+  ScriptedQuestions q;
+  q.yesNo = {true};
+  EXPECT_EQ(receive(q, &progress, &fake).ending, ReceiveEnding::Cancelled);
+  EXPECT_EQ(dump(), start);
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")), owner);
+
+  // A new recorder taken by the open user releases the user's earlier one the same way.
+  RecorderImageOptions fresh = recorder(3, QDate(2024, 7, 10));
+  fresh.cpuNo = QStringLiteral("C00009");
+  FakeReader faulty(image(fresh));
+  faulty.faultAt[4] = 5;
+  ScriptedQuestions yes;
+  yes.yesNo = {true};
+  const ReceiveReport r = receive(yes, nullptr, &faulty);
+  EXPECT_EQ(r.ending, ReceiveEnding::Failed);
+  EXPECT_EQ(yes.asked, QStringList{QStringLiteral("NewCPUSelectUser")});
+  EXPECT_EQ(dump(), start);
+}
