@@ -324,6 +324,8 @@ QString PmKindFromName(const QString& name) {
 
 QString CheckRecorderImageOptions(const RecorderImageOptions& o) {
   if (!IsKnownPMKind(o.kind)) return QStringLiteral("unknown recorder kind '%1'").arg(o.kind);
+  if (o.english && IsZrOrKtKind(o.kind))
+    return QStringLiteral("ZR and KT recorders are Japanese recorders only (use --lang ja)");
   const int ring = RingOf(o);
   if (o.days < 1 || o.days > ring)
     return QStringLiteral("days must lie between 1 and %1 for this recorder").arg(ring);
@@ -481,9 +483,10 @@ QByteArray MakeDayPage(const RecorderImageOptions& o, const QDate& date, bool re
       run = 0;
     }
   }
-  const int strideDistance = o.unitFlag == 1
-                                 ? static_cast<int>(static_cast<qint64>(steps) * person.stride * 10 / 160934)
-                                 : static_cast<int>(static_cast<qint64>(steps) * person.stride / 10000);
+  // Tenths of a kilometre whatever the unit flag: the receive stores this field as
+  // kilometres and derives the miles from it, so a pound-and-mile recorder gives the
+  // same figure here.
+  const int strideDistance = static_cast<int>(static_cast<qint64>(steps) * person.stride / 10000);
 
   // Bytes 0..83.
   PutByte(b, 0, VersionByteOf(o));

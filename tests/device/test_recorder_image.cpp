@@ -151,6 +151,17 @@ TEST(RecorderImage, SameSeedSameBytesAndALaterClockKeepsTheEarlierDays) {
   for (const QString& kind : kAllKinds) {
     RecorderImageOptions o = Options(kind);
     EXPECT_EQ(MakeRecorderImage(o), MakeRecorderImage(o));
+    // The unit flag changes what the recorder shows, not the kilometres it counts.
+    if (kind != PMKIND_AL) {
+      RecorderImageOptions pounds = o;
+      pounds.unitFlag = 1;
+      FlashData km, mi;
+      ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(o, o.lastDay, false)), km, kind), 0);
+      ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(pounds, o.lastDay, false)), mi, kind), 0);
+      EXPECT_EQ(mi.UnitFlag, 1);
+      EXPECT_GT(km.Distance, 0);
+      EXPECT_EQ(mi.Distance, km.Distance);
+    }
     RecorderImageOptions other = o;
     other.seed = 12;
     EXPECT_NE(MakeRecorderImage(o), MakeRecorderImage(other));
@@ -249,6 +260,11 @@ TEST(RecorderImage, BadOptionsAreRefused) {
   o.erasedPages = {0};
   EXPECT_FALSE(CheckRecorderImageOptions(o).isEmpty());
   o.erasedPages.clear();
+  o.kind = PMKIND_BRIO_KT;
+  o.english = true;  // no English KT or ZR recorder exists
+  EXPECT_FALSE(CheckRecorderImageOptions(o).isEmpty());
+  o.english = false;
+  EXPECT_TRUE(CheckRecorderImageOptions(o).isEmpty());
   o.kind = QStringLiteral("PMKIND_NONE");
   EXPECT_FALSE(CheckRecorderImageOptions(o).isEmpty());
   EXPECT_EQ(PmKindFromName("brio_kt"), PMKIND_BRIO_KT);
