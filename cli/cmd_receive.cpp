@@ -143,6 +143,16 @@ int cmd_receive(const QStringList& args) {
   QString dbPath = Ini_GetDbName();
   QString dbPassword = Ini_GetDbPassword();
   if (VTDB_Open(db, dbPath, dbPassword) != 0) return 1;
+  // --as names a user the person could have picked or have open: one that exists. Days
+  // received for an unknown identifier would be stored under nobody.
+  if (!asUser.isEmpty()) {
+    UserRecord user;
+    if (!VTDB_GetUserInfoFromUserId(db, asUser.trimmed(), user)) {
+      err << "receive: no user " << asUser.trimmed() << " (see the users command)\n";
+      VTDB_Close(db);
+      return 1;
+    }
+  }
 
   std::unique_ptr<TavoReader> reader = CreateConfiguredReader();
   SystemDeviceClock realClock;

@@ -1,0 +1,72 @@
+// vantora-cli receive on a test installation: the report it prints, its exit codes, and
+// what lands in the database.
+#include <QFileInfo>
+#include <QProcess>
+
+#include "receive_fixture.h"
+
+namespace {
+
+struct CliRun {
+  int exitCode = -1;
+  QString out;
+  QString err;
+};
+
+}  // namespace
+
+class ReceiveCommand : public ReceiveFixture {
+ protected:
+  void SetUp() override {
+    cli_ = QStringLiteral(VANTORA_CLI_PATH);
+    if (!QFileInfo::exists(cli_)) GTEST_SKIP() << "vantora-cli not built";
+    ReceiveFixture::SetUp();
+  }
+  CliRun run(const QStringList& args) {
+    QProcess p;
+    p.setWorkingDirectory(inst->binPath());
+    p.start(cli_, QStringList{QStringLiteral("receive"), QStringLiteral("--fast")} + args);
+    CliRun r;
+    if (!p.waitForFinished(60000)) return r;
+    r.exitCode = p.exitCode();
+    r.out = QString::fromUtf8(p.readAllStandardOutput());
+    r.err = QString::fromUtf8(p.readAllStandardError());
+    return r;
+  }
+
+  QString cli_;
+};
+
+TEST_F(ReceiveCommand, ANewUserThenALaterStateOfTheSameRecorder) {
+  place(recorder(10));
+  CliRun r = run({QStringLiteral("--new-user"), QStringLiteral("山田 花子")});
+  ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+  EXPECT_TRUE(r.out.contains(QStringLiteral("ending: received\n"))) << r.out.toStdString();
+  EXPECT_TRUE(r.out.contains(QStringLiteral("cpu: A00042\n")));
+  EXPECT_TRUE(r.out.contains(QStringLiteral("days stored: 10\n")));
+  const QString id = scalar(QStringLiteral("SELECT USER_ID FROM [USER] WHERE FIRST_NAME LIKE ?"),
+                            QStringLiteral("山田 花子%")).trimmed();
+  ASSERT_FALSE(id.isEmpty());
+  EXPECT_TRUE(r.out.contains(QStringLiteral("user: ") + id + QLatin1Char('\n')));
+
+  place(recorder(13, QDate(2024, 7, 3)));
+  r = run({});
+  ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+  EXPECT_TRUE(r.out.contains(QStringLiteral("pages: 10 to 13 (4)\n"))) << r.out.toStdString();
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(DISTINCT MEASUREMENT_DAY) FROM DAY_MEASUREMENT WHERE USER_ID = ?"), id),
+            13);
+}
+
+TEST_F(ReceiveCommand, AnUnknownUserIsRefusedBeforeAnythingIsRead) {
+  place(recorder(5));
+  const QStringList before = dump();
+  for (const QStringList& args : {QStringList{QStringLiteral("--as"), QStringLiteral("U000000404")},
+                                  QStringList{QStringLiteral("--state"), QStringLiteral("S_JOB"),
+                                              QStringLiteral("--as"), QStringLiteral("U000000404"),
+                                              QStringLiteral("--yes")}}) {
+    const CliRun r = run(args);
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_TRUE(r.err.contains(QStringLiteral("U000000404"))) << r.err.toStdString();
+    EXPECT_EQ(dump(), before);
+  }
+}
