@@ -174,6 +174,8 @@ void CompactDB(QString& path, int& result, ProgressInterface& progress, const QS
   }
   const QString bak = path + QStringLiteral(".bak");
   const QString org = path + QStringLiteral(".org");
+  bool renamed = false;
+  bool exported = false;
   try {
     // Whatever the log of the database still holds goes into the file before it is
     // copied, so that the copy and the renamed file are complete on their own.
@@ -192,6 +194,7 @@ void CompactDB(QString& path, int& result, ProgressInterface& progress, const QS
     if (QFileInfo::exists(org)) requireOk(QFile::remove(org), QStringLiteral("%1 cannot be deleted").arg(org));
     removeSidecars(org);
     requireOk(QFile::rename(path, org), QStringLiteral("Rename to %1 failed").arg(org));
+    renamed = true;
     progress.setValue(value += 20);
     QThread::msleep(100);
     {
@@ -208,11 +211,19 @@ void CompactDB(QString& path, int& result, ProgressInterface& progress, const QS
       source.exec(QStringLiteral("SELECT sqlcipher_export('compacted')"));
       source.exec(QStringLiteral("DETACH DATABASE compacted"));
     }
+    exported = true;
     removeSidecars(org);
     requireOk(QFile::remove(org), QStringLiteral("%1 cannot be deleted").arg(org));
     progress.setValue(kCompactProgressMaximum);
     result = 0;
   } catch (const std::exception& e) {
+    // A failed export leaves a half-made file under the database's name, which the next
+    // start would open as an empty database. The household's data are whole in the
+    // ".org" file, so that goes back under its name (the ".bak" copy stays either way).
+    if (renamed && !exported && QFileInfo::exists(org)) {
+      removeSidecars(path);
+      if (!QFileInfo::exists(path) || QFile::remove(path)) QFile::rename(org, path);
+    }
     GetDialogInterface()->showMessage(QStringLiteral("Vantora"), QString::fromStdString(e.what()),
                                       DialogIcon::None);
   }

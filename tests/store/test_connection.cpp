@@ -1,6 +1,10 @@
 // Connection, the new file, identifier counters and compaction.
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
+#include <cstring>
+
+#include <sqlcipher/sqlite3.h>
 
 #include "store_fixture.h"
 
@@ -127,6 +131,39 @@ TEST_F(StoreTest, CompactionReplacesAnOldOrgAndKeepsTheData) {
   EXPECT_EQ(ConnectDB(bak, inst_.dbFile() + QStringLiteral(".bak"), kDefaultDbPassword), 0);
   EXPECT_TRUE(VTDB_ExistUser(bak));
   EXPECT_EQ(messages(), 0u);
+}
+
+int compareBytes(void*, int n1, const void* a, int n2, const void* b) {
+  const int c = std::memcmp(a, b, static_cast<size_t>(std::min(n1, n2)));
+  return c != 0 ? c : n1 - n2;
+}
+
+TEST_F(StoreTest, AFailedCompactionPutsTheDatabaseBackUnderItsName) {
+  UserInfo u;
+  u.GROUP_ID = kDefaultGroupId;
+  u.FIRST_NAME = QStringLiteral("Hana");
+  ASSERT_EQ(SetUser(db_, u), 0);
+  // A table whose collation only this connection knows: the export into the fresh file
+  // fails after the database has been renamed to ".org".
+  ASSERT_EQ(sqlite3_create_collation(db_.handle(), "ONLYHERE", SQLITE_UTF8, nullptr, compareBytes), SQLITE_OK);
+  db_.exec(QStringLiteral("CREATE TABLE [EXTRA] (A TEXT COLLATE ONLYHERE)"));
+  VTDB_Close(db_);
+
+  CountingProgress progress;
+  QString path = inst_.dbFile();
+  int result = 0;
+  CompactDB(path, result, progress);
+  EXPECT_EQ(result, -1);
+  EXPECT_EQ(messages(), 1u);
+  EXPECT_EQ(progress.values, (std::vector<int>{20, 40, 60}));
+  EXPECT_FALSE(QFile::exists(inst_.dbFile() + QStringLiteral(".org")));
+  EXPECT_TRUE(QFile::exists(inst_.dbFile() + QStringLiteral(".bak")));
+  // The next start opens the household's data, not an empty file.
+  QString password;
+  ASSERT_EQ(VTDB_Open(db_, path, password), 0);
+  UserInfo back;
+  ASSERT_TRUE(GetUserInfo(db_, back, u.USER_ID));
+  EXPECT_EQ(back.FIRST_NAME, QStringLiteral("Hana"));
 }
 
 TEST_F(StoreTest, CompactionOfAMissingFileOnlyLogs) {
