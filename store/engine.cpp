@@ -215,11 +215,13 @@ void VtDatabase::open(const QString& path, const QString& password, OpenMode mod
     const QByteArray key = password.toUtf8();
     rc = sqlite3_key(db, key.constData(), static_cast<int>(key.size()));
     if (rc != SQLITE_OK) throwDb(db, rc);
+    // Before the first read: another connection in the middle of a write is waited for,
+    // not taken for a damaged file.
+    sqlite3_busy_timeout(db, kBusyTimeoutMs);
     // The first read tells whether the key fits: a wrong key or a file that is not a
     // database fails here with SQLITE_NOTADB.
     rc = sqlite3_exec(db, "SELECT count(*) FROM sqlite_master;", nullptr, nullptr, nullptr);
     if (rc != SQLITE_OK) throwDb(db, rc);
-    sqlite3_busy_timeout(db, kBusyTimeoutMs);
     rc = sqlite3_exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;", nullptr, nullptr,
                       nullptr);
     if (rc != SQLITE_OK) throwDb(db, rc);

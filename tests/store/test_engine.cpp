@@ -1,6 +1,8 @@
 // The engine layer: keying, the SQL functions and the text comparison of the old engine.
 #include <QFile>
 #include <QTemporaryDir>
+#include <chrono>
+#include <thread>
 
 #include "store_fixture.h"
 
@@ -65,6 +67,27 @@ TEST_F(EngineTest, MissingOrForeignFilesFailCleanly) {
     EXPECT_FALSE(e.text().isEmpty());
   }
   EXPECT_THROW(VtDatabase().open(path_, QStringLiteral("x"), VtDatabase::OpenMode::Create), StoreError);
+}
+
+TEST_F(EngineTest, OpeningWaitsForAnotherWriterInsteadOfFailing) {
+  // A file in rollback-journal mode (as a compacted file comes out) with another
+  // connection in the middle of a write: the open waits for the lock and then succeeds.
+  db_.exec(QStringLiteral("PRAGMA journal_mode=DELETE; CREATE TABLE T (A TEXT);"));
+  db_.exec(QStringLiteral("BEGIN EXCLUSIVE; INSERT INTO T VALUES ('x');"));
+  std::thread writer([this] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    db_.exec(QStringLiteral("COMMIT"));
+  });
+  VtDatabase other;
+  QString error;
+  try {
+    other.open(path_, QStringLiteral("secret"));
+  } catch (const StoreError& e) {
+    error = e.text();
+  }
+  writer.join();
+  EXPECT_EQ(error, QString());
+  EXPECT_TRUE(other.isOpen());
 }
 
 TEST_F(EngineTest, CintRoundsHalvesToEvenAndRejectsText) {
