@@ -37,7 +37,10 @@ class FlagQuestions : public ReceiveQuestions {
   NewCpuAnswer newRecorder(const RecvMsgNewCPU& dialog) override {
     if (!newName.isEmpty() && !nameUsed_) return NewCpuAnswer::CreateUser;
     if (!selectId.isEmpty() && !selectUsed_ && dialog.btnSelectUserEnabled()) return NewCpuAnswer::SelectUser;
-    note(QStringLiteral("new recorder: no --new-user or --as answer, cancelled"));
+    if (nameUsed_ || selectUsed_)
+      note(QStringLiteral("new recorder: asked again and no answer is left, cancelled"));
+    else
+      note(QStringLiteral("new recorder: no --new-user or --as answer, cancelled"));
     return NewCpuAnswer::Cancel;
   }
   bool receiveForCurrentUser(const RecvMsgNewCPUSelectUser&) override {
@@ -72,6 +75,8 @@ class FlagQuestions : public ReceiveQuestions {
     selectUsed_ = true;
     return selectId;
   }
+  bool nameUsed() const { return nameUsed_; }
+  bool selectUsed() const { return selectUsed_; }
 
  private:
   bool answer(const QString& what) {
@@ -188,5 +193,14 @@ int cmd_receive(const QStringList& args) {
   }
   if (!r.messageCodes.isEmpty()) out << "messages: " << r.messageCodes.join(QStringLiteral(", ")) << "\n";
   out.flush();
+  // A recorder that already has its owner asks no question: say so when a flag that
+  // would have answered one was not used.
+  if (r.ending == ReceiveEnding::Received) {
+    if (!newUser.isEmpty() && !questions.nameUsed())
+      err << "receive: --new-user not used: the recorder belongs to " << r.userId << "\n";
+    if (state == kStateUserSelect && !asUser.isEmpty() && !questions.selectUsed() &&
+        r.userId != asUser.trimmed())
+      err << "receive: --as not used: the recorder belongs to " << r.userId << "\n";
+  }
   return r.ending == ReceiveEnding::Received ? 0 : 1;
 }
