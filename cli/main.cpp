@@ -2,6 +2,7 @@
 // be run from here, with messages on stderr and questions answered from flags.
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QDir>
 #include <QTextStream>
 
 #include <cstring>
@@ -41,6 +42,34 @@ const Command kCommands[] = {
      "       [--settings chart.ini] [--paper N]\n"
      "                             draw a chart file to a picture or a report"},
 };
+
+// The installed launcher runs the tool inside bin/, where the configuration's relative paths
+// count from, and tells where it was called from. File names the person typed are meant from
+// there, so they are made absolute before the commands see them.
+void resolveCallerPaths(const QString& command, QStringList& args) {
+  const QString callerDir = qEnvironmentVariable("VANTORA_CALLER_DIR");
+  if (callerDir.isEmpty()) return;
+  static const QStringList kPathOptions = {QStringLiteral("--out"), QStringLiteral("--path"),
+                                           QStringLiteral("--interface"), QStringLiteral("--header"),
+                                           QStringLiteral("--settings")};
+  const QDir caller(callerDir);
+  auto absolute = [&](QString& value) {
+    if (!value.isEmpty() && QDir::isRelativePath(value)) value = QDir::cleanPath(caller.absoluteFilePath(value));
+  };
+  for (int i = 0; i < args.size(); ++i) {
+    QString& a = args[i];
+    const int eq = a.indexOf(QLatin1Char('='));
+    if (a.startsWith(QLatin1String("--")) && eq > 0 && kPathOptions.contains(a.left(eq))) {
+      QString value = a.mid(eq + 1);
+      absolute(value);
+      a = a.left(eq + 1) + value;
+    } else if (kPathOptions.contains(a) && i + 1 < args.size()) {
+      absolute(args[++i]);
+    } else if (command == QLatin1String("dump") && !a.startsWith(QLatin1String("--"))) {
+      absolute(a);
+    }
+  }
+}
 
 void printHelp(QTextStream& out) {
   out << "Usage: vantora-cli COMMAND [ARGS]\n\n"
@@ -88,6 +117,7 @@ int main(int argc, char** argv) {
     printHelp(out);
     return 0;
   }
+  resolveCallerPaths(name, args);
   for (const auto& c : kCommands) {
     if (name == QLatin1String(c.name)) {
       try {
