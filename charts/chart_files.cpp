@@ -31,9 +31,14 @@ QString TargetCalFor(const InterfaceContext& ctx, const QString& weightShown) {
 }
 
 // The weight of a group or week: the shown weight of its last counted day, one decimal
-// in metric rows, whole numbers otherwise.
-QString GroupWeight(const ChartDayRecord& last) {
-  return F(Val(last.WeightShown), last.SELECT_UNIT == QLatin1String("0") ? "#0.0" : "#0");
+// in kilograms, whole pounds. The form follows the unit the weight is shown in: the
+// row's own SELECT_UNIT, or on an English installation the one unit of the whole list
+// (a kilogram row shown in pounds would otherwise read "149.0", a pound row shown in
+// kilograms lose its decimal). The chart library tells the unit by this form.
+QString GroupWeight(const InterfaceContext& ctx, const ChartDayRecord& last) {
+  const bool metric = ctx.displayUnit ? *ctx.displayUnit == 0
+                                      : last.SELECT_UNIT == QLatin1String("0");
+  return F(Val(last.WeightShown), metric ? "#0.0" : "#0");
 }
 
 QString ExerciseField(double v) { return F(v, "#0.0"); }
@@ -112,7 +117,7 @@ QString GroupLine(const InterfaceContext& ctx, const Group& g, const QString& fi
       << F(g.steps / n, "#0") << lc.TARGET_TIME << lc.TimeTargetSelected
       << F(g.accTime / n, "#0.0") << TargetCalFor(ctx, lc.WeightShown) << CalFlag(ctx)
       << F(g.activity / n, "#0") << F(g.energy / n, "#0") << F(g.distance / n, "#0.0")
-      << GroupWeight(lc);
+      << GroupWeight(ctx, lc);
     for (double lv : g.levels) f << F(lv / n, "#0.00");
     f << lc.LOWER_BOUND << lc.UPPER_BOUND;
     if (!fourWeek) {
@@ -124,7 +129,7 @@ QString GroupLine(const InterfaceContext& ctx, const Group& g, const QString& fi
       std::array<QString, 5> weights;
       for (std::size_t i = 0; i < g.weeks.size() && i < 5; ++i) {
         plans[i] = PlanWeightOfGroup(ctx.plan, g.weeks[i].first, g.weeks[i].last);
-        if (g.weeks[i].lastCounted) weights[i] = GroupWeight(*g.weeks[i].lastCounted);
+        if (g.weeks[i].lastCounted) weights[i] = GroupWeight(ctx, *g.weeks[i].lastCounted);
       }
       for (const QString& p : plans) f << p;
       for (const QString& w : weights) f << w;

@@ -60,6 +60,9 @@ struct InterfaceContext {
   QString targetCal;   // the user's, or the default when blank
   QString extra3;      // "1" swaps the target flags, "2" derives the calorie target
   std::optional<WeightPlan> plan;
+  // The one unit every day shows on an English installation (SetGraphDataUnit: 0 metric,
+  // else imperial); empty where each row keeps the unit of its own SELECT_UNIT.
+  std::optional<int> displayUnit;
   // The user's last measured day: weeks end on its weekday, spans on it +- 28 k days.
   QDate anchor;
   // Whether the user has rows between two "yyyymmdd" days (the status of an empty

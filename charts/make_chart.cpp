@@ -121,9 +121,13 @@ bool MakeDataMain(VtDatabase& db, ChartData& data, bool noNotice) {
     MessageDialog(QStringLiteral("CALC-C-0002"));
     return false;
   }
-  if (IsEnglishEdition() && found > 0 && !SetGraphDataUnit(db, data.userId, data.days)) {
-    MessageDialog(QStringLiteral("CALC-C-0002"));
-    return false;
+  std::optional<int> displayUnit;
+  if (IsEnglishEdition() && found > 0) {
+    if (!SetGraphDataUnit(db, data.userId, data.days)) {
+      MessageDialog(QStringLiteral("CALC-C-0002"));
+      return false;
+    }
+    displayUnit = GetUnitFlag(db, data.userId);
   }
 
   QString defStep, defActMin, defIntake, defActCal;
@@ -146,6 +150,7 @@ bool MakeDataMain(VtDatabase& db, ChartData& data, bool noNotice) {
   ctx.targetCal = OrDefault(data.user.TARGET_CAL, defActCal);
   ctx.extra3 = data.user.EXTRA3.trimmed();
   ctx.plan = plan;
+  ctx.displayUnit = displayUnit;
   ctx.anchor = YmdToDate(data.lastMeasured);
   const QString userId = data.userId;
   ctx.existData = [&db, userId](const QString& from, const QString& to) {

@@ -481,6 +481,18 @@ TEST_F(EnglishChartDb, MixedUnitsShowTheUnitOfTheLastDay) {
   ASSERT_TRUE(make(100, D(2024, 6, 1), D(2024, 6, 3)));
   EXPECT_EQ(Field(iface_[4], 15), QStringLiteral("60.0"));
   EXPECT_EQ(Field(iface_[4], 14), QStringLiteral("3.5"));
+
+  // A group's weight takes the form of the unit it is shown in, not of its row: the
+  // chart library reads kilograms from one decimal and pounds from whole numbers.
+  ASSERT_TRUE(make(101, D(2024, 6, 1), D(2024, 6, 3)));
+  ASSERT_EQ(iface_.size(), 4);
+  EXPECT_EQ(Field(iface_[3], 15), QStringLiteral("60.0"));  // last counted day: the pound row
+  r.day = D(2024, 6, 4);
+  r.seq = QStringLiteral("4");
+  r.unit = QStringLiteral("1");
+  add(r);
+  ASSERT_TRUE(make(101, D(2024, 6, 1), D(2024, 6, 4)));
+  EXPECT_EQ(Field(iface_[3], 15), QStringLiteral("132"));  // last counted day: a kilogram row
 }
 
 TEST_F(ChartDb, JapaneseInstallationKeepsEachRowsUnit) {
