@@ -872,6 +872,7 @@ void DrawDayProfile(Ctx& x, const QRectF& area, const InterfaceFile& d, bool imp
              Num(moderate, 0) + QStringLiteral(" / ") + Num(vigorous, 0) + QLatin1Char(' ') + s.text(QStringLiteral("UNIT_MIN"))},
             {s.text(QStringLiteral("DISTANCE")), Num(l.value(14), 1) + QLatin1Char(' ') + s.text(imperial ? QStringLiteral("UNIT_MILE") : QStringLiteral("UNIT_KM"))},
             {s.text(QStringLiteral("EXERCISE")), Num(l.exercise.value_or(0), 1) + QLatin1Char(' ') + s.text(QStringLiteral("UNIT_EX"))}};
+    if (prof.averaged) rows.push_back({s.text(QStringLiteral("MODE")), s.text(QStringLiteral("MODE_AVERAGED"))});
     if (l.state == LineState::Excluded) rows.push_back({s.text(QStringLiteral("STATE")), s.text(QStringLiteral("EXCLUDED"))});
   } else {
     rows = {{s.text(QStringLiteral("STATE")), s.text(QStringLiteral("NO_DATA"))}};
@@ -890,7 +891,9 @@ void DrawWeightPlan(Ctx& x, const QRectF& area, const ChartDocument& doc) {
     double w;
   };
   std::vector<Pt> real, plan;
-  if (doc.hasSim) {
+  // The .sim file holds one weight a week; a daily chart shows the weight of every day
+  // from its lines instead.
+  if (doc.hasSim && ChartFamily(d.type) != 0) {
     for (const auto& p : doc.sim.points) {
       if (p.weight && *p.weight > 0) real.push_back({p.day, *p.weight});
       if (p.plan && *p.plan > 0) plan.push_back({p.day, *p.plan});
@@ -899,6 +902,13 @@ void DrawWeightPlan(Ctx& x, const QRectF& area, const ChartDocument& doc) {
   if (real.empty()) {
     // Without a .sim file the weights of the lines serve.
     for (const auto& l : d.lines) {
+      // A group line without counted days is one comma longer than an empty day line:
+      // its single plan weight stands in field 28.
+      if (ChartFamily(d.type) != 0 && !l.hasFigures()) {
+        const auto pw = l.number(28);
+        if (!doc.hasSim && pw && *pw > 0) plan.push_back({l.last, *pw});
+        continue;
+      }
       if (ChartFamily(d.type) == 2) {
         for (int w = 0; w < 5; ++w) {
           const auto v = l.number(32 + w);
@@ -1002,7 +1012,7 @@ void DrawWeightPlan(Ctx& x, const QRectF& area, const ChartDocument& doc) {
       if (day < d.start || day > d.end) continue;
       DrawDiamond(x.p, QPointF(xOf(day), yOf(w)), x.b * 0.45, x.c("PLAN"), x.c("BACKGROUND"));
       DrawPlate(x, QPointF(xOf(day), yOf(w) - x.b * 0.7), Qt::AlignHCenter,
-                s.text(QLatin1String(key)) + QLatin1Char(' ') + Num(w, 1), x.font(0.75, true), x.c("PLAN").darker(140));
+                s.text(QLatin1String(key)) + QLatin1Char(' ') + Num(w, doc.imperial ? 0 : 1), x.font(0.75, true), x.c("PLAN").darker(140));
     }
   }
   if (!real.empty()) {
@@ -1016,7 +1026,8 @@ void DrawWeightPlan(Ctx& x, const QRectF& area, const ChartDocument& doc) {
       x.p.drawEllipse(QPointF(xOf(p.day), yOf(p.w)), x.b * 0.4, x.b * 0.4);
     }
     const auto& lastPt = real.back();
-    DrawPlate(x, QPointF(xOf(lastPt.day), yOf(lastPt.w) + x.b * 1.7), Qt::AlignHCenter, Num(lastPt.w, 1),
+    DrawPlate(x, QPointF(xOf(lastPt.day), yOf(lastPt.w) + x.b * 1.7), Qt::AlignHCenter,
+              Num(lastPt.w, doc.imperial ? 0 : 1),
               x.font(0.8, true), x.c("WEIGHT").darker(130));
   } else {
     DrawText(x.p, plot, Qt::AlignCenter, s.text(QStringLiteral("NO_DATA_PERIOD")), x.font(1.2, true), x.c("SUBTEXT"));
@@ -1314,9 +1325,11 @@ int DocumentResultCode(const ChartDocument& doc) {
     for (const auto& p : doc.sim.points) any = any || p.weight.has_value();
     return any ? chartcode::kOk : chartcode::kStepActivityNoData;
   }
+  // A group whose days were all left out had data: that is "no effective data", as for
+  // a daily file whose days are all excluded, not "no data".
   bool any = d.linesWithFigures() > 0;
-  if (kind == 900)
-    for (const auto& l : d.lines) any = any || l.exercise.has_value();
+  for (const auto& l : d.lines)
+    any = any || l.state == LineState::AllExcluded || (kind == 900 && l.exercise.has_value());
   if (!any) {
     switch (kind) {
       case 200: return chartcode::kAveStepNoData;

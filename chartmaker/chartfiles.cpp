@@ -42,6 +42,12 @@ int InterfaceFile::countedLines() const {
   return n;
 }
 
+std::optional<bool> InterfaceFile::imperialUnit() const {
+  for (auto it = lines.rbegin(); it != lines.rend(); ++it)
+    if (it->imperial) return it->imperial;
+  return std::nullopt;
+}
+
 int ChartFamily(int type) {
   if (type == 5) return 0;
   return type % 100;
@@ -141,6 +147,20 @@ ChartReadStatus ReadInterfaceFile(const QString& path, InterfaceFile& out) {
     else
       line.state = LineState::NoData;
     if (line.fields.size() >= 786) line.exercise = ParseNumber(line.fields[785]);
+    if (out.type == 5 && figures) {
+      line.mode = line.field(785).trimmed();
+      // A day without a block: its 720 empty slots push the mode into field 786, where
+      // the exercise is appended behind it ("0" + "2.5" gives "02.5").
+      const QString f786 = line.field(786).trimmed();
+      if (line.mode.isEmpty() && !f786.isEmpty()) {
+        line.mode = f786.left(1);
+        line.exercise = ParseNumber(f786.mid(1));
+      }
+    }
+    if (figures) {
+      const QString w = line.field(15).trimmed();
+      if (ParseNumber(w)) line.imperial = !w.contains(QLatin1Char('.'));
+    }
     out.lines.push_back(std::move(line));
   }
   return ChartReadStatus::Ok;
@@ -160,17 +180,22 @@ DayProfile ReadDayProfile(const ChartLine& line) {
     if (h >= 0 && h < 24 && m >= 0 && m < 60) p.eventMinutes.push_back(h * 60 + m);
   }
   for (int s = 0; s < 720; ++s) {
-    const auto v = line.number(65 + s);
+    const QString t = line.field(65 + s).trimmed();
+    const auto v = ParseNumber(t);
     if (v && *v >= 0) {
       p.slot[static_cast<size_t>(s)] = *v;
       p.any = true;
+      // Levels are stored as "0", "0.5" and "1" to "9"; a METS recorder's slots are
+      // METs with one decimal ("1.0" to "9.0"). Any other decimal text is METs.
+      if (t.contains(QLatin1Char('.')) && t != QLatin1String("0.5")) p.metsMode = true;
     }
   }
-  QString mode = line.field(785).trimmed();
-  // With an empty block the writer puts the mode one field later, where the exercise
-  // is appended to it.
-  if (mode.isEmpty() && !p.any) mode = line.field(786).left(1);
-  p.metsMode = mode == QLatin1String("1");
+  QString mode = line.mode;
+  if (mode.isEmpty()) {
+    mode = line.field(785).trimmed();
+    if (mode.isEmpty()) mode = line.field(786).trimmed().left(1);
+  }
+  p.averaged = mode == QLatin1String("1");
   return p;
 }
 
@@ -243,6 +268,7 @@ ChartReadStatus ReadSimFile(const QString& path, SimFile& out) {
     p.day = ParseChartDate(f[0]);
     if (!p.day.isValid()) continue;
     p.weight = ParseNumber(f[1]);
+    if (p.weight) p.imperial = !f[1].contains(QLatin1Char('.'));
     if (f.size() > 2) p.plan = ParseNumber(f[2]);
     out.points.push_back(p);
   }
@@ -263,4 +289,40 @@ ChartReadStatus ReadBmiFile(const QString& path, std::optional<double>& bmi) {
     }
   }
   return ChartReadStatus::Ok;
+}
+
+namespace {
+
+constexpr double kKmPerMile = 1.61;  // the system's own mile
+constexpr double kKgPerPound = 0.45359237;
+
+QString Converted(const QString& text, bool toImperial, bool weight) {
+  const auto v = ParseNumber(text);
+  if (!v) return text;
+  if (weight) {
+    return toImperial ? QString::number(std::round(*v / kKgPerPound), 'f', 0)
+                      : QString::number(*v * kKgPerPound, 'f', 1);
+  }
+  return QString::number(toImperial ? *v / kKmPerMile : *v * kKmPerMile, 'f', 1);
+}
+
+}  // namespace
+
+void ConvertToUnit(InterfaceFile& data, SimFile* sim, bool imperial) {
+  for (auto& l : data.lines) {
+    if (!l.imperial || *l.imperial == imperial) continue;
+    if (l.fields.size() >= 14) l.fields[13] = Converted(l.fields[13], imperial, false);
+    if (l.fields.size() >= 15) l.fields[14] = Converted(l.fields[14], imperial, true);
+    // The five weekly weights of a four-week line.
+    if (ChartFamily(data.type) == 2)
+      for (int i = 31; i < 36 && i < l.fields.size(); ++i)
+        l.fields[i] = Converted(l.fields[i], imperial, true);
+    l.imperial = imperial;
+  }
+  if (!sim) return;
+  for (auto& p : sim->points) {
+    if (!p.weight || !p.imperial || *p.imperial == imperial) continue;
+    p.weight = imperial ? *p.weight / kKgPerPound : *p.weight * kKgPerPound;
+    p.imperial = imperial;
+  }
 }

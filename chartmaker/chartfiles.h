@@ -27,6 +27,12 @@ struct ChartLine {
   QDate last;
   LineState state = LineState::NoData;
   std::optional<double> exercise;  // field 786 when present
+  // The unit of the line's weight and distance, told by the weight's form (field 15):
+  // kilograms always carry one decimal ("60.0"), pounds are whole ("132"). Empty when
+  // the line has no weight.
+  std::optional<bool> imperial;
+  // Type 5: the day's measurement mode ("0" normal, "1" two-minute average).
+  QString mode;
 
   QString field(int n) const { return n >= 1 && n <= fields.size() ? fields[n - 1] : QString(); }
   // The number in field n; nullopt when blank or not a number.
@@ -38,7 +44,8 @@ struct ChartLine {
 // The day profile of a type-5 line.
 struct DayProfile {
   std::array<double, 720> slot{};  // NaN = no measurement in the slot
-  bool metsMode = false;           // values are METs (mode 1) instead of levels
+  bool metsMode = false;           // values are METs (a METS recorder) instead of levels
+  bool averaged = false;           // mode "1": each slot is the average of two minutes
   bool any = false;                // at least one slot has a value
   std::vector<int> eventMinutes;   // minutes after midnight
 };
@@ -59,6 +66,9 @@ struct InterfaceFile {
 
   int linesWithFigures() const;
   int countedLines() const;
+  // The unit the chart shows: that of the newest line with a weight (the English edition
+  // writes every line in that unit anyway); empty when no line tells.
+  std::optional<bool> imperialUnit() const;
 };
 
 // Family of a type: 0 daily (and 5), 1 weekly, 2 four-week.
@@ -88,6 +98,7 @@ ChartReadStatus ReadHeaderFile(const QString& path, HeaderFile& out);
 struct SimPoint {
   QDate day;
   std::optional<double> weight;
+  std::optional<bool> imperial;  // the weight's unit by its form, as on interface lines
   std::optional<double> plan;
 };
 struct SimFile {
@@ -96,6 +107,11 @@ struct SimFile {
   std::vector<SimPoint> points;
 };
 ChartReadStatus ReadSimFile(const QString& path, SimFile& out);
+
+// Brings the weights and distances of lines (and .sim points) written in the other unit
+// into the unit given: a Japanese installation writes each day in the unit of its own
+// row, so one period may hold both.
+void ConvertToUnit(InterfaceFile& data, SimFile* sim, bool imperial);
 
 // bmi.txt: "700", then the BMI or an empty line. bmi stays empty for an empty line.
 ChartReadStatus ReadBmiFile(const QString& path, std::optional<double>& bmi);

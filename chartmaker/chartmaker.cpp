@@ -55,15 +55,19 @@ bool SaveBitmap(const QImage& img, const QString& file) {
   return img.convertToFormat(QImage::Format_RGB32).save(file, format);
 }
 
-// Whether the distance and weight of the lines are imperial: only a header file says so
-// for sure; without one the weekly weight format ("#0" for pounds) is a fair hint.
-bool GuessImperial(const InterfaceFile& d) {
-  for (const auto& l : d.lines) {
-    if (!l.hasFigures() || ChartFamily(d.type) == 0) continue;
-    const QString w = l.field(15).trimmed();
-    if (!w.isEmpty()) return !w.contains(QLatin1Char('.'));
-  }
-  return false;
+// The unit of a chart: the interface lines tell it by the form of their weight (one
+// decimal for kilograms, whole pounds); without a line that tells, the header's weight
+// (" kg" or " lbs."), and without a header the edition's own unit.
+bool ChartUnitImperial(ChartDocument& doc, const HeaderFile* header) {
+  bool imperial = false;
+  if (const auto unit = doc.data.imperialUnit())
+    imperial = *unit;
+  else if (header && !header->weight.isEmpty())
+    imperial = header->imperial;
+  else
+    imperial = Ini_GetLang() == 1;
+  ConvertToUnit(doc.data, doc.hasSim ? &doc.sim : nullptr, imperial);
+  return imperial;
 }
 
 }  // namespace
@@ -97,10 +101,10 @@ int ChartMaker::make(ChartSurface& surface, const QString& interfaceFile) {
     auto doc = std::make_shared<ChartDocument>();
     const int st = StatusCode(ReadInterfaceFile(interfaceFile, doc->data));
     if (st != chartcode::kOk) return st;
-    doc->imperial = GuessImperial(doc->data);
     if (ChartKindOf(doc->data.type) == 800) {
       doc->hasSim = ReadSimFile(interfaceFile + QStringLiteral(".sim"), doc->sim) == ChartReadStatus::Ok;
     }
+    doc->imperial = ChartUnitImperial(*doc, nullptr);
     last_[&surface] = doc;
     return drawDocument(surface, *doc);
   });
@@ -121,8 +125,8 @@ int ChartMaker::createGraphBitmap(ChartSurface& surface, const QString& interfac
     const int st = StatusCode(ReadInterfaceFile(interfaceFile, doc->data));
     if (st != chartcode::kOk) return st;
     doc->kind = ChartDocument::Kind::WeightPlan;
-    doc->imperial = GuessImperial(doc->data);
     doc->hasSim = ReadSimFile(interfaceFile + QStringLiteral(".sim"), doc->sim) == ChartReadStatus::Ok;
+    doc->imperial = ChartUnitImperial(*doc, nullptr);
     const QImage img = Render(surface, *doc, *settings_);
     surface.showChart(img);
     last_[&surface] = doc;
@@ -186,11 +190,11 @@ int ChartMaker::print(const QString& headerFile, const QString& interfaceFile, c
     HeaderFile header;
     st = StatusCode(ReadHeaderFile(headerFile, header));
     if (st != chartcode::kOk) return st;
-    doc.imperial = header.imperial;
     if (ChartKindOf(doc.data.type) == 800) {
       doc.kind = ChartDocument::Kind::WeightPlan;
       doc.hasSim = ReadSimFile(interfaceFile + QStringLiteral(".sim"), doc.sim) == ChartReadStatus::Ok;
     }
+    doc.imperial = ChartUnitImperial(doc, &header);
 
     int pageId = static_cast<int>(QPageSize::A4);
     if (!PaperFromNumber(paperNumber, pageId))

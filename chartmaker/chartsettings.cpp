@@ -104,6 +104,8 @@ const std::pair<const char*, const char*> kCaptions[] = {
     {"STATE", "Note"},
     {"PRINTED", "Printed"},
     {"FROM_TO", "-"},
+    {"MODE", "Recording"},
+    {"MODE_AVERAGED", "2-minute average"},
 };
 
 void putDefaults(ChartSettings& s) {

@@ -120,6 +120,14 @@ TEST_F(ChartMakerTest, AllDaysExcludedIsReportedAsNoEffectiveData) {
   text += fixtures::DailyLine(d, QString()) + "\r\n";
   ImageSurface surface(QSize(640, 400));
   EXPECT_EQ(ChartMakerPersonal(maker, surface, write("excl.txt", text.toUtf8())), chartcode::kAveStepNoEffectiveData);
+
+  // The same in a weekly file: a group whose days were all left out is written as a
+  // "1" line without figures; it had data, so it is not "no data" either.
+  const QString weekly = "201\r\n" + fixtures::Line2(QDate(2024, 6, 1), QDate(2024, 6, 14), 23) +
+                         "\r\n0,0,0,0,0,0\r\n1,20240601,20240607" + QString(25, ',') +
+                         "\r\n3,20240608,20240614" + QString(25, ',') + "\r\n";
+  EXPECT_EQ(ChartMakerPersonal(maker, surface, write("wexcl.txt", weekly.toUtf8())),
+            chartcode::kAveStepNoEffectiveData);
 }
 
 TEST_F(ChartMakerTest, EveryTypeAndPeriodDrawsAtTheSurfaceSize) {
@@ -353,7 +361,28 @@ TEST(ChartFiles, DayProfileSlotsGapsEventsAndMode) {
   ASSERT_EQ(ReadInterfaceFile(file, f), ChartReadStatus::Ok);
   const DayProfile empty = ReadDayProfile(f.lines[0]);
   EXPECT_FALSE(empty.any);
-  EXPECT_TRUE(empty.metsMode);
+  // Mode "1" is the two-minute average, not METs; the exercise behind it is read alone.
+  EXPECT_TRUE(empty.averaged);
+  EXPECT_FALSE(empty.metsMode);
+  ASSERT_TRUE(f.lines[0].exercise.has_value());
+  EXPECT_DOUBLE_EQ(*f.lines[0].exercise, 2.5);
+
+  // A METS recorder's block holds METs with one decimal, whatever the mode says.
+  QStringList slots(720, QStringLiteral("-1"));
+  slots[300] = QStringLiteral("1.0");
+  slots[301] = QStringLiteral("3.4");
+  line = fields.join(',') + ',' + slots.join(',') + ",0";
+  line = fixtures::PutFieldAt(line, "0.4", 786);
+  ASSERT_TRUE(fixtures::WriteText(file, "5\r\n" + fixtures::Line2(l.first, l.first, 23) +
+                                            "\r\n1,8000,250,1900,40.0,5.6\r\n" + line));
+  ASSERT_EQ(ReadInterfaceFile(file, f), ChartReadStatus::Ok);
+  const DayProfile mets = ReadDayProfile(f.lines[0]);
+  EXPECT_TRUE(mets.metsMode);
+  EXPECT_FALSE(mets.averaged);
+  EXPECT_DOUBLE_EQ(mets.slot[301], 3.4);
+  EXPECT_DOUBLE_EQ(*f.lines[0].exercise, 0.4);
+  // Levels with a half level are not METs.
+  EXPECT_FALSE(p.metsMode);
 }
 
 TEST(ChartFiles, HeaderFileFields) {

@@ -1,0 +1,258 @@
+// The chart files as the charts writer makes them from stored recorder days, drawn by the
+// chart library: every type in each of its periods must parse, draw something and give
+// 0, and the library must read the unit the writer meant.
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QImage>
+#include <QSet>
+
+#include "chartfiles.h"
+#include "chartmaker.h"
+#include "charts.h"
+#include "data_convert.h"
+#include "frame.h"
+#include "recorder_image.h"
+#include "store.h"
+#include "test_installation.h"
+
+namespace {
+
+const QString kUser = QStringLiteral("U000000001");
+
+void EnsureGuiApp() {
+  if (QGuiApplication::instance()) return;
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  static int argc = 1;
+  static char name[] = "test_chartmaker";
+  static char* argv[] = {name, nullptr};
+  static QGuiApplication app(argc, argv);
+}
+
+int DistinctColours(const QImage& img) {
+  QSet<QRgb> seen;
+  for (int y = 0; y < img.height(); y += 5)
+    for (int x = 0; x < img.width(); x += 5) seen.insert(img.pixel(x, y));
+  return static_cast<int>(seen.size());
+}
+
+// Share of sampled pixels that differ from the background (the top left corner).
+double InkShare(const QImage& img) {
+  const QRgb bg = img.pixel(0, 0);
+  int ink = 0, all = 0;
+  for (int y = 0; y < img.height(); y += 4)
+    for (int x = 0; x < img.width(); x += 4, ++all) ink += img.pixel(x, y) != bg ? 1 : 0;
+  return all ? double(ink) / all : 0.0;
+}
+
+class ChartIntegration : public ::testing::Test {
+ protected:
+  explicit ChartIntegration(const QString& lang = QStringLiteral("ja")) : inst_(lang) {}
+
+  void SetUp() override {
+    EnsureGuiApp();
+    ASSERT_TRUE(inst_.isValid());
+    QString error;
+    ASSERT_TRUE(CreateDatabaseFile(inst_.dbFile(), kDefaultDbPassword, &error)) << error.toStdString();
+    db_.open(inst_.dbFile(), kDefaultDbPassword);
+    UserRecord u;
+    u.USER_ID = kUser;
+    u.GROUP_ID = kDefaultGroupId;
+    u.LOGIN_ID = QStringLiteral("hana");
+    u.FIRST_NAME = QStringLiteral("Hana");
+    u.LAST_NAME = QStringLiteral("Sato");
+    u.NICK_NAME = QStringLiteral("hana");
+    u.GENDAR = QStringLiteral("1");
+    u.AGE = QStringLiteral("41");
+    u.HEIGHT_CM = QStringLiteral("160");
+    u.WEIGHT_KG = QStringLiteral("60.0");
+    u.TARGET_STEP = QStringLiteral("9000");
+    u.TARGET_CAL = QStringLiteral("250");
+    ASSERT_TRUE(VTDB_SetUserInfo(db_, u));
+    SetCurrentUserId(kUser);
+    ASSERT_EQ(maker_.prepare(inst_.chartIniFile()), chartcode::kOk);
+  }
+
+  // Stores the days of a generated recorder as one reception, as the receive does.
+  void storeRecorder(const RecorderImageOptions& o) {
+    const QByteArray manageBytes = MakeManageBlock(o);
+    FlashManage manage;
+    ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(manageBytes), manage, o.kind), 0);
+    const QString receiveId = CreateReceiveId(db_);
+    ASSERT_FALSE(receiveId.isEmpty());
+    int seq = 1;
+    for (const ImagePage& p : RecorderImagePages(o)) {
+      if (p.erased) continue;
+      const QByteArray page = MakeDayPage(o, p.date, p.recording);
+      FlashData data;
+      ASSERT_EQ(FlashData_Decode(AsBytes(page), data, o.kind), 0);
+      ASSERT_TRUE(VTDB_SetDayMeasurement(db_, receiveId, seq, kUser, p.page, o.startPage, data,
+                                         manage, o.kind));
+      ASSERT_TRUE(VTDB_SetTimeMeasurementBlock(db_, receiveId, seq, data, o.kind));
+      ++seq;
+    }
+  }
+
+  // The window the screen would show for a type: its period, ending on the last day.
+  static int PeriodOf(int type) {
+    if (type == 5) return charts::kPeriodDay;
+    return type % 100 == 0 ? charts::kPeriodWeek
+                           : type % 100 == 1 ? charts::kPeriodMonth : charts::kPeriodSixMonths;
+  }
+  bool window(int type, QDate& from, QDate& to) {
+    charts::RangeState st;
+    if (!charts::ReadUserRange(db_, kUser, st.rangeFirst, st.rangeLast)) return false;
+    st.dtDateEnd = st.rangeLast;
+    if (!charts::DateAdjustment(st, PeriodOf(type), charts::kAdjustLatest)) return false;
+    from = st.dtDateStart;
+    to = st.dtDateEnd;
+    return true;
+  }
+
+  // Makes the files of a type over its window; false when they were not made.
+  bool make(int type) {
+    QDate from, to;
+    if (!window(type, from, to)) return false;
+    return charts::MakeChartData(db_, type, DateToSlash(from), DateToSlash(to), iface_, header_,
+                                 QString(), QString(), &sim_);
+  }
+
+  TestInstallation inst_;
+  VtDatabase db_;
+  ChartMaker maker_;
+  QString iface_, header_, sim_;
+};
+
+const int kTypes[] = {100, 101, 102, 200, 201, 202, 300, 301, 302, 400, 401, 402, 500,
+                      501, 502, 600, 601, 602, 800, 801, 802, 900, 901, 902, 5};
+
+TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
+  RecorderImageOptions o;
+  o.days = 200;
+  o.seed = 11;
+  storeRecorder(o);
+  // A weight plan, so that the plan weights and the .sim file carry values.
+  WeightPlanRecord plan;
+  plan.UserId = kUser;
+  plan.StartDate = QStringLiteral("20240401");
+  plan.EndDate = QStringLiteral("20240901");
+  plan.StartWeight = QStringLiteral("75.0");
+  plan.TargetWeight = QStringLiteral("70.0");
+  plan.PoundFlag = QStringLiteral("0");
+  ASSERT_TRUE(SetWeightPlan(db_, plan));
+
+  for (int type : kTypes) {
+    SCOPED_TRACE(type);
+    ASSERT_TRUE(make(type));
+    InterfaceFile parsed;
+    ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
+    EXPECT_EQ(parsed.type, type);
+    EXPECT_GT(parsed.linesWithFigures(), 0);
+    ASSERT_TRUE(parsed.imperialUnit().has_value());
+    EXPECT_FALSE(*parsed.imperialUnit());
+
+    ImageSurface surface(QSize(640, 400));
+    EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
+    ASSERT_EQ(surface.image().size(), QSize(640, 400));
+    EXPECT_GT(DistinctColours(surface.image()), 8);
+    EXPECT_GT(InkShare(surface.image()), 0.03);
+
+    if (type / 100 == 8) {
+      ASSERT_FALSE(sim_.isEmpty());
+      SimFile sim;
+      ASSERT_EQ(ReadSimFile(sim_, sim), ChartReadStatus::Ok);
+      EXPECT_EQ(sim.planStart, QDate(2024, 4, 1));
+      EXPECT_TRUE(sim.targetWeight.has_value());
+      const QString bmp = inst_.path(QStringLiteral("temp/simulation.bmp"));
+      EXPECT_EQ(CreateGraphBMPPersonal(maker_, surface, iface_, bmp), chartcode::kOk);
+      EXPECT_FALSE(QImage(bmp).isNull());
+    }
+  }
+
+  // The report of the six-month evaluation, with the header file the writer made.
+  ASSERT_TRUE(make(102));
+  const QString pdf = inst_.path(QStringLiteral("temp/report.pdf"));
+  EXPECT_EQ(PrintChartPersonal(maker_, header_, iface_, QStringLiteral("pdf:") + pdf, 9), chartcode::kOk);
+  EXPECT_GT(QFileInfo(pdf).size(), 10000);
+  HeaderFile h;
+  ASSERT_EQ(ReadHeaderFile(header_, h), ChartReadStatus::Ok);
+  EXPECT_EQ(h.firstName, QStringLiteral("Hana"));
+  EXPECT_TRUE(h.height.endsWith(QStringLiteral(" cm")));
+  EXPECT_TRUE(h.weight.endsWith(QStringLiteral(" kg")));
+  EXPECT_FALSE(h.imperial);
+}
+
+TEST_F(ChartIntegration, DayProfileOfEachRecorderKind) {
+  // Levels of a BRIO recorder, METs of a METS recorder: the library tells them apart by
+  // the block's values, not by the day's measurement mode.
+  RecorderImageOptions o;
+  o.days = 3;
+  o.kind = PMKIND_BRIO_NORMAL;
+  storeRecorder(o);
+  ASSERT_TRUE(make(5));
+  InterfaceFile parsed;
+  ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
+  ASSERT_EQ(parsed.lines.size(), 1u);
+  DayProfile p = ReadDayProfile(parsed.lines[0]);
+  EXPECT_TRUE(p.any);
+  EXPECT_FALSE(p.metsMode);
+  ImageSurface surface(QSize(800, 500));
+  EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
+
+  o.kind = PMKIND_BRIO_METS;
+  o.lastDay = o.lastDay.addDays(3);
+  storeRecorder(o);
+  ASSERT_TRUE(make(5));
+  ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
+  p = ReadDayProfile(parsed.lines[0]);
+  EXPECT_TRUE(p.any);
+  EXPECT_TRUE(p.metsMode);
+  EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
+}
+
+class EnglishChartIntegration : public ChartIntegration {
+ protected:
+  EnglishChartIntegration() : ChartIntegration(QStringLiteral("en")) {}
+};
+
+TEST_F(EnglishChartIntegration, MixedUnitsAreReadInTheUnitOfTheLastDay) {
+  ASSERT_TRUE(IsEnglishEdition());
+  // Kilograms and kilometres first, then the same recorder set to pounds and miles.
+  RecorderImageOptions o;
+  o.english = true;
+  o.kind = PMKIND_BRIO_METS;
+  o.days = 60;
+  o.cpuNo = QStringLiteral("123456");
+  o.lastDay = QDate(2024, 5, 31);
+  storeRecorder(o);
+  o.unitFlag = 1;
+  o.lastDay = QDate(2024, 6, 30);
+  storeRecorder(o);
+
+  for (int type : {100, 600, 601, 602, 801, 802, 5}) {
+    SCOPED_TRACE(type);
+    ASSERT_TRUE(make(type));
+    InterfaceFile parsed;
+    ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
+    // Every line that tells its unit tells pounds: the writer showed the whole list in
+    // the unit of the last day, and gave each weight the form of that unit.
+    int told = 0;
+    for (const ChartLine& l : parsed.lines) {
+      if (!l.imperial) continue;
+      ++told;
+      EXPECT_TRUE(*l.imperial) << l.fields.join(',').left(120).toStdString();
+    }
+    EXPECT_GT(told, 0);
+    ImageSurface surface(QSize(640, 400));
+    EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
+  }
+
+  // The report's header says pounds as well.
+  ASSERT_TRUE(make(601));
+  HeaderFile h;
+  ASSERT_EQ(ReadHeaderFile(header_, h), ChartReadStatus::Ok);
+  EXPECT_TRUE(h.imperial);
+}
+
+}  // namespace
