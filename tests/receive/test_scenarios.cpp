@@ -351,3 +351,20 @@ TEST_F(Scenario, NamesAreLaidOutByEdition) {
   EXPECT_EQ(user(id).MIDDLE_NAME.trimmed(), QStringLiteral("B"));
   SetLangCode(QStringLiteral("0"));
 }
+
+TEST_F(Scenario, ARecorderWhoseUserIsGoneCountsAsNewAndGoesToTheOneChosen) {
+  const QString gone = firstReceive(recorder(5));
+  ASSERT_TRUE(VTDB_DeleteUserInfo(*db, gone));
+  const QString next = addUser(QStringLiteral("小林 七子"));
+  place(recorder(7, QDate(2024, 7, 2)));
+  SetScreenState(kStateUserSelect);
+  ScriptedQuestions q;
+  q.newCpu = {Answer::SelectUser};
+  q.selected = {next};
+  const ReceiveReport r = receive(q);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
+  EXPECT_EQ(q.asked, (QStringList{"NewCPU", "UserSelect"}));
+  EXPECT_EQ(r.pagesFetched, 7);  // nothing of the new user is known: every held page
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")), next);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM CPU_TABLE")), 1);
+}
