@@ -1223,6 +1223,17 @@ void DrawChartDocument(QPainter& p, const QRectF& area, const ChartDocument& doc
   p.restore();
 }
 
+namespace {
+
+// The header names the recorder by its model number ("0" AL, "1" BRIO, "2" BRIO_ZR,
+// "3" BRIO_KT); the settings file gives each its printed name.
+QString RecorderName(const ChartSettings& s, const QString& kind) {
+  const QString name = kind.isEmpty() ? QString() : s.text(QStringLiteral("RECORDER_") + kind);
+  return name.isEmpty() ? kind : name;
+}
+
+}  // namespace
+
 void DrawReportPage(QPainter& p, const QRectF& page, const ChartDocument& doc, const HeaderFile& h,
                     const ChartSettings& s) {
   Ctx x{p, s, page.width() / 70.0};
@@ -1274,7 +1285,7 @@ void DrawReportPage(QPainter& p, const QRectF& page, const ChartDocument& doc, c
       {s.text(QStringLiteral("MODERATE_RANGE")),
        s.text(QStringLiteral("LEVEL")) + QLatin1Char(' ') + h.moderateFrom + QStringLiteral(" - ") + h.moderateTo},
       {s.text(QStringLiteral("EXCLUSION")), h.exclusionText},
-      {s.text(QStringLiteral("RECORDER")), h.recorderKind},
+      {s.text(QStringLiteral("RECORDER")), RecorderName(s, h.recorderKind)},
   };
   if (!h.comment.isEmpty()) facts.push_back({s.text(QStringLiteral("COMMENT")), h.comment});
   const QFont kf = x.font(0.78), vf = x.font(0.95);

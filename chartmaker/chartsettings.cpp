@@ -106,6 +106,10 @@ const std::pair<const char*, const char*> kCaptions[] = {
     {"FROM_TO", "-"},
     {"MODE", "Recording"},
     {"MODE_AVERAGED", "2-minute average"},
+    {"RECORDER_0", "Pedomira AL"},
+    {"RECORDER_1", "Pedomira BRIO"},
+    {"RECORDER_2", "Pedomira BRIO ZR"},
+    {"RECORDER_3", "Pedomira BRIO KT"},
 };
 
 void putDefaults(ChartSettings& s) {

@@ -157,6 +157,9 @@ TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
     ASSERT_EQ(surface.image().size(), QSize(640, 400));
     EXPECT_GT(DistinctColours(surface.image()), 8);
     EXPECT_GT(InkShare(surface.image()), 0.03);
+    // To look at the pictures: VANTORA_CHART_OUT=/some/folder.
+    if (const QString out = qEnvironmentVariable("VANTORA_CHART_OUT"); !out.isEmpty())
+      surface.image().save(QStringLiteral("%1/%2.png").arg(out).arg(type));
 
     if (type / 100 == 8) {
       ASSERT_FALSE(sim_.isEmpty());
