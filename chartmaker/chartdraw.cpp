@@ -283,6 +283,8 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
   const QFont smallFont = x.font(0.75);
   const QFont valueFont = x.font(0.8, true);
 
+  // Value labels, which the target's caption should not cover (it may lie over a bar).
+  std::vector<QRectF> taken;
   for (int i = 0; i < n; ++i) {
     const Slot& s = c.slots[static_cast<size_t>(i)];
     const double cx = plot.left() + sw * (i + 0.5);
@@ -334,6 +336,8 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
       double labelY = yOf(base);
       if (s.marker) labelY = std::min(labelY, yOf(*s.marker) - std::min(bw * 0.3, x.b * 0.55));
       if (!s.valueText.isEmpty() && TextWidth(valueFont, s.valueText) < sw * 0.98 && !c.compact) {
+        const double tw = TextWidth(valueFont, s.valueText);
+        taken.push_back(QRectF(cx - tw / 2, labelY - x.b * 1.3, tw, x.b * 1.2));
         DrawText(p, QRectF(cx - sw / 2, labelY - x.b * 1.3, sw, x.b * 1.2), Qt::AlignHCenter | Qt::AlignBottom,
                  s.valueText, valueFont, excluded ? x.c("SUBTEXT") : x.c("TEXT"));
       }
@@ -378,8 +382,32 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
   for (int i = n - 1; i >= 0; --i) {
     const auto& t = c.slots[static_cast<size_t>(i)].target;
     if (!t) continue;
-    DrawPlate(x, QPointF(plot.right(), yOf(*t) - x.b * 0.15), Qt::AlignRight,
-              c.targetText.isEmpty() ? x.t("TARGET") : c.targetText, x.font(0.8, true), x.c("TARGET"));
+    // The caption sits at the right end of the line, above or below it, else at the left
+    // end: wherever it covers no value label.
+    const QString text = c.targetText.isEmpty() ? x.t("TARGET") : c.targetText;
+    const QFont f = x.font(0.8, true);
+    const QFontMetricsF fm(f);
+    const double w = fm.horizontalAdvance(text) + x.b * 0.6, h = fm.height() + x.b * 0.15;
+    const double above = yOf(*t) - x.b * 0.15, below = yOf(*t) + h + x.b * 0.15;
+    struct Place {
+      double x, y;
+      Qt::Alignment align;
+    };
+    const Place places[] = {{plot.right(), above, Qt::AlignRight}, {plot.right(), below, Qt::AlignRight},
+                            {plot.left(), above, Qt::AlignLeft}, {plot.left(), below, Qt::AlignLeft}};
+    Place chosen = places[0];
+    for (const Place& pl : places) {
+      const double left = pl.align & Qt::AlignRight ? pl.x - w : pl.x;
+      const QRectF r(left, pl.y - h, w, h);
+      if (r.bottom() > plot.bottom() || r.top() < plot.top() - x.b) continue;
+      bool free = true;
+      for (const QRectF& tr : taken) free = free && !r.intersects(tr);
+      if (free) {
+        chosen = pl;
+        break;
+      }
+    }
+    DrawPlate(x, QPointF(chosen.x, chosen.y), chosen.align, text, f, x.c("TARGET"));
     break;
   }
 
@@ -685,8 +713,12 @@ void DrawEvaluation(Ctx& x, const QRectF& area, const InterfaceFile& d, bool imp
   std::vector<LegendItem> legend = {
       {s.colour(QStringLiteral("TARGET")), s.text(QStringLiteral("TARGET")), LegendItem::Dashed},
       {s.colour(QStringLiteral("MEAN")), s.text(QStringLiteral("MEAN")), LegendItem::Dotted},
-      {s.colour(QStringLiteral("EXCLUDED")), s.text(QStringLiteral("EXCLUDED")), LegendItem::Hatch},
   };
+  for (const auto& l : d.lines)
+    if (l.state == LineState::Excluded) {
+      legend.push_back({s.colour(QStringLiteral("EXCLUDED")), s.text(QStringLiteral("EXCLUDED")), LegendItem::Hatch});
+      break;
+    }
   const double lh = DrawLegend(x, left, legend) + x.b * 0.3;
   const double bandH = (left.height() - lh) / 3.0;
   std::vector<std::pair<QString, QString>> figures;
