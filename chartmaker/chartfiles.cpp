@@ -216,14 +216,18 @@ ChartReadStatus ReadHeaderFile(const QString& path, HeaderFile& out) {
   out.group = name(4);
   out.comment = lines[1].trimmed();
 
-  QStringList body;
-  for (const auto& p : lines[2].split(QLatin1Char(','))) {
-    if (!p.trimmed().isEmpty()) body.append(p.trimmed());
-  }
-  if (body.size() > 0) out.age = body[0];
-  if (body.size() > 1) out.gender = body[1];
-  if (body.size() > 2) out.height = body[2];
-  if (body.size() > 3) out.weight = body[3];
+  // Age, gender (which carries its own comma, so an empty field follows it), height,
+  // weight. Read from both ends, so that an empty gender caption shifts nothing.
+  QStringList body = lines[2].split(QLatin1Char(','));
+  for (auto& part : body) part = part.trimmed();
+  qsizetype last = body.size() - 1;
+  while (last >= 0 && body[last].isEmpty()) --last;
+  if (last >= 1) out.weight = body[last];
+  qsizetype heightAt = last - 1;
+  while (heightAt >= 1 && body[heightAt].isEmpty()) --heightAt;
+  if (heightAt >= 1) out.height = body[heightAt];
+  out.age = body.value(0);
+  if (heightAt > 1 || (heightAt < 1 && body.size() > 1)) out.gender = body.value(1);
   out.imperial = out.weight.contains(QLatin1String("lbs"));
 
   const QStringList period = lines[3].split(QLatin1Char(','));

@@ -395,6 +395,7 @@ TEST(ChartFiles, HeaderFileFields) {
   EXPECT_EQ(h.lastName, "Holloway");
   EXPECT_EQ(h.age, "52");
   EXPECT_EQ(h.gender, "Female");
+  EXPECT_EQ(h.height, "5' 4\"");
   EXPECT_EQ(h.weight, "152 lbs.");
   EXPECT_TRUE(h.imperial);
   EXPECT_EQ(h.start, QDate(2024, 6, 1));
@@ -402,6 +403,15 @@ TEST(ChartFiles, HeaderFileFields) {
   EXPECT_EQ(h.targetStep, "8000");
   EXPECT_EQ(h.exclusionText, "First Date, Last Date, 50 Step and under/day");
   EXPECT_EQ(h.institution, "Riverside Health Centre");
+  // An empty gender caption leaves height and weight in their places.
+  QString text = fixtures::HeaderText(true, QDate(2024, 6, 1), QDate(2024, 6, 30));
+  text.replace(QStringLiteral("45,女性,,"), QStringLiteral("45,,,"));
+  ASSERT_TRUE(fixtures::WriteText(file, text));
+  ASSERT_EQ(ReadHeaderFile(file, h), ChartReadStatus::Ok);
+  EXPECT_EQ(h.gender, QString());
+  EXPECT_EQ(h.height, "158 cm");
+  EXPECT_EQ(h.weight, "55.0 kg");
+  EXPECT_FALSE(h.imperial);
   // Shift_JIS text is read too.
   QFile sj(dir.filePath("sj.txt"));
   ASSERT_TRUE(sj.open(QIODevice::WriteOnly));
