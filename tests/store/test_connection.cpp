@@ -28,6 +28,15 @@ TEST_F(StoreTest, OpenFillsEmptyArgumentsWithTheDefaults) {
   EXPECT_EQ(VTDB_Open(other, path, password), 0);
   EXPECT_EQ(path, QStringLiteral("../data/mdb/ACTA.db"));
   EXPECT_EQ(password, QStringLiteral("qoxtlamv"));
+  {
+    // Committed writes are synced: they survive a power cut, not only a crash.
+    Statement mode(other, QStringLiteral("PRAGMA journal_mode"));
+    ASSERT_TRUE(mode.step());
+    EXPECT_EQ(mode.text(0), QStringLiteral("wal"));
+    Statement sync(other, QStringLiteral("PRAGMA synchronous"));
+    ASSERT_TRUE(sync.step());
+    EXPECT_EQ(sync.text(0), QStringLiteral("2"));
+  }
   EXPECT_EQ(VTDB_Close(other), 0);
   EXPECT_FALSE(other.isOpen());
 }
