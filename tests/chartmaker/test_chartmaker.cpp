@@ -341,7 +341,7 @@ TEST(ChartFiles, DayProfileSlotsGapsEventsAndMode) {
   InterfaceFile f;
   ASSERT_EQ(ReadInterfaceFile(file, f), ChartReadStatus::Ok);
   ASSERT_EQ(f.lines.size(), 1u);
-  const ChartLine& l = f.lines[0];
+  const ChartLine l = f.lines[0];  // a copy: f is read again below
   EXPECT_EQ(l.fields.size(), 786);
   const DayProfile p = ReadDayProfile(l);
   EXPECT_TRUE(p.any);
