@@ -1,4 +1,6 @@
 // GROUP, USER, CPU_TABLE and GENERAL_DATA: the VTDB_ operations.
+#include <utility>
+
 #include "config.h"
 #include "device.h"
 #include "helpers.h"
@@ -381,28 +383,34 @@ bool VTDB_DeleteCPUNoOnUserId(VtDatabase& db, const QString& userId) {
 
 // ---- GENERAL_DATA ----
 
+namespace {
+
+// Year, month and day narrow the general data one after the other: a month counts only with a
+// year, a day only with a month. True when all three were given.
+bool AppendGeneralDateFilter(QString& sql, QStringList& values, const QString& year, const QString& month,
+                             const QString& day) {
+  const std::pair<const char*, const QString*> parts[] = {{" AND YEAR=?", &year}, {" AND MONTH=?", &month},
+                                                          {" AND DAY=?", &day}};
+  for (const auto& [clause, value] : parts) {
+    if (value->isEmpty()) return false;
+    sql += QLatin1String(clause);
+    values << *value;
+  }
+  return true;
+}
+
+}  // namespace
+
 bool VTDB_GetGeneralDataInfo(VtDatabase& db, std::vector<GeneralRecord>& items, const QString& item,
                              const QString& userId, const QString& year, const QString& month,
                              const QString& day, const QString& subItem) {
   return Guarded(db, "VTDB_GetGeneralDataInfo", false, [&] {
     QString sql = QStringLiteral("SELECT * FROM [GENERAL_DATA]  WHERE ITEM=? AND USER_ID=?");
     QStringList values = {item, userId};
-    if (!year.isEmpty()) {
-      sql += QStringLiteral(" AND YEAR=?");
-      values << year;
-      if (!month.isEmpty()) {
-        sql += QStringLiteral(" AND MONTH=?");
-        values << month;
-        if (!day.isEmpty()) {
-          sql += QStringLiteral(" AND DAY=?");
-          values << day;
-          // The sub-item is tested, but the item stands in its place: it narrows nothing.
-          if (!subItem.isEmpty()) {
-            sql += QStringLiteral(" AND ITEM=?");
-            values << item;
-          }
-        }
-      }
+    // The sub-item is tested, but the item stands in its place: it narrows nothing.
+    if (AppendGeneralDateFilter(sql, values, year, month, day) && !subItem.isEmpty()) {
+      sql += QStringLiteral(" AND ITEM=?");
+      values << item;
     }
     sql += QStringLiteral(" ORDER BY YEAR, MONTH, DAY, ITEM, SUB_ITEM");
     Statement st(db, sql);
@@ -436,21 +444,9 @@ bool VTDB_DeleteGeneralData(VtDatabase& db, const QString& userId, const QString
   return Guarded(db, "VTDB_DeleteGeneralData", false, [&] {
     QString sql = QStringLiteral("DELETE FROM [GENERAL_DATA] WHERE USER_ID = ? AND ITEM= ?");
     QStringList values = {userId, item};
-    if (!year.isEmpty()) {
-      sql += QStringLiteral(" AND YEAR=?");
-      values << year;
-      if (!month.isEmpty()) {
-        sql += QStringLiteral(" AND MONTH=?");
-        values << month;
-        if (!day.isEmpty()) {
-          sql += QStringLiteral(" AND DAY=?");
-          values << day;
-          if (!subItem.isEmpty()) {
-            sql += QStringLiteral(" AND SUB_ITEM=?");
-            values << subItem;
-          }
-        }
-      }
+    if (AppendGeneralDateFilter(sql, values, year, month, day) && !subItem.isEmpty()) {
+      sql += QStringLiteral(" AND SUB_ITEM=?");
+      values << subItem;
     }
     Statement st(db, sql);
     for (int i = 0; i < values.size(); ++i) st.bind(i + 1, values.at(i));
