@@ -87,7 +87,7 @@ void overlayAll(UserRecord& r, const UserInfo& u) {
 
 UserRecord blankUserRecord() {
   UserRecord r;
-  const TableSpec* spec = FindTable(QStringLiteral("USER"));
+  const TableSpec* layout = FindTable(QStringLiteral("USER"));
   QString* fields[] = {&r.USER_ID,       &r.GROUP_ID,      &r.LOGIN_ID,      &r.PASSWORD,
                        &r.FIRST_NAME,    &r.MIDDLE_NAME,   &r.LAST_NAME,     &r.NICK_NAME,
                        &r.COMMENT,       &r.ICONINDEX,     &r.GENDAR,        &r.AGE,
@@ -96,7 +96,7 @@ UserRecord blankUserRecord() {
                        &r.TARGET_STEP,   &r.TARGET_ACTMIN, &r.TARGET_INTAKE, &r.MODERATE_LOW,
                        &r.MODERATE_HIGH, &r.GRAPH_TARGET,  &r.PREF_ID,       &r.CPU_NO,
                        &r.CPU_STARTDATE, &r.EXTRA1,        &r.EXTRA2,        &r.EXTRA3};
-  for (size_t i = 0; i < spec->columns.size(); ++i) *fields[i] = FixWidth(QString(), spec->columns[i].width);
+  for (size_t i = 0; i < layout->columns.size(); ++i) *fields[i] = FixWidth(QString(), layout->columns[i].width);
   return r;
 }
 

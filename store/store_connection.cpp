@@ -28,21 +28,21 @@ void ReportFailure(VtDatabase& db, const QString& operation, const QString& numb
 void Fail(const QString& text) { throw StoreError(0, text); }
 
 void InsertRow(VtDatabase& db, const char* table, const QStringList& values) {
-  const TableSpec* spec = FindTable(QLatin1String(table));
-  if (!spec) Fail(QStringLiteral("Unknown table %1").arg(QLatin1String(table)));
-  if (values.size() > static_cast<int>(spec->columns.size()))
-    Fail(QStringLiteral("%1 values for the %2 columns of %3").arg(values.size()).arg(spec->columns.size()).arg(QLatin1String(table)));
+  const TableSpec* layout = FindTable(QLatin1String(table));
+  if (!layout) Fail(QStringLiteral("Unknown table %1").arg(QLatin1String(table)));
+  if (values.size() > static_cast<int>(layout->columns.size()))
+    Fail(QStringLiteral("%1 values for the %2 columns of %3").arg(values.size()).arg(layout->columns.size()).arg(QLatin1String(table)));
   QStringList names;
   QStringList marks;
-  for (const ColumnSpec& c : spec->columns) {
+  for (const ColumnSpec& c : layout->columns) {
     names << QLatin1Char('[') + QLatin1String(c.name) + QLatin1Char(']');
     marks << QStringLiteral("?");
   }
   Statement st(db, QStringLiteral("INSERT INTO [%1] (%2) VALUES (%3)")
                        .arg(QLatin1String(table), names.join(QLatin1Char(',')), marks.join(QLatin1Char(','))));
-  for (int i = 0; i < static_cast<int>(spec->columns.size()); ++i) {
+  for (int i = 0; i < static_cast<int>(layout->columns.size()); ++i) {
     QString v = i < values.size() ? values.at(i) : QString();
-    if (spec->padded) v = FixWidth(RemoveLineBreaks(v, 0), spec->columns[static_cast<size_t>(i)].width);
+    if (layout->padded) v = FixWidth(RemoveLineBreaks(v, 0), layout->columns[static_cast<size_t>(i)].width);
     st.bind(i + 1, v.isNull() ? QStringLiteral("") : v);
   }
   st.run();

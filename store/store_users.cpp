@@ -261,10 +261,10 @@ bool VTDB_SetUserInfo(VtDatabase& db, const UserRecord& user) {
 bool VTDB_ChangeUserInfo(VtDatabase& db, const UserRecord& user) {
   return Guarded(db, "VTDB_ChangeUserInfo", false, [&] {
     const QStringList values = userValues(user);
-    const TableSpec* spec = FindTable(QStringLiteral("USER"));
+    const TableSpec* layout = FindTable(QStringLiteral("USER"));
     QList<std::pair<const char*, QString>> columns;
-    for (size_t i = 1; i < spec->columns.size(); ++i)
-      columns.append({spec->columns[i].name, values.at(static_cast<int>(i))});
+    for (size_t i = 1; i < layout->columns.size(); ++i)
+      columns.append({layout->columns[i].name, values.at(static_cast<int>(i))});
     if (!updateUserColumns(db, user.USER_ID, columns)) Fail(QLatin1String(kNoCurrentRecord));
     return true;
   });
