@@ -282,32 +282,57 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
   const int every = std::max(1, static_cast<int>(std::ceil((widest + x.b * 0.4) / sw)));
   const QFont smallFont = x.font(0.75);
   const QFont valueFont = x.font(0.8, true);
+  std::vector<QRectF> bars;
 
-  // Value labels, which the target's caption should not cover (it may lie over a bar).
+  // Value labels and the no-data notes, which the target's caption should not cover.
   std::vector<QRectF> taken;
+  struct GapNote {
+    QRectF band;
+    QString word;
+  };
+  std::vector<GapNote> gapNotes;  // drawn over the target and mean lines
+  auto isGap = [&](int i) {
+    const LineState st = c.slots[static_cast<size_t>(i)].state;
+    return st == LineState::NoData || st == LineState::AllExcluded;
+  };
+  // Days without data (or groups whose days were all left out): a quiet hatched column
+  // each, wordless; a run of them gets one label on a band along its foot when the label
+  // fits the run, never one word per narrow column.
+  for (int i = 0; i < n;) {
+    if (!isGap(i)) {
+      ++i;
+      continue;
+    }
+    const LineState st = c.slots[static_cast<size_t>(i)].state;
+    int j = i;
+    while (j + 1 < n && c.slots[static_cast<size_t>(j + 1)].state == st) ++j;
+    QColor hatch = x.c("NO_DATA");
+    hatch.setAlpha(70);
+    for (int k = i; k <= j; ++k) {
+      const QRectF column(plot.left() + sw * (k + 0.5) - bw / 2, plot.top(), bw, plot.height());
+      p.setPen(Qt::NoPen);
+      p.setBrush(x.c("PANEL"));
+      p.drawRect(column);
+      p.setBrush(HatchBrush(hatch));
+      p.drawRect(column);
+    }
+    const QString word = st == LineState::NoData ? x.t("NO_DATA") : x.t("EXCLUDED");
+    const double runLeft = plot.left() + sw * (i + 0.5) - bw / 2;
+    const double runW = sw * (j - i) + bw;
+    const QFontMetricsF sfm(smallFont);
+    if (TextWidth(smallFont, word) + x.b * 0.5 <= runW) {
+      const double bandH = sfm.height() + x.b * 0.4;
+      const QRectF band(runLeft, plot.bottom() - bandH - x.b * 0.15, runW, bandH);
+      gapNotes.push_back({band, word});
+      taken.push_back(band);
+    }
+    i = j + 1;
+  }
+
   for (int i = 0; i < n; ++i) {
     const Slot& s = c.slots[static_cast<size_t>(i)];
     const double cx = plot.left() + sw * (i + 0.5);
-    const QRectF column(cx - bw / 2, plot.top(), bw, plot.height());
-    if (s.state == LineState::NoData || s.state == LineState::AllExcluded) {
-      QColor bg = x.c("PANEL");
-      p.setPen(Qt::NoPen);
-      p.setBrush(bg);
-      p.drawRect(column);
-      const QString word = s.state == LineState::NoData ? x.t("NO_DATA") : x.t("EXCLUDED");
-      p.save();
-      const double tw = TextWidth(smallFont, word);
-      if (tw > bw * 0.95) {
-        p.translate(cx, plot.bottom() - x.b * 0.4);
-        p.rotate(-90);
-        DrawText(p, QRectF(0, -bw / 2, plot.height(), bw), Qt::AlignLeft | Qt::AlignVCenter, word, smallFont,
-                 x.c("SUBTEXT"));
-      } else {
-        DrawText(p, QRectF(column.left(), plot.bottom() - x.b * 2.2, bw, x.b * 2), Qt::AlignCenter, word,
-                 smallFont, x.c("SUBTEXT"));
-      }
-      p.restore();
-    } else {
+    if (!isGap(i)) {
       double base = 0;
       const bool excluded = s.state == LineState::Excluded;
       for (const auto& g : s.segs) {
@@ -333,6 +358,7 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
         p.setBrush(Qt::NoBrush);
         p.drawRect(QRectF(cx - bw / 2, yOf(base), bw, yOf(0) - yOf(base)));
       }
+      if (base > 0) bars.push_back(QRectF(cx - bw / 2, yOf(base), bw, yOf(0) - yOf(base)));
       double labelY = yOf(base);
       if (s.marker) labelY = std::min(labelY, yOf(*s.marker) - std::min(bw * 0.3, x.b * 0.55));
       if (!s.valueText.isEmpty() && TextWidth(valueFont, s.valueText) < sw * 0.98 && !c.compact) {
@@ -342,7 +368,15 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
                  s.valueText, valueFont, excluded ? x.c("SUBTEXT") : x.c("TEXT"));
       }
     }
-    // Date label and the exclusion note under the axis.
+    if (s.state == LineState::Excluded && TextWidth(smallFont, x.t("EXCLUDED")) < sw * 1.1) {
+      DrawText(p, QRectF(cx - sw / 2, plot.bottom() + x.b * 0.35 + afm.height() * labelLines, sw, afm.height()),
+               Qt::AlignHCenter | Qt::AlignTop, x.t("EXCLUDED"), smallFont, x.c("SUBTEXT"));
+    }
+  }
+
+  for (int i = 0; i < n; ++i) {
+    const Slot& s = c.slots[static_cast<size_t>(i)];
+    const double cx = plot.left() + sw * (i + 0.5);
     const QColor labelColour = s.state == LineState::Counted ? x.c("TEXT") : x.c("SUBTEXT");
     if (i % every == 0 || n - 1 == i) {
       if (i % every != 0 && (n - 1) % every != 0 && (n - 1 - (i / every) * every) < every / 2 + 1) {
@@ -355,10 +389,6 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
           ly += afm.height();
         }
       }
-    }
-    if (s.state == LineState::Excluded && TextWidth(smallFont, x.t("EXCLUDED")) < sw * 1.1) {
-      DrawText(p, QRectF(cx - sw / 2, plot.bottom() + x.b * 0.35 + afm.height() * labelLines, sw, afm.height()),
-               Qt::AlignHCenter | Qt::AlignTop, x.t("EXCLUDED"), smallFont, x.c("SUBTEXT"));
     }
   }
 
@@ -395,14 +425,22 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
     };
     const Place places[] = {{plot.right(), above, Qt::AlignRight}, {plot.right(), below, Qt::AlignRight},
                             {plot.left(), above, Qt::AlignLeft}, {plot.left(), below, Qt::AlignLeft}};
+    // First choice: a place over no bar either; else one that covers no label.
     Place chosen = places[0];
+    bool found = false;
     for (const Place& pl : places) {
       const double left = pl.align & Qt::AlignRight ? pl.x - w : pl.x;
       const QRectF r(left, pl.y - h, w, h);
       if (r.bottom() > plot.bottom() || r.top() < plot.top() - x.b) continue;
       bool free = true;
       for (const QRectF& tr : taken) free = free && !r.intersects(tr);
-      if (free) {
+      if (free && !found) {
+        chosen = pl;
+        found = true;
+      }
+      bool clear = free;
+      for (const QRectF& br : bars) clear = clear && !r.intersects(br);
+      if (clear) {
         chosen = pl;
         break;
       }
@@ -416,6 +454,13 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
     QPen meanPen(x.c("MEAN"), std::max(1.5, x.b * 0.15), Qt::DotLine);
     p.setPen(meanPen);
     p.drawLine(QPointF(plot.left(), yOf(*c.mean)), QPointF(plot.right(), yOf(*c.mean)));
+  }
+
+  for (const GapNote& g : gapNotes) {
+    p.setPen(Qt::NoPen);
+    p.setBrush(x.c("PANEL"));
+    p.drawRoundedRect(g.band, g.band.height() * 0.2, g.band.height() * 0.2);
+    DrawText(p, g.band, Qt::AlignCenter, g.word, smallFont, x.c("SUBTEXT"));
   }
 
   // Markers on top of everything.
