@@ -374,21 +374,34 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
     }
   }
 
-  for (int i = 0; i < n; ++i) {
-    const Slot& s = c.slots[static_cast<size_t>(i)];
+  // Date labels: every `every` slot from the first, and always the last; the one before
+  // the last gives way when the two would touch. Labels stay inside the chart's area.
+  const double labelTop = plot.bottom() + x.b * 0.35;
+  auto labelRect = [&](int i) {
+    double w = 0;
+    for (const auto& l : c.slots[static_cast<size_t>(i)].label) w = std::max(w, TextWidth(axisFont, l));
     const double cx = plot.left() + sw * (i + 0.5);
+    const double left = std::clamp(cx - w / 2, area.left(), std::max(area.left(), area.right() - w));
+    return QRectF(left, labelTop, w, afm.height() * labelLines);
+  };
+  std::vector<int> dated;
+  for (int i = 0; i < n; i += every) dated.push_back(i);
+  if (dated.back() != n - 1) dated.push_back(n - 1);
+  while (dated.size() >= 2 &&
+         labelRect(dated[dated.size() - 2]).right() + x.b * 0.4 > labelRect(dated.back()).left()) {
+    if (dated.size() > 2)
+      dated.erase(dated.end() - 2);
+    else
+      dated.pop_back();
+  }
+  for (int i : dated) {
+    const Slot& s = c.slots[static_cast<size_t>(i)];
     const QColor labelColour = s.state == LineState::Counted ? x.c("TEXT") : x.c("SUBTEXT");
-    if (i % every == 0 || n - 1 == i) {
-      if (i % every != 0 && (n - 1) % every != 0 && (n - 1 - (i / every) * every) < every / 2 + 1) {
-        // the last label would collide with the previous one
-      } else {
-        double ly = plot.bottom() + x.b * 0.35;
-        for (const auto& l : s.label) {
-          DrawText(p, QRectF(cx - sw * every / 2.0, ly, sw * every, afm.height()), Qt::AlignHCenter | Qt::AlignTop, l,
-                   axisFont, labelColour);
-          ly += afm.height();
-        }
-      }
+    QRectF r = labelRect(i);
+    for (const auto& l : s.label) {
+      DrawText(p, QRectF(r.left(), r.top(), r.width(), afm.height()), Qt::AlignHCenter | Qt::AlignTop, l, axisFont,
+               labelColour);
+      r.translate(0, afm.height());
     }
   }
 
