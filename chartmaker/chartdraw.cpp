@@ -1324,6 +1324,21 @@ QString RecorderName(const ChartSettings& s, const QString& kind) {
 
 }  // namespace
 
+QString ExclusionCaption(const ChartSettings& s, const QString& exclusionText) {
+  const std::optional<ExclusionRule> rule = ParseExclusionText(exclusionText);
+  if (!rule) return exclusionText;
+  QStringList parts;
+  if (rule->firstDay) parts << s.text(QStringLiteral("EXCLUDE_FIRST_DAY"));
+  if (rule->lastDay) parts << s.text(QStringLiteral("EXCLUDE_LAST_DAY"));
+  // A day is left out when its steps are below the threshold, so 0 or less leaves none.
+  if (!rule->threshold.isEmpty() && rule->threshold.toLong() > 0)
+    parts << s.text(QStringLiteral("EXCLUDE_LOW_STEPS")).arg(Num(rule->threshold.toDouble()));
+  QString out = parts.isEmpty() ? s.text(QStringLiteral("EXCLUDE_NONE"))
+                                : parts.join(s.text(QStringLiteral("EXCLUDE_SEPARATOR")));
+  if (!out.isEmpty()) out[0] = out[0].toUpper();
+  return out;
+}
+
 void DrawReportPage(QPainter& p, const QRectF& page, const ChartDocument& doc, const HeaderFile& h,
                     const ChartSettings& s) {
   Ctx x{p, s, page.width() / 70.0};
@@ -1374,7 +1389,7 @@ void DrawReportPage(QPainter& p, const QRectF& page, const ChartDocument& doc, c
            s.text(QStringLiteral("TARGET_ACTMIN")) + QLatin1Char(' ') + h.targetActMin},
       {s.text(QStringLiteral("MODERATE_RANGE")),
        s.text(QStringLiteral("LEVEL")) + QLatin1Char(' ') + h.moderateFrom + QStringLiteral(" - ") + h.moderateTo},
-      {s.text(QStringLiteral("EXCLUSION")), h.exclusionText},
+      {s.text(QStringLiteral("EXCLUSION")), ExclusionCaption(s, h.exclusionText)},
       {s.text(QStringLiteral("RECORDER")), RecorderName(s, h.recorderKind)},
   };
   if (!h.comment.isEmpty()) facts.push_back({s.text(QStringLiteral("COMMENT")), h.comment});

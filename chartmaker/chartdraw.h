@@ -28,5 +28,9 @@ void DrawChartDocument(QPainter& p, const QRectF& area, const ChartDocument& doc
 void DrawReportPage(QPainter& p, const QRectF& page, const ChartDocument& doc,
                     const HeaderFile& header, const ChartSettings& s);
 
+// The header's exclusion line in the words of the settings ("first day, last day, days
+// under 50 steps"); the line as written when it does not parse.
+QString ExclusionCaption(const ChartSettings& s, const QString& exclusionText);
+
 // Result of drawing a document: 0, or the chart family's code for a file without data.
 int DocumentResultCode(const ChartDocument& doc);

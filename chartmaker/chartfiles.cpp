@@ -252,6 +252,38 @@ ChartReadStatus ReadHeaderFile(const QString& path, HeaderFile& out) {
   return ChartReadStatus::Ok;
 }
 
+std::optional<ExclusionRule> ParseExclusionText(const QString& text) {
+  static const QString kFirst = QStringLiteral("First Date");
+  static const QString kLast = QStringLiteral("Last Date");
+  static const QString kTail = QStringLiteral("Step and under/day");
+  QString t = text.trimmed();
+  if (t.startsWith(QLatin1Char('"')) && t.endsWith(QLatin1Char('"')) && t.size() >= 2) t = t.mid(1, t.size() - 2);
+  ExclusionRule r;
+  auto skipSeparator = [&t] {
+    t = t.trimmed();
+    if (t.startsWith(QLatin1Char(','))) t = t.mid(1).trimmed();
+  };
+  if (t.startsWith(kFirst)) {
+    r.firstDay = true;
+    t = t.mid(kFirst.size());
+    skipSeparator();  // "First Date" alone is written without a separator behind it
+  }
+  if (t.startsWith(kLast)) {
+    r.lastDay = true;
+    t = t.mid(kLast.size());
+    skipSeparator();
+  }
+  if (!t.endsWith(kTail)) return std::nullopt;
+  t.chop(kTail.size());
+  r.threshold = t.trimmed();
+  if (!r.threshold.isEmpty()) {
+    bool ok = false;
+    r.threshold.toLong(&ok);
+    if (!ok) return std::nullopt;
+  }
+  return r;
+}
+
 ChartReadStatus ReadSimFile(const QString& path, SimFile& out) {
   out = SimFile();
   const auto read = ReadTextLines(path);

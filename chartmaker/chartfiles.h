@@ -95,6 +95,16 @@ struct HeaderFile {
 };
 ChartReadStatus ReadHeaderFile(const QString& path, HeaderFile& out);
 
+// The header's exclusion line, whose English wording the file format keeps:
+// ["First Date"][", "]["Last Date, "]<threshold>" Step and under/day". The threshold
+// may be empty (no step rule). nullopt when the text has another form.
+struct ExclusionRule {
+  bool firstDay = false;
+  bool lastDay = false;
+  QString threshold;  // as written; empty when the line names none
+};
+std::optional<ExclusionRule> ParseExclusionText(const QString& text);
+
 struct SimPoint {
   QDate day;
   std::optional<double> weight;

@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 
 #include "chart_fixtures.h"
+#include "chartdraw.h"
 #include "chartfiles.h"
 #include "chartmaker.h"
 #include "chartsettings.h"
@@ -420,6 +421,46 @@ TEST(ChartFiles, HeaderFileFields) {
   ASSERT_EQ(ReadHeaderFile(sj.fileName(), h), ChartReadStatus::Ok);
   EXPECT_EQ(h.firstName, QStringLiteral("山田"));
   EXPECT_EQ(ReadHeaderFile(dir.filePath("none"), h), ChartReadStatus::Missing);
+}
+
+TEST(ChartFilesTest, ExclusionLineParsesEveryFormTheWriterMakes) {
+  auto parsed = [](const QString& text) {
+    const auto r = ParseExclusionText(text);
+    if (!r) return QStringLiteral("none");
+    return QStringLiteral("%1%2|%3").arg(r->firstDay ? "F" : "-", r->lastDay ? "L" : "-", r->threshold);
+  };
+  EXPECT_EQ(parsed("First Date, Last Date, 50 Step and under/day"), "FL|50");
+  EXPECT_EQ(parsed("\"First Date, Last Date, 50 Step and under/day\""), "FL|50");
+  // "First Date" alone has no separator behind it.
+  EXPECT_EQ(parsed("First Date50 Step and under/day"), "F-|50");
+  EXPECT_EQ(parsed("Last Date, 1000 Step and under/day"), "-L|1000");
+  EXPECT_EQ(parsed("50 Step and under/day"), "--|50");
+  EXPECT_EQ(parsed("First Date, Last Date,  Step and under/day"), "FL|");
+  EXPECT_EQ(parsed(" Step and under/day"), "--|");
+  // Other wording, a threshold that is no number, or the parts in another order.
+  EXPECT_EQ(parsed(""), "none");
+  EXPECT_EQ(parsed("First Date, Last Date"), "none");
+  EXPECT_EQ(parsed("First Date, Last Date, fifty Step and under/day"), "none");
+  EXPECT_EQ(parsed("Last Date, First Date, 50 Step and under/day"), "none");
+  EXPECT_EQ(parsed(QStringLiteral("初日・最終日")), "none");
+}
+
+TEST(ChartSettingsTest, ExclusionCaptionInTheEditionsLanguage) {
+  EnsureGuiApp();
+  ChartSettings ja;
+  ASSERT_TRUE(ja.load(DistChartIni("ja")));
+  EXPECT_EQ(ExclusionCaption(ja, "First Date, Last Date, 50 Step and under/day"),
+            QStringLiteral("初日・最終日・1日50歩未満の日"));
+  EXPECT_EQ(ExclusionCaption(ja, "Last Date, 2000 Step and under/day"), QStringLiteral("最終日・1日2,000歩未満の日"));
+  // No step rule (empty or a threshold that leaves no day out) and no day rule: none.
+  EXPECT_EQ(ExclusionCaption(ja, "First Date Step and under/day"), QStringLiteral("初日"));
+  EXPECT_EQ(ExclusionCaption(ja, "0 Step and under/day"), QStringLiteral("なし"));
+  ChartSettings en;
+  ASSERT_TRUE(en.load(DistChartIni("en")));
+  EXPECT_EQ(ExclusionCaption(en, "First Date, Last Date, 50 Step and under/day"),
+            "First day, last day, days under 50 steps");
+  // What does not parse is shown as written.
+  EXPECT_EQ(ExclusionCaption(ja, "Sundays"), "Sundays");
 }
 
 TEST(ChartSettingsTest, DateFormatsAndEditionCaptions) {
