@@ -3,20 +3,8 @@
 #include "data_convert.h"
 #include "trace.h"
 
-QTime FlashData::event(int n) const {
-  switch (n) {
-    case 2: return Event2;
-    case 3: return Event3;
-    case 4: return Event4;
-    case 5: return Event5;
-    case 6: return Event6;
-    case 7: return Event7;
-    case 8: return Event8;
-    case 9: return Event9;
-    case 10: return Event10;
-    default: return Event1;
-  }
-}
+// One table of the ten event fields serves both forms: the writable one only picks a member.
+QTime FlashData::event(int n) const { return const_cast<FlashData*>(this)->event(n); }
 
 QTime& FlashData::event(int n) {
   switch (n) {
