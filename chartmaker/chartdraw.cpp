@@ -291,6 +291,12 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
     QString word;
   };
   std::vector<GapNote> gapNotes;  // drawn over the target and mean lines
+  struct ValueLabel {
+    QPointF anchor;  // bottom centre
+    QString text;
+    bool excluded;
+  };
+  std::vector<ValueLabel> valueLabels;  // likewise, so no line runs through a figure
   auto isGap = [&](int i) {
     const LineState st = c.slots[static_cast<size_t>(i)].state;
     return st == LineState::NoData || st == LineState::AllExcluded;
@@ -320,7 +326,16 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
     const double runLeft = plot.left() + sw * (i + 0.5) - bw / 2;
     const double runW = sw * (j - i) + bw;
     const QFontMetricsF sfm(smallFont);
-    if (TextWidth(smallFont, word) + x.b * 0.5 <= runW) {
+    const double wordW = TextWidth(smallFont, word) + x.b * 0.5;
+    if (wordW <= bw) {
+      // Wide columns (weeks, spans) each carry their own word.
+      for (int k = i; k <= j; ++k) {
+        const QRectF band(plot.left() + sw * (k + 0.5) - bw / 2, plot.bottom() - sfm.height() - x.b * 0.55, bw,
+                          sfm.height() + x.b * 0.4);
+        gapNotes.push_back({band, word});
+        taken.push_back(band);
+      }
+    } else if (wordW <= runW) {
       const double bandH = sfm.height() + x.b * 0.4;
       const QRectF band(runLeft, plot.bottom() - bandH - x.b * 0.15, runW, bandH);
       gapNotes.push_back({band, word});
@@ -364,8 +379,7 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
       if (!s.valueText.isEmpty() && TextWidth(valueFont, s.valueText) < sw * 0.98 && !c.compact) {
         const double tw = TextWidth(valueFont, s.valueText);
         taken.push_back(QRectF(cx - tw / 2, labelY - x.b * 1.3, tw, x.b * 1.2));
-        DrawText(p, QRectF(cx - sw / 2, labelY - x.b * 1.3, sw, x.b * 1.2), Qt::AlignHCenter | Qt::AlignBottom,
-                 s.valueText, valueFont, excluded ? x.c("SUBTEXT") : x.c("TEXT"));
+        valueLabels.push_back({QPointF(cx, labelY - x.b * 0.1), s.valueText, excluded});
       }
     }
     if (s.state == LineState::Excluded && TextWidth(smallFont, x.t("EXCLUDED")) < sw * 1.1) {
@@ -469,6 +483,8 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
     p.drawLine(QPointF(plot.left(), yOf(*c.mean)), QPointF(plot.right(), yOf(*c.mean)));
   }
 
+  for (const ValueLabel& v : valueLabels)
+    DrawPlate(x, v.anchor, Qt::AlignHCenter, v.text, valueFont, v.excluded ? x.c("SUBTEXT") : x.c("TEXT"));
   for (const GapNote& g : gapNotes) {
     p.setPen(Qt::NoPen);
     p.setBrush(x.c("PANEL"));
