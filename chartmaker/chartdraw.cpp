@@ -1227,7 +1227,10 @@ void DrawValueTable(Ctx& x, const QRectF& area, const ChartDocument& doc) {
                       s.text(QStringLiteral("TOTAL_CAL")) + QStringLiteral(" (") + s.text(QStringLiteral("UNIT_KCAL")) + QLatin1Char(')'),
                       s.text(QStringLiteral("ACTIVITY_TIME")) + QStringLiteral(" (") + s.text(QStringLiteral("UNIT_MIN")) + QLatin1Char(')'),
                       s.text(QStringLiteral("DISTANCE")) + QStringLiteral(" (") + s.text(doc.imperial ? QStringLiteral("UNIT_MILE") : QStringLiteral("UNIT_KM")) + QLatin1Char(')'),
-                      s.text(QStringLiteral("EXERCISE")) + QStringLiteral(" (") + s.text(QStringLiteral("UNIT_EX")) + QLatin1Char(')'),
+                      // the exercise is its own unit in some editions: no "Exercise (Exercise)"
+                      s.text(QStringLiteral("EXERCISE")) == s.text(QStringLiteral("UNIT_EX"))
+                          ? s.text(QStringLiteral("EXERCISE"))
+                          : s.text(QStringLiteral("EXERCISE")) + QStringLiteral(" (") + s.text(QStringLiteral("UNIT_EX")) + QLatin1Char(')'),
                       s.text(QStringLiteral("STATE"))};
   (void)dist;
   std::vector<QStringList> rows;
@@ -1262,7 +1265,15 @@ void DrawValueTable(Ctx& x, const QRectF& area, const ChartDocument& doc) {
     for (int c = 0; c < cols; ++c) {
       const double w = area.width() * widths[static_cast<size_t>(c)] / total;
       const int align = (c == 0 || c == cols - 1 ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter;
-      DrawText(x.p, QRectF(cx + x.b * 0.4, y, w - x.b * 0.8, rowH), align | Qt::TextWordWrap, cells.value(c), f, fg);
+      // One line per cell: a caption too long for its column gets a smaller type, then an ellipsis.
+      const double room = w - x.b * 0.8;
+      QFont cf2 = f;
+      const QString cell = cells.value(c);
+      const double need = TextWidth(f, cell);
+      if (need > room && need > 0)
+        cf2.setPixelSize(std::max(1, static_cast<int>(f.pixelSize() * std::max(0.75, room / need))));
+      const QString shownText = QFontMetricsF(cf2).elidedText(cell, Qt::ElideRight, room);
+      DrawText(x.p, QRectF(cx + x.b * 0.4, y, room, rowH), align, shownText, cf2, fg);
       cx += w;
     }
     y += rowH;
