@@ -213,6 +213,7 @@ struct BarChart {
   std::vector<LegendItem> legend;
   bool showTitle = true;
   bool compact = false;
+  double minYLabelWidth = 0;  // stacked charts share it, so their bars line up
 };
 
 double SlotTotal(const Slot& s) {
@@ -244,7 +245,7 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c) {
   const QFontMetricsF afm(axisFont);
   const int decimals = step < 1 ? (step < 0.1 ? 2 : 1) : 0;
   double yLabelW = TextWidth(axisFont, Num(axisMax, decimals));
-  yLabelW = std::max(yLabelW, TextWidth(axisFont, c.unit) * 0.6);
+  yLabelW = std::max({yLabelW, TextWidth(axisFont, c.unit) * 0.6, c.minYLabelWidth});
 
   int labelLines = 1;
   bool anyExcluded = false;
@@ -557,7 +558,10 @@ BarChart SingleSeries(const ChartSettings& s, const InterfaceFile& d, const char
   c.legend.push_back({colour, seriesCaption, LegendItem::Box});
   if (lastTarget) {
     c.legend.push_back({s.colour(QStringLiteral("TARGET")), s.text(QStringLiteral("TARGET")), LegendItem::Dashed});
-    c.targetText = s.text(QStringLiteral("TARGET")) + QLatin1Char(' ') + Num(*lastTarget, decimals);
+    // A whole target reads as set ("60 min", not "60.0"), with its unit like the other charts.
+    const bool whole = std::abs(*lastTarget - std::round(*lastTarget)) < 1e-9;
+    c.targetText = s.text(QStringLiteral("TARGET")) + QLatin1Char(' ') + Num(*lastTarget, whole ? 0 : decimals) +
+                   QLatin1Char(' ') + Unit(s, unitKey);
   }
   if (mean && *mean > 0) {
     c.mean = mean;
@@ -805,6 +809,7 @@ void DrawEvaluation(Ctx& x, const QRectF& area, const InterfaceFile& d, bool imp
                               r.decimals, QString());
     c.showTitle = false;
     c.compact = true;
+    c.minYLabelWidth = TextWidth(x.font(0.85), QStringLiteral("00,000"));
     c.legend.clear();
     c.targetEmphasis = inForce;
     // Band heading: caption and, for the target in force, a badge.
