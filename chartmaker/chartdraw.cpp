@@ -1439,8 +1439,12 @@ void DrawReportPage(QPainter& p, const QRectF& page, const ChartDocument& doc, c
     const double keyW = colW * 0.32;
     DrawText(p, QRectF(cx, cy, keyW, rowH), Qt::AlignLeft | Qt::AlignVCenter, facts[static_cast<size_t>(i)].first, kf,
              x.c("SUBTEXT"));
-    DrawText(p, QRectF(cx + keyW, cy, colW - keyW - x.b * 1.2, rowH), Qt::AlignLeft | Qt::AlignVCenter,
-             facts[static_cast<size_t>(i)].second, vf, x.c("TEXT"));
+    // A long value (a comment, an exclusion line shown as written) ends in an ellipsis
+    // instead of running into the next column or off the page.
+    const double valueW = colW - keyW - x.b * 1.2;
+    DrawText(p, QRectF(cx + keyW, cy, valueW, rowH), Qt::AlignLeft | Qt::AlignVCenter,
+             QFontMetricsF(vf).elidedText(facts[static_cast<size_t>(i)].second, Qt::ElideRight, valueW), vf,
+             x.c("TEXT"));
   }
   y += blockH + x.b * 0.8;
 
