@@ -16,6 +16,7 @@
 #include "recorder_image.h"
 #include "store.h"
 #include "test_installation.h"
+#include "sample_user.h"
 
 namespace {
 
@@ -53,24 +54,8 @@ class ChartIntegration : public ::testing::Test {
   void SetUp() override {
     EnsureGuiApp();
     ASSERT_TRUE(inst_.isValid());
-    QString error;
-    ASSERT_TRUE(CreateDatabaseFile(inst_.dbFile(), kDefaultDbPassword, &error)) << error.toStdString();
-    db_.open(inst_.dbFile(), kDefaultDbPassword);
-    UserRecord u;
-    u.USER_ID = kUser;
-    u.GROUP_ID = kDefaultGroupId;
-    u.LOGIN_ID = QStringLiteral("hana");
-    u.FIRST_NAME = QStringLiteral("Hana");
-    u.LAST_NAME = QStringLiteral("Sato");
-    u.NICK_NAME = QStringLiteral("hana");
-    u.GENDAR = QStringLiteral("1");
-    u.AGE = QStringLiteral("41");
-    u.HEIGHT_CM = QStringLiteral("160");
-    u.WEIGHT_KG = QStringLiteral("60.0");
-    u.TARGET_STEP = QStringLiteral("9000");
-    u.TARGET_CAL = QStringLiteral("250");
-    ASSERT_TRUE(VTDB_SetUserInfo(db_, u));
-    SetCurrentUserId(kUser);
+    const QString error = OpenDatabaseWithSampleUser(inst_, db_, kUser);
+    ASSERT_TRUE(error.isEmpty()) << error.toStdString();
     ASSERT_EQ(maker_.prepare(inst_.chartIniFile()), chartcode::kOk);
   }
 

@@ -1,0 +1,38 @@
+// A fresh database in a test installation holding one ordinary user, the starting point of the
+// tests that make charts from stored days. Header-only: only tests that link the store use it.
+#pragma once
+
+#include <QString>
+
+#include "shared_values.h"
+#include "store.h"
+#include "test_installation.h"
+
+// Hana Sato, 41, 160 cm, 60 kg, with step and calorie targets, in the default group.
+inline UserRecord SampleUser(const QString& userId) {
+  UserRecord u;
+  u.USER_ID = userId;
+  u.GROUP_ID = kDefaultGroupId;
+  u.LOGIN_ID = QStringLiteral("hana");
+  u.FIRST_NAME = QStringLiteral("Hana");
+  u.LAST_NAME = QStringLiteral("Sato");
+  u.NICK_NAME = QStringLiteral("hana");
+  u.GENDAR = QStringLiteral("1");
+  u.AGE = QStringLiteral("41");
+  u.HEIGHT_CM = QStringLiteral("160");
+  u.WEIGHT_KG = QStringLiteral("60.0");
+  u.TARGET_STEP = QStringLiteral("9000");
+  u.TARGET_CAL = QStringLiteral("250");
+  return u;
+}
+
+// Creates the installation's database, opens it on db and stores SampleUser(userId) as the
+// current user. Returns an error text, empty on success.
+inline QString OpenDatabaseWithSampleUser(const TestInstallation& inst, VtDatabase& db, const QString& userId) {
+  QString error;
+  if (!CreateDatabaseFile(inst.dbFile(), kDefaultDbPassword, &error)) return error;
+  db.open(inst.dbFile(), kDefaultDbPassword);
+  if (!VTDB_SetUserInfo(db, SampleUser(userId))) return QStringLiteral("the sample user was not stored");
+  SetCurrentUserId(userId);
+  return QString();
+}
