@@ -2,35 +2,24 @@
 // which makes bin/ the working directory, so that ACTA.res, menu.res and the
 // relative paths of config.cnf are found.
 #include <QApplication>
+#include <QEvent>
 #include <QFont>
 #include <QMessageBox>
 #include <QPixmap>
+#include <QProgressDialog>
 #include <QSplashScreen>
 
 #include "catalogue.h"
+#include "chartmaker.h"
 #include "config.h"
 #include "frmTerminal.h"
 #include "helpers.h"
 #include "qt_dialog.h"
 #include "shared_values.h"
+#include "startup.h"
+#include "store.h"
 
 namespace {
-
-// The one-time part of the start: catalogue, configuration, locale and look, log level.
-// False when the process has to stop; the reason has been shown.
-bool StartFrame() {
-  SetLogLevel(QStringLiteral("1"));
-  if (!LoadResource()) return false;
-  if (!Ini_LoadConfig()) {
-    MessageDialog(QStringLiteral("PTOP-C-0001"));
-    return false;
-  }
-  if (Ini_GetLocaleCheck() == 1) SetLocaleDateFormats();
-  SetLangCode(QString::number(Ini_GetLang()));
-  LoadCommonFormat();
-  SetLogLevel(QString::number(Ini_GetLogLevel()));
-  return true;
-}
 
 void ShowSplash() {
   const QString path = GetIniPicturePath(QStringLiteral("SPLASH"), QStringLiteral("IMAGE_BACK"));
@@ -39,6 +28,88 @@ void ShowSplash() {
   splash.show();
   QApplication::processEvents();
   splash.close();
+}
+
+// Tells the closing stages how the main window was closed: by the user (mode 0) or by
+// the session ending.
+class CloseWatcher : public QObject {
+ public:
+  explicit CloseWatcher(ClosingStages& closing) : closing_(closing) {}
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::Close && !closing_.queryCloseDone()) {
+      closing_.queryClose(qApp->isSavingSession() ? 1 : 0);
+    }
+    return QObject::eventFilter(watched, event);
+  }
+
+ private:
+  ClosingStages& closing_;
+};
+
+// The modal bar of the compaction at the end of the run.
+class CompactionProgress : public ProgressInterface {
+ public:
+  CompactionProgress() {
+    bar_.setWindowModality(Qt::ApplicationModal);
+    bar_.setCancelButton(nullptr);
+    bar_.setMinimumDuration(0);
+    bar_.setWindowTitle(QApplication::applicationName());
+  }
+  void setMaximum(int maximum) override { bar_.setMaximum(maximum); }
+  void setValue(int value) override {
+    bar_.setValue(value);
+    QApplication::processEvents();
+  }
+  void setStatus(const QString& caption) override { bar_.setLabelText(caption); }
+  bool cancelRequested() override { return false; }
+  void yield() override { QApplication::processEvents(); }
+
+ private:
+  QProgressDialog bar_;
+};
+
+void ApplyCommonFont() {
+  const QString family = GetCommonFontName();
+  if (family.isEmpty()) return;
+  QFont f = QApplication::font();
+  f.setFamily(family);
+  QApplication::setFont(f);
+}
+
+int Run(QApplication& app, QtDialog& dialogs) {
+  QtStartupPlatform platform;  // holds the installation's single-instance lock
+  ChartMaker chart;
+  StartupSequence startup(platform, chart);
+  startup.setSplash([] {
+    ApplyCommonFont();
+    // Without menu.res the menus show the marks of missing captions; no reason to stop.
+    LoadMenuResource();
+    ShowSplash();
+  });
+  if (startup.run() == StartupSequence::Outcome::Stop) return 1;
+  ApplyCommonFont();
+
+  VtDatabase db;
+  ClosingStages closing(db, chart);
+  frmTerminal w;
+  dialogs.setParent(&w);
+  if (!OpenWorkingDatabase(db)) return 1;
+  // The closing stages write the sort order back, so it has to hold the stored one.
+  SetUserSortOrder(static_cast<std::int16_t>(Ini_GetSortOrder()));
+
+  CloseWatcher watcher(closing);
+  w.installEventFilter(&watcher);
+  w.show();
+  const int rc = app.exec();
+  w.removeEventFilter(&watcher);
+  dialogs.setParent(nullptr);
+  if (!closing.queryCloseDone()) closing.queryClose(1);
+
+  CompactionProgress progress;
+  if (closing.closeMainScreen(progress) == StartupSequence::Outcome::Stop) return 1;
+  return rc;
 }
 
 }  // namespace
@@ -50,27 +121,13 @@ int main(int argc, char** argv) {
 
   QtDialog dialogs;
   SetDialogInterface(&dialogs);
+  int rc = 1;
   try {
-    if (!StartFrame()) return 1;
-    const QString family = GetCommonFontName();
-    if (!family.isEmpty()) {
-      QFont f = QApplication::font();
-      f.setFamily(family);
-      QApplication::setFont(f);
-    }
-    // Without menu.res the menus show the marks of missing captions; that is no reason to stop.
-    LoadMenuResource();
-    ShowSplash();
-
-    frmTerminal w;
-    dialogs.setParent(&w);
-    w.show();
-    const int rc = app.exec();
-    SetDialogInterface(nullptr);
-    return rc;
+    rc = Run(app, dialogs);
   } catch (const ConfigError& e) {
     QMessageBox::critical(nullptr, QApplication::applicationName(), e.text());
-    SetDialogInterface(nullptr);
-    return 1;
+    rc = 1;
   }
+  SetDialogInterface(nullptr);
+  return rc;
 }

@@ -1,0 +1,334 @@
+// The start-up sequence and the closing stages, driven headless through a scripted
+// platform on a throw-away installation.
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include "catalogue.h"
+#include "chart_fixtures.h"
+#include "chartmaker.h"
+#include "config.h"
+#include "helpers.h"
+#include "shared_values.h"
+#include "startup.h"
+#include "store.h"
+#include "test_installation.h"
+
+namespace {
+
+constexpr double kGiB = 1024.0 * 1024.0 * 1024.0;
+
+QString CatalogueText(const QString& code) {
+  const auto rec = FindMessage(code);
+  return rec ? BuildMessageText(*rec, QString(), false) : QString();
+}
+
+class StartupTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(inst.isValid());
+    ResetSharedValues();
+    ASSERT_TRUE(inst.reload());
+    QString error;
+    ASSERT_TRUE(CreateDatabaseFile(inst.dbFile(), kDefaultDbPassword, &error)) << error.toStdString();
+    inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("SHIFT_DB"), QStringLiteral("1"));
+    inst.dialog().shown.clear();
+  }
+  void TearDown() override { ResetSharedValues(); }
+
+  StartupSequence::Outcome run() {
+    StartupSequence seq(platform, chart);
+    seq.setSplash([this] { platform.log << QStringLiteral("splash"); });
+    const auto outcome = seq.run();
+    stoppedAt = seq.stoppedAt();
+    return outcome;
+  }
+
+  QStringList steps() const {
+    QStringList s;
+    for (const QString& line : platform.log) {
+      if (line.startsWith(QLatin1String("step "))) s << line.mid(5);
+    }
+    return s;
+  }
+
+  QStringList shownTexts() {
+    QStringList t;
+    for (const auto& s : inst.dialog().shown) t << s.text;
+    return t;
+  }
+
+  void removeConfigKey(const QString& key) {
+    QFile f(inst.configFile());
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    QStringList lines = QString::fromUtf8(f.readAll()).split(u'\n');
+    f.close();
+    lines.removeIf([&](const QString& l) { return l.startsWith(key + u'='); });
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    f.write(lines.join(u'\n').toUtf8());
+  }
+
+  TestInstallation inst;
+  ScriptedStartupPlatform platform;
+  ChartMaker chart;
+  int stoppedAt = -1;
+};
+
+TEST_F(StartupTest, RunsEveryStepInOrderAndAsksThePlatformAtTheRightPoints) {
+  ASSERT_EQ(run(), StartupSequence::Outcome::Continue);
+  EXPECT_EQ(stoppedAt, 0);
+  QStringList expected;
+  for (int i = 1; i <= 14; ++i) expected << QString::number(i);
+  EXPECT_EQ(steps(), expected);
+
+  const QStringList& log = platform.log;
+  EXPECT_EQ(log.indexOf(QStringLiteral("freeBytes ../data/mdb/ACTA.db")),
+            log.indexOf(QStringLiteral("step 2")) + 1);
+  EXPECT_EQ(log.indexOf(QStringLiteral("instance")), log.indexOf(QStringLiteral("step 11")) + 1);
+  EXPECT_EQ(log.indexOf(QStringLiteral("splash")), log.indexOf(QStringLiteral("step 12")) + 1);
+  // SHIFT_DB is "1": the earlier version is not looked for.
+  EXPECT_TRUE(platform.existsAsked.isEmpty());
+  EXPECT_TRUE(inst.dialog().shown.empty());
+  // The one-time part has read the configuration.
+  EXPECT_EQ(GetLogLevel(), QString::number(Ini_GetLogLevel()));
+  EXPECT_EQ(GetLangCode(), QString::number(Ini_GetLang()));
+}
+
+TEST_F(StartupTest, FreeSpaceCountsWholeGibibytesAndShowsTheFixedText) {
+  platform.freeByteCount = 8 * kGiB;
+  EXPECT_EQ(run(), StartupSequence::Outcome::Continue);
+
+  platform.log.clear();
+  platform.freeByteCount = 7.99 * kGiB;
+  platform.driveName = QStringLiteral("/srv/data/");
+  ASSERT_EQ(run(), StartupSequence::Outcome::Stop);
+  EXPECT_EQ(stoppedAt, 2);
+  EXPECT_EQ(steps(), (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
+  ASSERT_EQ(inst.dialog().shown.size(), 1u);
+  EXPECT_EQ(inst.dialog().shown[0].icon, DialogIcon::None);
+  EXPECT_EQ(inst.dialog().shown[0].text,
+            QStringLiteral("ヴァントーラ05パーソナルがインストールされているドライブ (/srv/data/) "
+                           "の容量が8GBを下回っているので、起動を中止しました。\r\n"
+                           "不要なファイルを削除する等して、ドライブ (/srv/data/) の空き容量を"
+                           "確保した上でヴァントーラ05パーソナルの起動をお願いいたします。"));
+
+  // An unreadable volume counts as too little space.
+  inst.dialog().shown.clear();
+  platform.freeByteCount = 100 * kGiB;
+  platform.freeBytesReadable = false;
+  EXPECT_EQ(run(), StartupSequence::Outcome::Stop);
+  EXPECT_EQ(stoppedAt, 2);
+}
+
+TEST_F(StartupTest, TheFirstChecksUseTheDefaultDatabaseWhateverTheConfigurationSays) {
+  // A working database elsewhere does not help a broken one at the default path...
+  const QString elsewhere = inst.path(QStringLiteral("data/other.db"));
+  QString error;
+  ASSERT_TRUE(CreateDatabaseFile(elsewhere, kDefaultDbPassword, &error));
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_NAME"), elsewhere);
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_PASSWORD"), QStringLiteral("other"));
+  ASSERT_EQ(run(), StartupSequence::Outcome::Continue);
+  EXPECT_EQ(platform.freeBytesPaths, QStringList{QStringLiteral("../data/mdb/ACTA.db")});
+
+  // ...and the default one is what is checked.
+  ASSERT_TRUE(QFile::remove(inst.dbFile()));
+  EXPECT_EQ(run(), StartupSequence::Outcome::Stop);
+  EXPECT_EQ(stoppedAt, 3);
+}
+
+TEST_F(StartupTest, ABrokenDatabaseStopsWithItsTextAndOpensTheManualUntilThatWorks) {
+  {
+    QFile f(inst.dbFile());
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    f.write(QByteArray(4096, 'x'));
+  }
+  const QString manual = QDir(inst.binPath()).absoluteFilePath(QStringLiteral("../help/ERROR_DB.pdf"));
+  platform.openSucceedsAt = 0;
+  ASSERT_EQ(run(), StartupSequence::Outcome::Stop);
+  EXPECT_EQ(stoppedAt, 3);
+  EXPECT_EQ(steps(), (QStringList{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")}));
+  EXPECT_EQ(platform.openedDocuments.size(), 10);
+  EXPECT_EQ(QFileInfo(platform.openedDocuments.value(0)).absoluteFilePath(),
+            QFileInfo(manual).absoluteFilePath());
+  ASSERT_FALSE(inst.dialog().shown.empty());
+  EXPECT_EQ(inst.dialog().shown.back().text,
+            QStringLiteral("データベースが破損している可能性がありますので、起動を終了します。"));
+  // The message comes before the manual.
+  EXPECT_EQ(platform.log.indexOf(QStringLiteral("step 3")) + 1,
+            platform.log.indexOf(QRegularExpression(QStringLiteral("open .*"))));
+
+  platform.log.clear();
+  platform.openedDocuments.clear();
+  platform.openSucceedsAt = 3;
+  EXPECT_EQ(run(), StartupSequence::Outcome::Stop);
+  EXPECT_EQ(platform.openedDocuments.size(), 3);
+}
+
+TEST_F(StartupTest, MissingCatalogueOrConfigurationStops) {
+  ASSERT_TRUE(QFile::rename(inst.configFile(), inst.configFile() + QStringLiteral(".away")));
+  ASSERT_EQ(run(), StartupSequence::Outcome::Stop);
+  EXPECT_EQ(stoppedAt, 6);
+  ASSERT_EQ(inst.dialog().shown.size(), 1u);
+  EXPECT_EQ(inst.dialog().shown[0].text, CatalogueText(QStringLiteral("PTOP-C-0001")));
+  EXPECT_FALSE(inst.dialog().shown[0].text.isEmpty());
+  ASSERT_TRUE(QFile::rename(inst.configFile() + QStringLiteral(".away"), inst.configFile()));
+
+  inst.dialog().shown.clear();
+  ASSERT_TRUE(QFile::remove(inst.path(QStringLiteral("bin/ACTA.res"))));
+  ASSERT_EQ(run(), StartupSequence::Outcome::Stop);
+  EXPECT_EQ(stoppedAt, 5);
+  EXPECT_EQ(shownTexts(), QStringList{QStringLiteral("resource file[ACTA.res] not found.")});
+}
+
+TEST_F(StartupTest, ASecondInstanceStopsBeforeTheSplashAndTheChartLibrary) {
+  removeConfigKey(QStringLiteral("SHIFT_DB"));
+  platform.anotherInstance = true;
+  ASSERT_EQ(run(), StartupSequence::Outcome::Stop);
+  EXPECT_EQ(stoppedAt, 11);
+  EXPECT_EQ(shownTexts(), QStringList{CatalogueText(QStringLiteral("PTOP-I-0001"))});
+  EXPECT_FALSE(platform.log.contains(QStringLiteral("splash")));
+  EXPECT_EQ(Ini_GetShiftDb(), QString());
+}
+
+TEST_F(StartupTest, TheMoveFromTheEarlierVersionIsLookedForOnce) {
+  removeConfigKey(QStringLiteral("SHIFT_DB"));
+  ASSERT_EQ(run(), StartupSequence::Outcome::Continue);
+  EXPECT_EQ(platform.existsAsked, QStringList{kEarlierVersionDbPath});
+  EXPECT_TRUE(platform.startedCommands.isEmpty());
+  EXPECT_EQ(Ini_GetShiftDb(), QStringLiteral("1"));
+
+  // With the earlier database on the disk the helper runs, then the flag is written.
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("SHIFT_DB"), QStringLiteral("0"));
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("SHIFT_DB_APPNAME"),
+                 QStringLiteral("../bin/shiftdb --from old"));
+  platform.existingFiles << kEarlierVersionDbPath;
+  ASSERT_EQ(run(), StartupSequence::Outcome::Continue);
+  EXPECT_EQ(platform.startedCommands, QStringList{QStringLiteral("../bin/shiftdb --from old")});
+  EXPECT_EQ(Ini_GetShiftDb(), QStringLiteral("1"));
+
+  // A helper that cannot be started ends the start; the move stays pending.
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("SHIFT_DB"), QString());
+  platform.startSucceeds = false;
+  EXPECT_EQ(run(), StartupSequence::Outcome::Stop);
+  EXPECT_EQ(stoppedAt, 14);
+  EXPECT_EQ(Ini_GetShiftDb(), QString());
+}
+
+TEST_F(StartupTest, ASecondLoadRunsOnlyTheFirstThreeChecks) {
+  SetStartupDone(true);
+  SetLogLevel(QStringLiteral("0"));
+  ASSERT_TRUE(QFile::remove(inst.path(QStringLiteral("bin/ACTA.res"))));
+  platform.anotherInstance = true;
+  ASSERT_EQ(run(), StartupSequence::Outcome::Continue);
+  EXPECT_EQ(steps(), (QStringList{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")}));
+  EXPECT_FALSE(platform.log.contains(QStringLiteral("instance")));
+  EXPECT_EQ(GetLogLevel(), QStringLiteral("0"));
+  EXPECT_TRUE(inst.dialog().shown.empty());
+}
+
+TEST_F(StartupTest, TheWorkingConnectionUsesTheConfiguredDatabase) {
+  VtDatabase db;
+  ASSERT_TRUE(OpenWorkingDatabase(db));
+  EXPECT_TRUE(db.isOpen());
+  VTDB_Close(db);
+
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_NAME"),
+                 inst.path(QStringLiteral("data/mdb/missing.db")));
+  inst.dialog().shown.clear();
+  VtDatabase missing;
+  EXPECT_FALSE(OpenWorkingDatabase(missing));
+  ASSERT_FALSE(inst.dialog().shown.empty());
+  EXPECT_EQ(inst.dialog().shown.back().text, CatalogueText(QStringLiteral("COMN-C-0002")));
+  // The name is cut to the log's column width.
+  EXPECT_TRUE(inst.traceText().contains(QStringLiteral("|2|UserSelection: Form_|VTDB_Open Error")))
+      << inst.traceText().toStdString();
+}
+
+// ---------------------------------------------------------------- closing
+
+class ClosingTest : public StartupTest {
+ protected:
+  // Draws one chart so that finishing the chart library is visible: it forgets it.
+  void drawChart() {
+    const QString file = inst.path(QStringLiteral("temp/chart.txt"));
+    ASSERT_TRUE(fixtures::WriteInterface(file, fixtures::Options{}));
+    ASSERT_EQ(ChartMakerPersonal(chart, surface, file), 0);
+    ASSERT_TRUE(chart.hasChart(&surface));
+  }
+
+  ImageSurface surface{QSize(400, 300)};
+  VtDatabase db;
+  NullProgress progress;
+};
+
+TEST_F(ClosingTest, TheUsersStopCompactsAndFinishesTheChartLibrary) {
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("COMPACT_DB"), QStringLiteral("1"));
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_NAME"), inst.dbFile());
+  ASSERT_TRUE(OpenWorkingDatabase(db));
+  drawChart();
+  SetUserSortOrder(3);
+  ClosingStages closing(db, chart);
+  closing.queryClose(0);
+  EXPECT_FALSE(db.isOpen());
+  EXPECT_TRUE(closing.quitRequested());
+  EXPECT_EQ(closing.closeMainScreen(progress), StartupSequence::Outcome::Continue);
+  EXPECT_EQ(Ini_GetSortOrder(), 3);
+  EXPECT_FALSE(chart.hasChart(&surface));
+  // The compaction leaves a backup beside a database that still opens.
+  EXPECT_TRUE(QFile::exists(inst.dbFile() + QStringLiteral(".bak")));
+  VtDatabase again;
+  EXPECT_TRUE(OpenWorkingDatabase(again));
+}
+
+TEST_F(ClosingTest, AFailedCompactionStopsWithoutFinishingTheChartLibrary) {
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("COMPACT_DB"), QStringLiteral("1"));
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_NAME"),
+                 inst.path(QStringLiteral("data/mdb/gone.db")));
+  drawChart();
+  ClosingStages closing(db, chart);
+  closing.requestQuit();
+  closing.queryClose(1);
+  EXPECT_EQ(closing.closeMainScreen(progress), StartupSequence::Outcome::Stop);
+  EXPECT_EQ(shownTexts().value(shownTexts().size() - 1), CatalogueText(QStringLiteral("PTOP-C-0002")));
+  EXPECT_TRUE(chart.hasChart(&surface));
+}
+
+TEST_F(ClosingTest, ClosingByTheSystemOnlyClosesAndStoresTheSortOrder) {
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("COMPACT_DB"), QStringLiteral("1"));
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_NAME"), inst.dbFile());
+  ASSERT_TRUE(OpenWorkingDatabase(db));
+  drawChart();
+  SetUserSortOrder(2);
+  ClosingStages closing(db, chart);
+  closing.queryClose(1);
+  EXPECT_FALSE(db.isOpen());
+  EXPECT_FALSE(closing.quitRequested());
+  EXPECT_EQ(closing.closeMainScreen(progress), StartupSequence::Outcome::Continue);
+  EXPECT_EQ(Ini_GetSortOrder(), 2);
+  EXPECT_TRUE(chart.hasChart(&surface));
+  EXPECT_FALSE(QFile::exists(inst.dbFile() + QStringLiteral(".bak")));
+}
+
+// ---------------------------------------------------------------- single instance
+
+TEST(QtStartupPlatformTest, OneInstancePerInstallationFolder) {
+  QTemporaryDir a;
+  const QString old = QDir::currentPath();
+  ASSERT_TRUE(QDir::setCurrent(a.path()));
+  {
+    QtStartupPlatform first;
+    EXPECT_FALSE(first.otherInstanceRunning());
+    EXPECT_FALSE(first.otherInstanceRunning());  // asking again does not count itself
+    QtStartupPlatform second;
+    EXPECT_TRUE(second.otherInstanceRunning());
+  }
+  QtStartupPlatform third;
+  EXPECT_FALSE(third.otherInstanceRunning());
+  EXPECT_NE(QtStartupPlatform::lockFilePath(a.path()), QtStartupPlatform::lockFilePath(old));
+  QDir::setCurrent(old);
+}
+
+}  // namespace

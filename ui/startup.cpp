@@ -1,0 +1,321 @@
+#include "startup.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QProcess>
+#include <QStorageInfo>
+#include <QUrl>
+#include <cmath>
+
+#include "catalogue.h"
+#include "chartmaker.h"
+#include "config.h"
+#include "dialog.h"
+#include "helpers.h"
+#include "shared_values.h"
+#include "store.h"
+#include "trace.h"
+
+// ---- platforms ----
+
+struct QtStartupPlatform::Lock {
+  explicit Lock(const QString& path) : file(path) { file.setStaleLockTime(0); }
+  QLockFile file;
+};
+
+QtStartupPlatform::QtStartupPlatform() = default;
+QtStartupPlatform::~QtStartupPlatform() = default;
+
+bool QtStartupPlatform::freeBytes(const QString& path, double& bytes, QString& drive) {
+  // The database file may not exist yet: the volume is that of its nearest existing folder.
+  QFileInfo probe(GetAbsolutePathName(path));
+  while (!probe.exists() && !probe.isRoot()) probe.setFile(probe.absolutePath());
+  const QStorageInfo volume(probe.absoluteFilePath());
+  drive = volume.rootPath();
+  if (!drive.endsWith(u'/')) drive += u'/';
+  if (!volume.isValid() || !volume.isReady()) return false;
+  bytes = static_cast<double>(volume.bytesAvailable());
+  return true;
+}
+
+bool QtStartupPlatform::fileExists(const QString& path) { return QFile::exists(path); }
+
+bool QtStartupPlatform::openDocument(const QString& absolutePath) {
+  return QDesktopServices::openUrl(QUrl::fromLocalFile(absolutePath));
+}
+
+bool QtStartupPlatform::runAndWait(const QString& commandLine) {
+  QStringList args = QProcess::splitCommand(commandLine);
+  if (args.isEmpty()) return false;
+  const QString program = args.takeFirst();
+  QProcess process;
+  process.setProcessChannelMode(QProcess::ForwardedChannels);
+  process.start(program, args);
+  if (!process.waitForStarted(-1)) return false;
+  process.waitForFinished(-1);
+  return true;
+}
+
+QString QtStartupPlatform::lockFilePath(const QString& workingFolder) {
+  const QByteArray key =
+      QCryptographicHash::hash(QDir(workingFolder).canonicalPath().toUtf8(), QCryptographicHash::Sha1)
+          .toHex()
+          .left(16);
+  return QDir(QDir::tempPath()).filePath(QStringLiteral("vantora-") + QString::fromLatin1(key) +
+                                         QStringLiteral(".lock"));
+}
+
+bool QtStartupPlatform::otherInstanceRunning() {
+  if (lock_) return false;  // this process holds the installation already
+  auto lock = std::make_unique<Lock>(lockFilePath(QDir::currentPath()));
+  // A lock left by a process that died is recognised by its process id and taken over.
+  if (!lock->file.tryLock(0)) return lock->file.error() == QLockFile::LockFailedError;
+  lock_ = std::move(lock);
+  return false;
+}
+
+bool ScriptedStartupPlatform::freeBytes(const QString& path, double& bytes, QString& drive) {
+  log << QStringLiteral("freeBytes ") + path;
+  freeBytesPaths << path;
+  drive = driveName;
+  bytes = freeByteCount;
+  return freeBytesReadable;
+}
+
+bool ScriptedStartupPlatform::fileExists(const QString& path) {
+  log << QStringLiteral("exists ") + path;
+  existsAsked << path;
+  return existingFiles.contains(path);
+}
+
+bool ScriptedStartupPlatform::openDocument(const QString& absolutePath) {
+  log << QStringLiteral("open ") + absolutePath;
+  openedDocuments << absolutePath;
+  return openSucceedsAt > 0 && openedDocuments.size() >= openSucceedsAt;
+}
+
+bool ScriptedStartupPlatform::runAndWait(const QString& commandLine) {
+  log << QStringLiteral("run ") + commandLine;
+  startedCommands << commandLine;
+  return startSucceeds;
+}
+
+bool ScriptedStartupPlatform::otherInstanceRunning() {
+  log << QStringLiteral("instance");
+  return anotherInstance;
+}
+
+void ScriptedStartupPlatform::stepReached(int step) { log << QStringLiteral("step %1").arg(step); }
+
+// ---- fixed texts ----
+
+namespace {
+const QString kProductName = QStringLiteral("ヴァントーラ05パーソナル");
+}
+
+QString OsUnsupportedMessage() {
+  return QStringLiteral(
+      "お使いのコンピュータのOSが対応OSではないため、起動を中止します。\r\n"
+      "対応OSは、Windows XP/Vista/7/8/8.1です。");
+}
+
+QString FreeDiskMessage(const QString& drive, int minimumGigabytes) {
+  const QString size = QString::number(minimumGigabytes) + QStringLiteral("GB");
+  return kProductName + QStringLiteral("がインストールされているドライブ (") + drive +
+         QStringLiteral(") ") + QStringLiteral("の容量が") + size +
+         QStringLiteral("を下回っているので、起動を中止しました。") + QStringLiteral("\r\n") +
+         QStringLiteral("不要なファイルを削除する等して、ドライブ (") + drive +
+         QStringLiteral(") の空き容量を確保した上で") + kProductName +
+         QStringLiteral("の起動をお願いいたします。");
+}
+
+QString DatabaseBrokenMessage() {
+  return QStringLiteral("データベースが破損している可能性がありますので、起動を終了します。");
+}
+
+// ---- start-up ----
+
+StartupSequence::StartupSequence(StartupPlatform& platform, ChartMaker& chart)
+    : platform_(platform), chart_(chart) {}
+
+StartupSequence::Outcome StartupSequence::stop(int step) {
+  stoppedAt_ = step;
+  return Outcome::Stop;
+}
+
+void StartupSequence::showPlain(const QString& text) {
+  // Shown before the catalogue (and its title) is read: the plain box of the platform.
+  GetDialogInterface()->showMessage(QCoreApplication::applicationName(), text, DialogIcon::None);
+}
+
+int StartupSequence::osCheck(QString& message) {
+  // Qt runs only where it was built for; every platform it starts on is supported.
+  message.clear();
+  return 0;
+}
+
+bool StartupSequence::checkFreeDiskSpace(const QString& path, int minimumGigabytes, QString& drive) {
+  double bytes = 0;
+  if (!platform_.freeBytes(path, bytes, drive)) return false;
+  const double gigabytes = std::trunc(bytes / 1024.0 / 1024.0 / 1024.0);
+  return gigabytes >= minimumGigabytes;
+}
+
+bool StartupSequence::dbCheck(QString& message) {
+  message.clear();
+  // The configuration is not located yet at this point, so the defaults are what is
+  // checked, whatever DB_NAME says: read them as empty, as the accessors would.
+  QString path;
+  QString password;
+  bool ok = false;
+  try {
+    VtDatabase db;
+    if (VTDB_Open(db, path, password) == 0) {
+      ok = VTDB_ProbeDatabase(db);
+      VTDB_Close(db);
+    }
+  } catch (...) {
+    ok = false;
+  }
+  if (!ok) message = DatabaseBrokenMessage();
+  return ok;
+}
+
+bool StartupSequence::shiftDatabase() {
+  if (Ini_GetShiftDb() == QStringLiteral("1")) return true;
+  if (platform_.fileExists(kEarlierVersionDbPath)) {
+    const QString helper = Ini_GetShiftDbAppName();
+    if (!platform_.runAndWait(helper)) {
+      WriteTrace(QStringLiteral("2"), QStringLiteral("ShiftDatabase"),
+                 QStringLiteral("cannot start ") + helper);
+      return false;
+    }
+  }
+  // Also when no earlier version was found: the move is looked for once only.
+  Ini_SetShiftDb(QStringLiteral("1"));
+  return true;
+}
+
+StartupSequence::Outcome StartupSequence::run() {
+  stoppedAt_ = 0;
+
+  platform_.stepReached(1);
+  QString message;
+  if (osCheck(message) != 0) {
+    showPlain(message);
+    return stop(1);
+  }
+
+  platform_.stepReached(2);
+  QString drive;
+  if (!checkFreeDiskSpace(kDefaultDbPath, kMinimumFreeGigabytes, drive)) {
+    showPlain(FreeDiskMessage(drive, kMinimumFreeGigabytes));
+    return stop(2);
+  }
+
+  platform_.stepReached(3);
+  if (!dbCheck(message)) {
+    if (!message.isEmpty()) {
+      showPlain(message);
+      const QString manual = GetAbsolutePath(kDatabaseManualPath);
+      for (int i = 0; i < kManualOpenAttempts; ++i) {
+        if (platform_.openDocument(manual)) break;
+      }
+    }
+    return stop(3);
+  }
+
+  if (GetStartupDone()) return Outcome::Continue;
+
+  platform_.stepReached(4);
+  SetLogLevel(QStringLiteral("1"));
+
+  platform_.stepReached(5);
+  if (!LoadResource()) return stop(5);
+
+  platform_.stepReached(6);
+  if (!Ini_LoadConfig()) {
+    MessageDialog(QStringLiteral("PTOP-C-0001"));
+    return stop(6);
+  }
+
+  platform_.stepReached(7);
+  if (Ini_GetLocaleCheck() == 1) SetLocaleDateFormats();
+
+  platform_.stepReached(8);
+  SetLangCode(QString::number(Ini_GetLang()));
+
+  platform_.stepReached(9);
+  LoadCommonFormat();
+
+  platform_.stepReached(10);
+  SetLogLevel(QString::number(Ini_GetLogLevel()));
+
+  platform_.stepReached(11);
+  if (platform_.otherInstanceRunning()) {
+    MessageDialog(QStringLiteral("PTOP-I-0001"));
+    return stop(11);
+  }
+
+  platform_.stepReached(12);
+  if (splash_) splash_();
+
+  platform_.stepReached(13);
+  // A chart library that cannot read its settings keeps its defaults; nothing to stop for.
+  (void)ChartPreparePersonal(chart_, Ini_GetChartIniPath());
+
+  platform_.stepReached(14);
+  if (!shiftDatabase()) return stop(14);
+
+  return Outcome::Continue;
+}
+
+bool OpenWorkingDatabase(VtDatabase& db) {
+  QString path = Ini_GetDbName();
+  QString password = Ini_GetDbPassword();
+  if (VTDB_Open(db, path, password) != 0) {
+    WriteTrace(QStringLiteral("2"), QStringLiteral("UserSelection: Form_Load"),
+               QStringLiteral("VTDB_Open Error"));
+    MessageDialog(QStringLiteral("COMN-C-0002"));
+    return false;
+  }
+  return true;
+}
+
+// ---- closing ----
+
+ClosingStages::ClosingStages(VtDatabase& db, ChartMaker& chart) : db_(db), chart_(chart) {}
+
+void ClosingStages::queryClose(int mode) {
+  VTDB_Close(db_);
+  if (mode == 0) quitRequested_ = true;
+  queryCloseDone_ = true;
+}
+
+StartupSequence::Outcome ClosingStages::closeMainScreen(ProgressInterface& progress) {
+  Ini_SetSortOrder(GetUserSortOrder());
+  if (!quitRequested_) return StartupSequence::Outcome::Continue;
+  if (Ini_GetCompactDb()) {
+    QString path = Ini_GetDbName();
+    const QString password = Ini_GetDbPassword();
+    int result = 0;
+    progress.setMaximum(kCompactProgressMaximum);
+    progress.setValue(0);
+    if (password.isEmpty()) {
+      CompactDB(path, result, progress);
+    } else {
+      CompactDB(path, result, progress, password);
+    }
+    if (result != 0) {
+      MessageDialog(QStringLiteral("PTOP-C-0002"));
+      return StartupSequence::Outcome::Stop;
+    }
+  }
+  ChartFinishPersonal(chart_);
+  return StartupSequence::Outcome::Continue;
+}
