@@ -523,6 +523,23 @@ struct Config {
 
 QString Unit(const ChartSettings& s, const char* key) { return s.text(QLatin1String(key)); }
 
+std::optional<double> MeanIf(const InterfaceFile& d, double v) {
+  if (d.validDays <= 0) return std::nullopt;
+  return v;
+}
+
+// Every bar chart's legend ends alike: the mean line when there is a mean, then the hatch of
+// excluded days when any slot shows one.
+void FinishLegend(BarChart& c, const ChartSettings& s, std::optional<double> mean, int decimals) {
+  if (mean && *mean > 0) {
+    c.mean = mean;
+    c.meanText = s.text(QStringLiteral("MEAN")) + QLatin1Char(' ') + Num(*mean, decimals);
+    c.legend.push_back({s.colour(QStringLiteral("MEAN")), c.meanText, LegendItem::Dotted});
+  }
+  if (std::any_of(c.slots.begin(), c.slots.end(), [](const Slot& sl) { return sl.state == LineState::Excluded; }))
+    c.legend.push_back({s.colour(QStringLiteral("EXCLUDED")), s.text(QStringLiteral("EXCLUDED")), LegendItem::Hatch});
+}
+
 BarChart SingleSeries(const ChartSettings& s, const InterfaceFile& d, const char* titleKey, const char* unitKey,
                       int field, const QColor& colour, int targetField, std::optional<double> mean, double axisMax,
                       int decimals, const QString& seriesCaption) {
@@ -563,20 +580,8 @@ BarChart SingleSeries(const ChartSettings& s, const InterfaceFile& d, const char
     c.targetText = s.text(QStringLiteral("TARGET")) + QLatin1Char(' ') + Num(*lastTarget, whole ? 0 : decimals) +
                    QLatin1Char(' ') + Unit(s, unitKey);
   }
-  if (mean && *mean > 0) {
-    c.mean = mean;
-    c.meanText = s.text(QStringLiteral("MEAN")) + QLatin1Char(' ') + Num(*mean, decimals);
-    c.legend.push_back({s.colour(QStringLiteral("MEAN")), c.meanText, LegendItem::Dotted});
-  }
-  bool excluded = false;
-  for (const auto& sl : c.slots) excluded = excluded || sl.state == LineState::Excluded;
-  if (excluded) c.legend.push_back({s.colour(QStringLiteral("EXCLUDED")), s.text(QStringLiteral("EXCLUDED")), LegendItem::Hatch});
+  FinishLegend(c, s, mean, decimals);
   return c;
-}
-
-std::optional<double> MeanIf(const InterfaceFile& d, double v) {
-  if (d.validDays <= 0) return std::nullopt;
-  return v;
 }
 
 BarChart ActivityTimeChart(const ChartSettings& s, const InterfaceFile& d) {
@@ -629,16 +634,7 @@ BarChart ActivityTimeChart(const ChartSettings& s, const InterfaceFile& d) {
     c.targetText = s.text(QStringLiteral("TARGET")) + QLatin1Char(' ') + Num(*lastTarget, 0) + QLatin1Char(' ') +
                    s.text(QStringLiteral("UNIT_MIN"));
   }
-  if (d.validDays > 0 && d.meanActivityTime > 0) {
-    c.mean = d.meanActivityTime;
-    c.meanText = s.text(QStringLiteral("MEAN")) + QLatin1Char(' ') + Num(d.meanActivityTime, 1);
-    c.legend.push_back({s.colour(QStringLiteral("MEAN")), c.meanText, LegendItem::Dotted});
-  }
-  for (const auto& sl : c.slots)
-    if (sl.state == LineState::Excluded) {
-      c.legend.push_back({s.colour(QStringLiteral("EXCLUDED")), s.text(QStringLiteral("EXCLUDED")), LegendItem::Hatch});
-      break;
-    }
+  FinishLegend(c, s, MeanIf(d, d.meanActivityTime), 1);
   return c;
 }
 
@@ -664,16 +660,7 @@ BarChart TotalCalChart(const ChartSettings& s, const InterfaceFile& d) {
   }
   c.legend.push_back({act, s.text(QStringLiteral("ACTIVITY_CAL")), LegendItem::Box});
   c.legend.push_back({rest, s.text(QStringLiteral("OTHER_CAL")), LegendItem::Box});
-  if (d.validDays > 0 && d.meanTotalCal > 0) {
-    c.mean = d.meanTotalCal;
-    c.meanText = s.text(QStringLiteral("MEAN")) + QLatin1Char(' ') + Num(d.meanTotalCal, 0);
-    c.legend.push_back({s.colour(QStringLiteral("MEAN")), c.meanText, LegendItem::Dotted});
-  }
-  for (const auto& sl : c.slots)
-    if (sl.state == LineState::Excluded) {
-      c.legend.push_back({s.colour(QStringLiteral("EXCLUDED")), s.text(QStringLiteral("EXCLUDED")), LegendItem::Hatch});
-      break;
-    }
+  FinishLegend(c, s, MeanIf(d, d.meanTotalCal), 0);
   return c;
 }
 
@@ -718,16 +705,7 @@ BarChart ExerciseChart(const ChartSettings& s, const InterfaceFile& d) {
     c.targetText = (family == 0 ? s.text(QStringLiteral("DAILY_SHARE")) : s.text(QStringLiteral("TARGET"))) +
                    QLatin1Char(' ') + Num(*target, 1);
   }
-  if (count > 0 && sum > 0) {
-    c.mean = sum / count;
-    c.meanText = s.text(QStringLiteral("MEAN")) + QLatin1Char(' ') + Num(sum / count, 1);
-    c.legend.push_back({s.colour(QStringLiteral("MEAN")), c.meanText, LegendItem::Dotted});
-  }
-  for (const auto& sl : c.slots)
-    if (sl.state == LineState::Excluded) {
-      c.legend.push_back({s.colour(QStringLiteral("EXCLUDED")), s.text(QStringLiteral("EXCLUDED")), LegendItem::Hatch});
-      break;
-    }
+  FinishLegend(c, s, count > 0 ? std::optional<double>(sum / count) : std::nullopt, 1);
   return c;
 }
 
