@@ -88,22 +88,8 @@ class ChartDb : public ::testing::Test {
 
   // Stores the days of a generated recorder as one reception, as the receive does.
   void storeRecorder(const RecorderImageOptions& o) {
-    const QByteArray manageBytes = MakeManageBlock(o);
-    FlashManage manage;
-    ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(manageBytes), manage, o.kind), 0);
-    const QString receiveId = CreateReceiveId(db_);
-    ASSERT_FALSE(receiveId.isEmpty());
-    int seq = 1;
-    for (const ImagePage& p : RecorderImagePages(o)) {
-      if (p.erased) continue;
-      const QByteArray page = MakeDayPage(o, p.date, p.recording);
-      FlashData data;
-      ASSERT_EQ(FlashData_Decode(AsBytes(page), data, o.kind), 0);
-      ASSERT_TRUE(VTDB_SetDayMeasurement(db_, receiveId, seq, kUser, p.page, o.startPage, data,
-                                         manage, o.kind));
-      ASSERT_TRUE(VTDB_SetTimeMeasurementBlock(db_, receiveId, seq, data, o.kind));
-      ++seq;
-    }
+    const QString error = StoreRecorderDays(db_, kUser, o);
+    ASSERT_TRUE(error.isEmpty()) << error.toStdString();
   }
 
   int calc(const QDate& from, const QDate& to, bool useExclusion, bool block = false) {

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include "device.h"
+#include "recorder_image.h"
 #include "shared_values.h"
 #include "store.h"
 #include "test_installation.h"
@@ -34,5 +36,27 @@ inline QString OpenDatabaseWithSampleUser(const TestInstallation& inst, VtDataba
   db.open(inst.dbFile(), kDefaultDbPassword);
   if (!VTDB_SetUserInfo(db, SampleUser(userId))) return QStringLiteral("the sample user was not stored");
   SetCurrentUserId(userId);
+  return QString();
+}
+
+// Stores the days of a generated recorder under userId as one reception, as the receive does
+// (erased pages left out). Returns an error text, empty on success.
+inline QString StoreRecorderDays(VtDatabase& db, const QString& userId, const RecorderImageOptions& o) {
+  FlashManage manage;
+  if (FlashManage_ConvertByteArray2Struct_Brio(AsBytes(MakeManageBlock(o)), manage, o.kind) != 0)
+    return QStringLiteral("the management block does not decode");
+  const QString receiveId = CreateReceiveId(db);
+  if (receiveId.isEmpty()) return QStringLiteral("no receive id");
+  int seq = 1;
+  for (const ImagePage& p : RecorderImagePages(o)) {
+    if (p.erased) continue;
+    FlashData data;
+    if (FlashData_Decode(AsBytes(MakeDayPage(o, p.date, p.recording)), data, o.kind) != 0)
+      return QStringLiteral("page %1 does not decode").arg(p.page);
+    if (!VTDB_SetDayMeasurement(db, receiveId, seq, userId, p.page, o.startPage, data, manage, o.kind) ||
+        !VTDB_SetTimeMeasurementBlock(db, receiveId, seq, data, o.kind))
+      return QStringLiteral("page %1 was not stored").arg(p.page);
+    ++seq;
+  }
   return QString();
 }
