@@ -135,24 +135,32 @@ void BM_StoreFullRing(benchmark::State& state) {
 }
 BENCHMARK(BM_StoreFullRing)->Unit(benchmark::kMillisecond)->Iterations(3);
 
-void BM_ReadYearOfChartRows(benchmark::State& state) {
-  BenchInstallation inst;
-  const QString path = inst.db(QStringLiteral("year.db"));
+// A database of two overlapping receptions starting on the given days; false (with the
+// benchmark marked as failed) when it cannot be made.
+bool OpenTwoReceptions(benchmark::State& state, const QString& path, VtDatabase& db, const QDate& first,
+                       const QDate& second) {
   QString error;
   if (!CreateDatabaseFile(path, kDefaultDbPassword, &error)) {
     state.SkipWithError(error.toStdString().c_str());
-    return;
+    return false;
   }
-  VtDatabase db;
   QString p = path;
   QString pw;
   VTDB_Open(db, p, pw);
+  if (!storeReception(db, first, kRingDays) || !storeReception(db, second, kRingDays)) {
+    state.SkipWithError("storing failed");
+    return false;
+  }
+  return true;
+}
+
+void BM_ReadYearOfChartRows(benchmark::State& state) {
+  BenchInstallation inst;
+  const QString path = inst.db(QStringLiteral("year.db"));
+  VtDatabase db;
   // Two overlapping receptions, as a household's year looks after two full rings: 480
   // stored rows, 366 calendar days of 2024 among them.
-  if (!storeReception(db, QDate(2023, 12, 1), kRingDays) || !storeReception(db, QDate(2024, 7, 1), kRingDays)) {
-    state.SkipWithError("storing failed");
-    return;
-  }
+  if (!OpenTwoReceptions(state, path, db, QDate(2023, 12, 1), QDate(2024, 7, 1))) return;
   std::vector<ChartDayRecord> rows;
   int n = 0;
   for (auto _ : state) {
@@ -171,19 +179,8 @@ BENCHMARK(BM_ReadYearOfChartRows)->Unit(benchmark::kMillisecond);
 void BM_ReadYearWithProfiles(benchmark::State& state) {
   BenchInstallation inst;
   const QString path = inst.db(QStringLiteral("year.db"));
-  QString error;
-  if (!CreateDatabaseFile(path, kDefaultDbPassword, &error)) {
-    state.SkipWithError(error.toStdString().c_str());
-    return;
-  }
   VtDatabase db;
-  QString p = path;
-  QString pw;
-  VTDB_Open(db, p, pw);
-  if (!storeReception(db, QDate(2024, 1, 1), kRingDays) || !storeReception(db, QDate(2024, 7, 1), kRingDays)) {
-    state.SkipWithError("storing failed");
-    return;
-  }
+  if (!OpenTwoReceptions(state, path, db, QDate(2024, 1, 1), QDate(2024, 7, 1))) return;
   std::vector<ChartDayRecord> rows;
   for (auto _ : state) {
     const int n = VTDB_GetChartData(db, QStringLiteral("U000000001"), QStringLiteral("20240101"),
