@@ -29,8 +29,8 @@ bool ParseOptions(const QStringList& args, const QStringList& known, QHash<QStri
   return true;
 }
 
-// The installation of the working directory: configuration, catalogue, language, and
-// the configured database. 0 when ready, else the exit code.
+}  // namespace
+
 int OpenInstallation(VtDatabase& db, QTextStream& err) {
   if (!Ini_LoadConfig()) {
     err << "no installation here: run from an installation's bin/ folder\n";
@@ -47,6 +47,8 @@ int OpenInstallation(VtDatabase& db, QTextStream& err) {
   }
   return 0;
 }
+
+namespace {
 
 bool ValidYmd(const QString& text) { return text.size() == 8 && YmdToDate(text).isValid(); }
 

@@ -37,6 +37,10 @@ const Command kCommands[] = {
     {"range", cmd_range,
      "range --user ID --period day|week|month|sixmonths [--end YYYYMMDD] [--mode 0|-1|1|2]\n"
      "                             print a chart's display window"},
+    {"plan", cmd_plan,
+     "plan --user ID --start YYYYMMDD (--months N | --end YYYYMMDD) (--target-weight W | --loss L)\n"
+     "     [--start-weight W] [--food POS --portion POS | --reduction POS] [--method mets|rmr]\n"
+     "     [--save] [--json]     compute a weight plan;  plan --user ID --show  print the saved plan"},
     {"render", cmd_render,
      "render --interface FILE [--header FILE] --out FILE.png|FILE.pdf [--size WxH]\n"
      "       [--settings chart.ini] [--paper N]\n"
