@@ -43,9 +43,11 @@ bool GraphWindow::AdjustData() {
     TraceErrorEnd("AdjustData");
     return false;
   }
-  weekHigh_ = nextLastWeekday(planEnd_).addDays(14);
+  // A plan that is over still lets the window reach today, where it opens.
+  const QDate last = std::max(planEnd_, today_);
+  weekHigh_ = nextLastWeekday(last).addDays(14);
   weekLow_ = previousFirstWeekday(planStart_).addDays(-14);
-  spanHigh_ = charts::ShiftFourWeekSpan(anchor_, planEnd_, 2).end;
+  spanHigh_ = charts::ShiftFourWeekSpan(anchor_, last, 2).end;
   spanLow_ = charts::ShiftFourWeekSpan(anchor_, planStart_, -3).start;
   return true;
 }

@@ -17,7 +17,8 @@ class GraphWindow {
   // anchors the weeks).
   GraphWindow(const QDate& planStart, const QDate& planEnd, const QDate& lastDay, const QDate& today);
 
-  // The bounds of both views from the plan's dates.
+  // The bounds of both views: two weeks (three spans) before the plan's start, two weeks
+  // (two spans) after its end or after today when the plan is over.
   bool AdjustData();
   // direction 0: a window around the later of today and the plan start; -1 / +1: one
   // week or one span back or forward, never beyond the bounds. False (window unchanged)

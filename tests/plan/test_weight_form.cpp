@@ -1,0 +1,294 @@
+// The plan screen's logic on a test installation with stored days: the opening fill,
+// the button row through its events, the checks on leaving a field, saving, undoing and
+// the unit rules of the two editions.
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "frame.h"
+#include "sample_user.h"
+#include "weight_form.h"
+
+using namespace plan;
+
+namespace {
+
+const QString kUser = QStringLiteral("U000000001");
+const QDate kToday(2024, 7, 10);
+
+struct Buttons {
+  bool graph, save, reCalc, cancel, options;
+};
+void ExpectButtons(const PlanButtons& b, Buttons want, const char* when) {
+  EXPECT_EQ(b.btnGraph, want.graph) << when;
+  EXPECT_EQ(b.btnSave, want.save) << when;
+  EXPECT_EQ(b.btnReCalc, want.reCalc) << when;
+  EXPECT_EQ(b.btnCancel, want.cancel) << when;
+  EXPECT_EQ(b.actOptions, want.options) << when;
+}
+const Buttons kChanged{false, false, true, true, false};
+const Buttons kComputed{false, true, false, true, true};
+const Buttons kSaved{true, false, false, false, true};
+
+class WeightForm : public ::testing::Test {
+ protected:
+  // An installation of the edition with the sample user and 20 recorded days up to
+  // 30 June 2024 (pounds when unitFlag is 1).
+  void install(const char* lang, int unitFlag = 0) {
+    db_.close();
+    inst_.reset();  // one installation at a time: the old one puts the process back
+    inst_ = std::make_unique<TestInstallation>(QString::fromLatin1(lang));
+    ASSERT_TRUE(inst_->isValid());
+    ASSERT_EQ(OpenDatabaseWithSampleUser(*inst_, db_, kUser), "");
+    RecorderImageOptions o;
+    o.days = 20;
+    o.english = QLatin1String(lang) == QLatin1String("en");
+    o.unitFlag = unitFlag;
+    ASSERT_EQ(StoreRecorderDays(db_, kUser, o), "");
+  }
+  std::unique_ptr<SimulationWeightLogic> open() {
+    auto form = std::make_unique<SimulationWeightLogic>(db_, kUser, kToday);
+    EXPECT_TRUE(form->open());
+    return form;
+  }
+  QString shownText() const {
+    return inst_->dialog().shown.empty() ? QString() : inst_->dialog().shown.back().text;
+  }
+  static QString catalogueText(const char* code) { return FindMessage(QLatin1String(code))->text1; }
+
+  std::unique_ptr<TestInstallation> inst_;
+  VtDatabase db_;
+};
+
+}  // namespace
+
+TEST_F(WeightForm, OpeningStartsTomorrowFromTheNewestWeight) {
+  install("ja");
+  auto f = open();
+  EXPECT_FALSE(f->poundMode);
+  EXPECT_TRUE(f->hasDays);
+  EXPECT_TRUE(f->userName.endsWith(GetIniCaption("SIMULATION", "CAPTION_SAMA")));
+  // Start tomorrow; the default period (3 months): 11 July + 3 -> 10 October, 92 days.
+  EXPECT_EQ(f->startDate, QDate(2024, 7, 11));
+  EXPECT_EQ(f->endDate, QDate(2024, 10, 10));
+  EXPECT_EQ(f->startWeight, f->userWeight);
+  EXPECT_EQ(Val(f->targetWeight), Val(f->userWeight) - 1);
+  EXPECT_EQ(f->loss, "1.0");
+  // 1 kg over 92 days: 7000 / 92 = 76.09 -> 76.
+  EXPECT_EQ(f->result.days, 92);
+  EXPECT_EQ(f->result.dailyGap, "76");
+  EXPECT_FALSE(f->bmi.isEmpty());
+  ExpectButtons(f->buttons, kComputed, "opened without a saved plan");
+}
+
+TEST_F(WeightForm, ButtonRowFollowsItsEvents) {
+  install("ja");
+  auto f = std::make_unique<SimulationWeightLogic>(db_, kUser, kToday);
+  // Before the opening fill is over, an input changes nothing.
+  f->periodChanged(0);
+  EXPECT_EQ(f->period, 0);
+  ExpectButtons(f->buttons, {false, false, true, true, false}, "not loaded");
+  ASSERT_TRUE(f->open());
+
+  f->periodChanged(0);  // one month: 11 July -> 10 August
+  EXPECT_EQ(f->endDate, QDate(2024, 8, 10));
+  ExpectButtons(f->buttons, kChanged, "period changed");
+  ASSERT_TRUE(f->reCalc());
+  ExpectButtons(f->buttons, kComputed, "computed");
+  ASSERT_TRUE(f->save());
+  ExpectButtons(f->buttons, kSaved, "saved");
+  // Any change after saving takes the graph away until the next save.
+  ASSERT_TRUE(f->lossLeft("2"));
+  EXPECT_EQ(f->loss, "2.0");
+  ExpectButtons(f->buttons, kChanged, "loss changed after saving");
+  // Leaving a field without changing it is no change.
+  ASSERT_TRUE(f->reCalc());
+  ASSERT_TRUE(f->lossLeft("2.0"));
+  ExpectButtons(f->buttons, kComputed, "loss left unchanged");
+
+  // Eating 700 kcal less covers a 2 kg month (14000 / 31 = 452): the plan stops.
+  f->dietOptionChanged(true);
+  f->foodMethodChosen(false);
+  f->reductionChanged(static_cast<int>(f->tables().reductions.size()) - 1);
+  EXPECT_FALSE(f->reCalc());
+  EXPECT_EQ(f->lastMessage, "DSIM-I-0001");
+  EXPECT_EQ(shownText().left(10), catalogueText("DSIM-I-0001").left(10));
+  ExpectButtons(f->buttons, kChanged, "stopped");
+  // A diet without its choice asks for one and computes nothing.
+  f->foodMethodChosen(true);
+  EXPECT_FALSE(f->reCalc());
+  EXPECT_EQ(f->lastMessage, "FOODERROR");
+  f->foodChanged(0, 1);
+  EXPECT_FALSE(f->foodKcal.isEmpty());
+}
+
+TEST_F(WeightForm, LeavingAWeightFieldChecksAndReconciles) {
+  install("ja");
+  auto f = open();
+  ASSERT_TRUE(f->startWeightLeft("80"));
+  ASSERT_TRUE(f->targetWeightLeft("70"));
+  EXPECT_EQ(f->targetWeight, "70.0");
+  EXPECT_EQ(f->loss, "10.0");
+  // A new start keeps the target and moves the loss.
+  ASSERT_TRUE(f->startWeightLeft("82.46"));
+  EXPECT_EQ(f->startWeight, "82.5");
+  EXPECT_EQ(f->loss, "12.5");
+  // A loss keeps the start and moves the target.
+  ASSERT_TRUE(f->lossLeft("5"));
+  EXPECT_EQ(f->targetWeight, "77.5");
+
+  struct Refusal {
+    bool (SimulationWeightLogic::*leave)(const QString&);
+    const char* text;
+    const char* code;
+    PlanField field;
+  };
+  const Refusal refusals[] = {
+      {&SimulationWeightLogic::lossLeft, "82.5", "DSIM-I-0003", PlanField::Loss},  // the whole start weight
+      {&SimulationWeightLogic::lossLeft, "abc", "DSIM-I-0002", PlanField::Loss},
+      {&SimulationWeightLogic::lossLeft, "0", "DSIM-I-0002", PlanField::Loss},
+      {&SimulationWeightLogic::lossLeft, "200.1", "DSIM-I-0004", PlanField::Loss},
+      {&SimulationWeightLogic::targetWeightLeft, "82.5", "DSIM-I-0003", PlanField::TargetWeight},
+      {&SimulationWeightLogic::targetWeightLeft, "7O", "DSIM-I-0002", PlanField::TargetWeight},
+      {&SimulationWeightLogic::startWeightLeft, "9.9", "DSIM-I-0004", PlanField::StartWeight},
+      {&SimulationWeightLogic::startWeightLeft, "350.1", "DSIM-I-0004", PlanField::StartWeight},
+  };
+  for (const Refusal& r : refusals) {
+    f->startWeight = "82.5";
+    f->targetWeight = "77.5";
+    f->loss = "5.0";
+    EXPECT_FALSE((f.get()->*r.leave)(QString::fromLatin1(r.text))) << r.text;
+    EXPECT_EQ(f->lastMessage, r.code) << r.text;
+    EXPECT_EQ(f->failedField, r.field) << r.text;
+    EXPECT_EQ(f->targetWeight, "77.5") << r.text;
+    EXPECT_EQ(f->loss, "5.0") << r.text;
+  }
+  // Bounds are not checked while the start weight is below 0.1.
+  EXPECT_TRUE(f->startWeightLeft("0"));
+}
+
+TEST_F(WeightForm, SavedPlanComesBackAndUndoReloadsIt) {
+  install("ja");
+  auto f = open();
+  f->periodChanged(5);
+  ASSERT_TRUE(f->lossLeft("3"));
+  f->dietOptionChanged(true);
+  f->foodChanged(9, 0);  // half a unit of the last food, well below the gap
+  ASSERT_TRUE(f->reCalc());
+  ASSERT_TRUE(f->save());
+  const WeightPlanRecord saved = f->record();
+
+  auto g = open();
+  EXPECT_TRUE(g->restored);
+  EXPECT_EQ(g->record().StartDate, saved.StartDate);
+  EXPECT_EQ(g->record().EndDate, saved.EndDate);
+  EXPECT_EQ(g->record().Loss, "3.0");
+  EXPECT_EQ(g->record().FoodIndex, "9");
+  EXPECT_EQ(g->record().PortionIndex, "0");
+  EXPECT_EQ(g->record().ReductionIndex, "");
+  EXPECT_EQ(g->result.foodReduction, f->result.foodReduction);
+  EXPECT_EQ(g->result.moreActivity, f->result.moreActivity);
+  ExpectButtons(g->buttons, kSaved, "opened with a saved plan");
+
+  ASSERT_TRUE(g->lossLeft("6"));
+  g->dietOptionChanged(false);
+  g->cancel();
+  EXPECT_EQ(g->loss, "3.0");
+  EXPECT_TRUE(g->diet);
+  ExpectButtons(g->buttons, kSaved, "undone");
+}
+
+TEST_F(WeightForm, FailedSaveKeepsTheOldPlanAndSaysSo) {
+  install("en");
+  auto f = open();
+  ASSERT_TRUE(f->save());
+  ASSERT_TRUE(f->lossLeft("4"));
+  ASSERT_TRUE(f->reCalc());
+  // Another program holds the database: the write fails and nothing of it stays.
+  VtDatabase other;
+  other.open(inst_->dbFile(), kDefaultDbPassword);
+  other.exec("BEGIN EXCLUSIVE");
+  db_.exec("PRAGMA busy_timeout = 0");
+  EXPECT_FALSE(f->save());
+  EXPECT_TRUE(shownText().contains(catalogueText("DSIM-C-0001")));
+  ExpectButtons(f->buttons, kComputed, "save failed");
+  other.exec("ROLLBACK");
+  WeightPlanRecord back;
+  ASSERT_TRUE(LoadWeightPlan(db_, kUser, back));
+  EXPECT_EQ(back.Loss, "1.0");
+}
+
+TEST_F(WeightForm, EditionsTreatAPlanSavedInTheOtherUnitDifferently) {
+  WeightPlanRecord inPounds;
+  inPounds.UserId = kUser;
+  inPounds.PeriodIndex = "2";
+  inPounds.StartDate = "20240711";
+  inPounds.EndDate = "20241010";
+  inPounds.StartWeight = "150";
+  inPounds.TargetWeight = "140";
+  inPounds.Loss = "10";
+  inPounds.DietOption = "False";
+  inPounds.PoundFlag = "1";
+  // English, kg screen: 150 lb x 0.4535920 = 68.04 -> 68.0; 140 lb -> 63.50 -> 63.5;
+  // the loss follows: 4.5.
+  install("en");
+  ASSERT_TRUE(SetWeightPlan(db_, inPounds));
+  auto f = open();
+  EXPECT_FALSE(f->poundMode);
+  EXPECT_EQ(f->startWeight, "68.0");
+  EXPECT_EQ(f->targetWeight, "63.5");
+  EXPECT_EQ(f->loss, "4.5");
+  EXPECT_TRUE(f->userName.startsWith(GetIniCaption("SIMULATION", "CAPTION_USER_NAME") + " Hana"));
+  // Japanese: the saved figures stand as they are.
+  install("ja");
+  ASSERT_TRUE(SetWeightPlan(db_, inPounds));
+  f = open();
+  EXPECT_EQ(f->startWeight, "150");
+  EXPECT_EQ(f->loss, "10");
+}
+
+TEST_F(WeightForm, PoundScreenWorksInWholePounds) {
+  install("en", 1);
+  auto f = open();
+  ASSERT_TRUE(f->poundMode);
+  EXPECT_EQ(f->weightUnit, GetIniCaption("SIMULATION", "CAPTION_LB"));
+  EXPECT_FALSE(f->startWeight.contains('.'));
+  ASSERT_TRUE(f->startWeightLeft("180.4"));
+  EXPECT_EQ(f->startWeight, "180");
+  ASSERT_TRUE(f->lossLeft("10"));
+  EXPECT_EQ(f->targetWeight, "170");
+  // 700 lb is allowed, 701 is not.
+  EXPECT_TRUE(f->startWeightLeft("700"));
+  EXPECT_FALSE(f->startWeightLeft("701"));
+  ASSERT_TRUE(f->startWeightLeft("180"));
+  ASSERT_TRUE(f->targetWeightLeft("170"));
+  ASSERT_TRUE(f->reCalc());
+  // 10 lb = 4.5359 kg over 92 days: 31751.4 / 92 = 345.1 -> 345.
+  EXPECT_EQ(f->result.dailyGap, "345");
+  EXPECT_EQ(f->record().PoundFlag, "1");
+}
+
+TEST_F(WeightForm, EnglishOpeningSkipsTheFoodTestJapaneseStops) {
+  WeightPlanRecord bigDiet;
+  bigDiet.UserId = kUser;
+  bigDiet.PeriodIndex = "2";
+  bigDiet.StartDate = "20240711";
+  bigDiet.EndDate = "20241010";
+  bigDiet.StartWeight = "60.0";
+  bigDiet.TargetWeight = "59.0";
+  bigDiet.Loss = "1.0";
+  bigDiet.DietOption = "True";
+  bigDiet.ReductionIndex = "11";  // 700 kcal a day against a gap of 76
+  bigDiet.PoundFlag = "0";
+  install("en");
+  ASSERT_TRUE(SetWeightPlan(db_, bigDiet));
+  auto f = open();
+  EXPECT_FALSE(f->result.stopped);
+  EXPECT_TRUE(inst_->dialog().shown.empty());
+  install("ja");
+  ASSERT_TRUE(SetWeightPlan(db_, bigDiet));
+  f = open();
+  EXPECT_TRUE(f->result.stopped);
+  EXPECT_EQ(f->lastMessage, "DSIM-I-0001");
+  ExpectButtons(f->buttons, kChanged, "stopped at opening");
+}
