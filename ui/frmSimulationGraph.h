@@ -1,0 +1,64 @@
+// The plan graph: the saved plan's line beside the real weights over a window of dates,
+// with the start, today and end figures, and previous and next by week or four-week
+// span. The window arithmetic is plan::GraphWindow; the picture comes from the chart
+// library through the chart files of types 801 and 802.
+#pragma once
+
+#include <QDialog>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <memory>
+
+#include "graph_window.h"
+#include "weight_form.h"
+
+class ChartMaker;
+class PictureSurface;
+class VtDatabase;
+
+class frmSimulationGraph : public QDialog {
+  Q_OBJECT
+
+ public:
+  frmSimulationGraph(VtDatabase& db, const QString& userId, const plan::PlanFigures& figures, ChartMaker& maker,
+                     QWidget* parent = nullptr, const QDate& today = QDate::currentDate());
+  ~frmSimulationGraph() override;
+
+  const plan::GraphWindow& window() const { return *window_; }
+  // What previous, next and the view options do.
+  void step(int direction);
+  void selectView(plan::GraphWindow::View view);
+  // Draws the window (new chart files when needed). False when the files could not be made.
+  bool draw();
+
+  QLabel* lblPeriod = nullptr;
+  PictureSurface* picGraph = nullptr;
+  QRadioButton* optDays0 = nullptr;  // one month
+  QRadioButton* optDays1 = nullptr;  // six months
+  QPushButton* cmdPrev = nullptr;
+  QPushButton* cmdNext = nullptr;
+  QPushButton* cmdBack = nullptr;
+  QLabel* txtDietStart = nullptr;
+  QLabel* txtNow = nullptr;
+  QLabel* txtDietEnd = nullptr;
+  QLabel* txtWeightStart = nullptr;
+  QLabel* txtWeighNow = nullptr;
+  QLabel* txtWeightEnd = nullptr;
+  QLabel* txtBMIStart = nullptr;
+  QLabel* txtBMINow = nullptr;
+  QLabel* txtBMIEnd = nullptr;
+  QLabel* lblHeight = nullptr;
+
+ private:
+  void build(const plan::PlanFigures& figures);
+  void updateNavigation();
+
+  VtDatabase& db_;
+  QString userId_;
+  ChartMaker& maker_;
+  QDate today_;
+  std::unique_ptr<plan::GraphWindow> window_;
+  bool needsData_ = true;
+  QString interfaceFile_;
+};
