@@ -42,9 +42,9 @@ void Trace(const QString& message) {
 
 frmSimulationGraph::frmSimulationGraph(VtDatabase& db, const QString& userId, const plan::PlanFigures& figures,
                                        ChartMaker& maker, QWidget* parent, const QDate& today)
-    : QDialog(parent), db_(db), userId_(userId), maker_(maker), today_(today) {
+    : QDialog(parent), db_(db), userId_(userId), maker_(maker), today_(today), modalBefore_(GetModalFormOpen()) {
   Trace(QStringLiteral("Form_Load Start"));
-  SetModalFormOpen(true);
+  SetModalFormOpen(true);  // put back as it was on closing: the plan screen stays open beneath
   setObjectName(QStringLiteral("frmSimulationGraph"));
   setModal(true);
   setWindowTitle(Caption("CAPTION_TITLE"));
@@ -72,7 +72,7 @@ frmSimulationGraph::frmSimulationGraph(VtDatabase& db, const QString& userId, co
 frmSimulationGraph::~frmSimulationGraph() {
   Trace(QStringLiteral("Form_Unload Start"));
   maker_.forgetSurface(picGraph);
-  SetModalFormOpen(false);
+  SetModalFormOpen(modalBefore_);
 }
 
 void frmSimulationGraph::build(const plan::PlanFigures& f) {

@@ -58,6 +58,7 @@ class frmSimulationGraph : public QDialog {
   QString userId_;
   ChartMaker& maker_;
   QDate today_;
+  bool modalBefore_ = false;
   std::unique_ptr<plan::GraphWindow> window_;
   bool needsData_ = true;
   QString interfaceFile_;

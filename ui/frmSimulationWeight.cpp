@@ -83,6 +83,11 @@ frmSimulationWeight::frmSimulationWeight(VtDatabase& db, const QString& userId, 
 
 frmSimulationWeight::~frmSimulationWeight() {
   WriteTrace(QStringLiteral("0"), QStringLiteral("frmSimulationWeight"), QStringLiteral("Form_Unload Start"));
+  // A graph still open goes first, so that the mark is cleared last.
+  qDeleteAll(findChildren<frmSimulationGraph*>());
+  // The fields go after this object's members: a field losing its focus then must not
+  // reach the logic any more.
+  for (QObject* child : findChildren<QObject*>()) child->disconnect(this);
   SetModalFormOpen(false);
 }
 
@@ -513,13 +518,13 @@ QDialog* frmSimulationWeight::openGraph(bool modal) {
   // The start BMI follows the start weight as it stands now.
   logic_.startWeightLeft(logic_.startWeight);
   refresh();
-  auto* graph = new frmSimulationGraph(db_, userId_, logic_.figures(), maker_, this);
-  graph->setAttribute(Qt::WA_DeleteOnClose);
   if (modal) {
-    graph->exec();
-    SetModalFormOpen(true);  // the graph cleared it on closing; this screen is still open
+    frmSimulationGraph graph(db_, userId_, logic_.figures(), maker_, this);
+    graph.exec();
     return nullptr;
   }
+  auto* graph = new frmSimulationGraph(db_, userId_, logic_.figures(), maker_, this);
+  graph->setAttribute(Qt::WA_DeleteOnClose);
   graph->show();
   return graph;
 }

@@ -119,9 +119,34 @@ TEST_P(SimulationScreens, GoalComputedSavedAndGraphed) {
   EXPECT_FALSE(graph->picGraph->pixmap().isNull());
   Shot(*graph, QStringLiteral("graph-sixmonths-") + edition());
   graph->cmdBack->click();
-  QApplication::processEvents();
+  QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_TRUE(form->findChildren<frmSimulationGraph*>().isEmpty());
+  EXPECT_TRUE(GetModalFormOpen());  // the plan screen is still open
   form.reset();
   EXPECT_FALSE(GetModalFormOpen());
 }
 
 INSTANTIATE_TEST_SUITE_P(Editions, SimulationScreens, ::testing::Values("ja", "en"));
+
+TEST(SimulationScreensPounds, HeightIsOneLabelAndWeightsAreWhole) {
+  TestInstallation inst(QStringLiteral("en"));
+  ASSERT_TRUE(inst.isValid());
+  VtDatabase db;
+  ASSERT_EQ(OpenDatabaseWithSampleUser(inst, db, kUser), "");
+  RecorderImageOptions o;
+  o.days = 30;
+  o.english = true;
+  o.unitFlag = 1;
+  o.lastDay = QDate::currentDate().addDays(-1);
+  ASSERT_EQ(StoreRecorderDays(db, kUser, o), "");
+  frmSimulationWeight form(db, kUser);
+  form.resize(1100, 680);
+  form.show();
+  QApplication::processEvents();
+  EXPECT_FALSE(form.txtStartHeight->isVisible());
+  EXPECT_TRUE(form.lblHeight->text().contains(GetIniCaption("SIMULATION", "CAPTION_FEET")));
+  EXPECT_FALSE(form.txtStartWeight->text().contains('.'));
+  Type(form.txtLoss, "9.6");
+  EXPECT_EQ(form.txtLoss->text(), "10");
+  Shot(form, QStringLiteral("plan-pounds-en"));
+}
