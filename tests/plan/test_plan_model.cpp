@@ -97,17 +97,15 @@ TEST(PlanBody, HealthyRangeTestsAt24Point9AndTellsTheExcessFrom25) {
   EXPECT_EQ(CalcHealthyRange(138, 160, true, "lb").verdict, within);
 }
 
-TEST(PlanDates, MonthsEndTheDayBeforeOrAtTheClampedMonthEnd) {
-  // 10 March + 1 month: 10 April exists -> 9 April.
-  EXPECT_EQ(AddMonthsMinusDay(QDate(2024, 3, 10), 1), QDate(2024, 4, 9));
-  // 29 January 2024 + 1: 29 February exists in a leap year -> 28 February.
+TEST(PlanDates, PlanLengthFromThePeriod) {
+  // 29 January 2024 + 1 month: 29 February exists in a leap year -> 28 February, 31 days
+  // counted; from the 30th there is no such day -> the 29th itself, 31 days as well.
   EXPECT_EQ(AddMonthsMinusDay(QDate(2024, 1, 29), 1), QDate(2024, 2, 28));
-  // 30 and 31 January: no such day in February -> the clamped 29th, nothing taken off.
-  EXPECT_EQ(AddMonthsMinusDay(QDate(2024, 1, 30), 1), QDate(2024, 2, 29));
-  EXPECT_EQ(AddMonthsMinusDay(QDate(2023, 1, 31), 1), QDate(2023, 2, 28));
-  // Across a year: 1 November + 3 -> 31 January.
-  EXPECT_EQ(AddMonthsMinusDay(QDate(2024, 11, 1), 3), QDate(2025, 1, 31));
   EXPECT_EQ(PlanDays(QDate(2024, 1, 29), QDate(2024, 2, 28)), 31);
+  EXPECT_EQ(AddMonthsMinusDay(QDate(2024, 1, 30), 1), QDate(2024, 2, 29));
+  EXPECT_EQ(PlanDays(QDate(2024, 1, 30), QDate(2024, 2, 29)), 31);
+  // Two years across a leap day: 1 Nov 2023 + 24 -> 31 Oct 2025, 731 days.
+  EXPECT_EQ(PlanDays(QDate(2023, 11, 1), AddMonthsMinusDay(QDate(2023, 11, 1), 24)), 731);
   EXPECT_EQ(PlanDays(QDate(2024, 5, 5), QDate(2024, 5, 5)), 1);
 }
 
@@ -147,33 +145,32 @@ TEST(PlanFiguresTest, OneDayPlanWithoutValidDays) {
 }
 
 TEST(PlanFiguresTest, ShownTargetIsTheSumOfTheShownParts) {
-  // 92 days, 4 kg: 28000 / 92 = 304.35 -> 304. Average 518, weight 74.6.
-  // Walking: 518 x 60 / (74.6 x 2.8 = 208.88) = 148.79 -> 149; 304 x 60 / 208.88 =
-  // 87.32 -> 87; target 149 + 87 = 236 although 822 x 60 / 208.88 = 236.1 would also
-  // give 236: the week is 236 x 7 = 1652.
-  // Activity of 5.0 METs: 518 x 60 / (4 x 74.6 = 298.4) = 104.16 -> 104; 304 x 60 /
-  // 298.4 = 61.13 -> 61; target 165 where 822 x 60 / 298.4 = 165.28 -> 165.
+  // 35 days, 0.6 kg: 4200 / 35 = 120. Average 110, weight 100; target 110 + 120 = 230.
+  // Walking at 2.8: 110 x 60 / 280 = 23.57 -> 24 and 120 x 60 / 280 = 25.71 -> 26: the
+  // target shown is 24 + 26 = 50, not 230 x 60 / 280 = 49.29 -> 49; the week 350.
+  // 5.0 METs: 110 x 60 / 400 = 16.5 -> 17 (half away from zero); 120 x 60 / 400 = 18;
+  // target 35.
   PlanRequest q;
   q.start = QDate(2024, 7, 1);
-  q.end = QDate(2024, 9, 30);
-  q.lossKg = 4;
-  q.weightKg = 74.6;
-  q.averageActivity = "518";
+  q.end = QDate(2024, 8, 4);
+  q.lossKg = 0.6;
+  q.weightKg = 100;
+  q.averageActivity = "110";
   q.metsAverage = q.metsMore = q.metsTarget = 50;
   PlanResult r = ComputePlan(q);
-  EXPECT_EQ(r.days, 92);
-  EXPECT_EQ(r.dailyGap, "304");
-  EXPECT_EQ(r.targetActivity, "822");
+  EXPECT_EQ(r.days, 35);
+  EXPECT_EQ(r.dailyGap, "120");
+  EXPECT_EQ(r.targetActivity, "230");
   EXPECT_EQ((std::vector<QString>{r.walk.average, r.walk.more, r.walk.target, r.walk.weeklyTarget}),
-            (std::vector<QString>{"149", "87", "236", "1652"}));
+            (std::vector<QString>{"24", "26", "50", "350"}));
   EXPECT_EQ((std::vector<QString>{r.activity.average, r.activity.more, r.activity.target}),
-            (std::vector<QString>{"104", "61", "165"}));
-  // A target row set to another activity (8.3 METs) is its own figure: 822 x 60 /
-  // (7.3 x 74.6 = 544.58) = 90.57 -> 91, week 637.
+            (std::vector<QString>{"17", "18", "35"}));
+  // A target row set to another activity (8.3 METs) is its own figure: 230 x 60 /
+  // (7.3 x 100) = 18.90 -> 19, week 133.
   q.metsTarget = 83;
   r = ComputePlan(q);
-  EXPECT_EQ(r.activity.target, "91");
-  EXPECT_EQ(r.activity.weeklyTarget, "637");
+  EXPECT_EQ(r.activity.target, "19");
+  EXPECT_EQ(r.activity.weeklyTarget, "133");
 }
 
 TEST(PlanFiguresTest, FoodAndReductionOptions) {

@@ -26,6 +26,21 @@ void ExpectButtons(const PlanButtons& b, Buttons want, const char* when) {
   EXPECT_EQ(b.btnCancel, want.cancel) << when;
   EXPECT_EQ(b.actOptions, want.options) << when;
 }
+// A saved plan of 11 July to 10 October 2024 (3 months, list position 2).
+WeightPlanRecord SavedPlan(const char* start, const char* target, const char* loss, const char* pounds) {
+  WeightPlanRecord r;
+  r.UserId = kUser;
+  r.PeriodIndex = "2";
+  r.StartDate = "20240711";
+  r.EndDate = "20241010";
+  r.StartWeight = start;
+  r.TargetWeight = target;
+  r.Loss = loss;
+  r.DietOption = "False";
+  r.PoundFlag = pounds;
+  return r;
+}
+
 const Buttons kChanged{false, false, true, true, false};
 const Buttons kComputed{false, true, false, true, true};
 const Buttons kSaved{true, false, false, false, true};
@@ -219,16 +234,7 @@ TEST_F(WeightForm, FailedSaveKeepsTheOldPlanAndSaysSo) {
 }
 
 TEST_F(WeightForm, EditionsTreatAPlanSavedInTheOtherUnitDifferently) {
-  WeightPlanRecord inPounds;
-  inPounds.UserId = kUser;
-  inPounds.PeriodIndex = "2";
-  inPounds.StartDate = "20240711";
-  inPounds.EndDate = "20241010";
-  inPounds.StartWeight = "150";
-  inPounds.TargetWeight = "140";
-  inPounds.Loss = "10";
-  inPounds.DietOption = "False";
-  inPounds.PoundFlag = "1";
+  const WeightPlanRecord inPounds = SavedPlan("150", "140", "10", "1");
   // English, kg screen: 150 lb x 0.4535920 = 68.04 -> 68.0; 140 lb -> 63.50 -> 63.5;
   // the loss follows: 4.5.
   install("en");
@@ -269,17 +275,9 @@ TEST_F(WeightForm, PoundScreenWorksInWholePounds) {
 }
 
 TEST_F(WeightForm, EnglishOpeningSkipsTheFoodTestJapaneseStops) {
-  WeightPlanRecord bigDiet;
-  bigDiet.UserId = kUser;
-  bigDiet.PeriodIndex = "2";
-  bigDiet.StartDate = "20240711";
-  bigDiet.EndDate = "20241010";
-  bigDiet.StartWeight = "60.0";
-  bigDiet.TargetWeight = "59.0";
-  bigDiet.Loss = "1.0";
+  WeightPlanRecord bigDiet = SavedPlan("60.0", "59.0", "1.0", "0");
   bigDiet.DietOption = "True";
   bigDiet.ReductionIndex = "11";  // 700 kcal a day against a gap of 76
-  bigDiet.PoundFlag = "0";
   install("en");
   ASSERT_TRUE(SetWeightPlan(db_, bigDiet));
   auto f = open();
