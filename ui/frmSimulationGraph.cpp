@@ -18,12 +18,7 @@ namespace {
 const QString kSection = QStringLiteral("SIMULATIONGRAPH");
 QString Caption(const char* key) { return GetIniCaption(kSection, QLatin1String(key)); }
 
-QString ScreenDate(const QDate& d) {
-  QString f = GetCommonScreenDateFormat();
-  if (f.isEmpty()) f = Ini_GetDateScreenYmd();
-  f.remove(u'\\');
-  return d.toString(f.isEmpty() ? QStringLiteral("yyyy/MM/dd") : f);
-}
+QString ScreenDate(const QDate& d) { return d.toString(ScreenDateFormat()); }
 
 QLabel* Cell(QWidget* parent, const char* name) {
   auto* l = new QLabel(parent);
@@ -39,6 +34,13 @@ void Trace(const QString& message) {
 }
 
 }  // namespace
+
+QString ScreenDateFormat() {
+  QString f = GetCommonScreenDateFormat();
+  if (f.isEmpty()) f = Ini_GetDateScreenYmd();
+  f.remove(u'\\');
+  return f.isEmpty() ? QStringLiteral("yyyy/MM/dd") : f;
+}
 
 frmSimulationGraph::frmSimulationGraph(VtDatabase& db, const QString& userId, const plan::PlanFigures& figures,
                                        ChartMaker& maker, QWidget* parent, const QDate& today)

@@ -17,6 +17,10 @@ class ChartMaker;
 class PictureSurface;
 class VtDatabase;
 
+// The date form of the screens' labels and pickers (the configured screen format without
+// its escapes).
+QString ScreenDateFormat();
+
 class frmSimulationGraph : public QDialog {
   Q_OBJECT
 

@@ -51,13 +51,6 @@ void Tint(QWidget* w, const char* key) {
   w->setAutoFillBackground(true);
 }
 
-QString ScreenDateFormat() {
-  QString f = GetCommonScreenDateFormat();
-  if (f.isEmpty()) f = Ini_GetDateScreenYmd();
-  f.remove(u'\\');
-  return f.isEmpty() ? QStringLiteral("yyyy/MM/dd") : f;
-}
-
 // Cuts a text one character at a time from the right until it fits the width.
 QString FitToWidth(const QString& text, const QFontMetrics& fm, int width) {
   QString t = text;
