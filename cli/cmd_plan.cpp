@@ -97,7 +97,9 @@ int cmd_plan(const QStringList& args) {
   form.startDate = start;
   const auto& periods = form.tables().periods;
   form.endDate = opt.contains("--end") ? end : plan::AddMonthsMinusDay(start, months);
-  for (size_t i = 0; i < periods.size(); ++i)
+  // The period list position when the months are one of its lengths, else none.
+  form.period = -1;
+  for (size_t i = 0; i < periods.size() && opt.contains("--months"); ++i)
     if (Val(periods[i].value) == months) form.period = static_cast<int>(i);
 
   bool ok = form.startWeightLeft(opt.value("--start-weight", form.userWeight));

@@ -229,8 +229,10 @@ bool SimulationWeightLogic::refuse(const QString& code, PlanField field) {
 
 void SimulationWeightLogic::startDateChanged(const QDate& date) {
   if (!loaded || !date.isValid() || date == startDate) return;
+  // A plan whose end was set by hand (no period chosen) keeps its length.
+  const qint64 length = startDate.daysTo(endDate);
   startDate = date;
-  endDate = AddMonthsMinusDay(startDate, monthsOf(period));
+  endDate = monthsOf(period) > 0 ? AddMonthsMinusDay(startDate, monthsOf(period)) : startDate.addDays(length);
   inputChanged();
 }
 
@@ -375,7 +377,7 @@ bool SimulationWeightLogic::reCalc() {
 WeightPlanRecord SimulationWeightLogic::record() const {
   WeightPlanRecord r;
   r.UserId = userId_;
-  r.PeriodIndex = QString::number(period);
+  r.PeriodIndex = period >= 0 ? QString::number(period) : QString();
   r.StartDate = DateToYmd(startDate);
   r.EndDate = DateToYmd(endDate);
   r.TargetWeight = targetWeight;

@@ -500,6 +500,9 @@ void frmSimulationWeight::refresh() {
 }
 
 void frmSimulationWeight::drawBmi() {
+  if (bmiDrawn_ && logic_.bmi == drawnBmi_) return;
+  bmiDrawn_ = true;
+  drawnBmi_ = logic_.bmi;
   const QString folder = Ini_GetTempDataPath();
   const QString bmiFile = plan::WriteBmiFile(folder, logic_.bmi);
   if (bmiFile.isEmpty()) return;

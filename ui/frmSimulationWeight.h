@@ -89,4 +89,6 @@ class frmSimulationWeight : public QDialog {
   ChartMaker maker_;
   bool refreshing_ = false;
   bool leaving_ = false;
+  bool bmiDrawn_ = false;
+  QString drawnBmi_;  // the picture is made again only when the BMI changes
 };
