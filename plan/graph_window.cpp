@@ -16,8 +16,8 @@ void TraceErrorEnd(const char* name) {
 }  // namespace
 
 GraphWindow::GraphWindow(const QDate& planStart, const QDate& planEnd, const QDate& lastDay,
-                         const QDate& today)
-    : planStart_(planStart), planEnd_(planEnd), anchor_(lastDay.isValid() ? lastDay : today), today_(today) {
+                         const QDate& now)
+    : planStart_(planStart), planEnd_(planEnd), anchor_(lastDay.isValid() ? lastDay : now), now_(now) {
   const charts::WeekEndWeekdays w = charts::GetWeekEndWeekdays(anchor_);
   firstWeekday_ = w.first;
   lastWeekday_ = w.last;
@@ -43,8 +43,8 @@ bool GraphWindow::AdjustData() {
     TraceErrorEnd("AdjustData");
     return false;
   }
-  // A plan that is over still lets the window reach today, where it opens.
-  const QDate last = std::max(planEnd_, today_);
+  // A plan that is over still lets the window reach now, where it opens.
+  const QDate last = std::max(planEnd_, now_);
   weekHigh_ = nextLastWeekday(last).addDays(14);
   weekLow_ = previousFirstWeekday(planStart_).addDays(-14);
   spanHigh_ = charts::ShiftFourWeekSpan(anchor_, last, 2).end;
@@ -61,7 +61,7 @@ bool GraphWindow::GetDisplayRange(int direction) {
 bool GraphWindow::monthRange(int direction) {
   if (!weekLow_.isValid() || !weekHigh_.isValid()) return false;
   if (direction == 0) {
-    const QDate base = std::max(today_, planStart_);
+    const QDate base = std::max(now_, planStart_);
     end_ = clamp(nextLastWeekday(base).addDays(14), weekLow_, weekHigh_);
     start_ = clamp(previousFirstWeekday(base).addDays(-14), weekLow_, weekHigh_);
     return true;
@@ -92,7 +92,7 @@ bool GraphWindow::monthRange(int direction) {
 bool GraphWindow::sixMonthRange(int direction) {
   if (!spanLow_.isValid() || !spanHigh_.isValid()) return false;
   if (direction == 0) {
-    const QDate base = std::max(today_, planStart_);
+    const QDate base = std::max(now_, planStart_);
     end_ = clamp(charts::ShiftFourWeekSpan(anchor_, base, 2).end, spanLow_, spanHigh_);
     start_ = clamp(charts::ShiftFourWeekSpan(anchor_, base, -3).start, spanLow_, spanHigh_);
     return true;

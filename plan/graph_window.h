@@ -13,14 +13,15 @@ class GraphWindow {
  public:
   enum View { OneMonth = 0, SixMonths = 1 };
 
-  // lastDay: the user's last measured day; invalid when the user has none (today then
-  // anchors the weeks).
-  GraphWindow(const QDate& planStart, const QDate& planEnd, const QDate& lastDay, const QDate& today);
+  // lastDay: the user's last measured day, invalid when the user has none. now: the date
+  // of the "now" figures (the last measured day, or today without one); it also anchors
+  // the weeks when there is no last day.
+  GraphWindow(const QDate& planStart, const QDate& planEnd, const QDate& lastDay, const QDate& now);
 
   // The bounds of both views: two weeks (three spans) before the plan's start, two weeks
-  // (two spans) after its end or after today when the plan is over.
+  // (two spans) after its end, or after now when the plan is over.
   bool AdjustData();
-  // direction 0: a window around the later of today and the plan start; -1 / +1: one
+  // direction 0: a window around the later of now and the plan start; -1 / +1: one
   // week or one span back or forward, never beyond the bounds. False (window unchanged)
   // when no window can be formed.
   bool GetDisplayRange(int direction);
@@ -50,7 +51,7 @@ class GraphWindow {
   QDate planStart_;
   QDate planEnd_;
   QDate anchor_;
-  QDate today_;
+  QDate now_;
   int firstWeekday_ = 0;
   int lastWeekday_ = 0;
   View view_ = OneMonth;

@@ -97,6 +97,7 @@ void SimulationWeightLogic::fillFromDays() {
   QString last;
   VTDB_GetDayMeasurementRange(db_, userId_, first, last, false);
   const QDate shown = last.isEmpty() ? today_ : YmdToDate(last);
+  displayDate = shown;
   const QDate lookBack = last.isEmpty() ? today_ : shown.addMonths(-1);
   std::vector<ChartDayRecord> days;
   charts::CalcStepActMin(db_, userId_, DateToYmd(lookBack), DateToYmd(shown), days, false, false, false);
@@ -405,6 +406,7 @@ PlanFigures SimulationWeightLogic::figures() const {
   PlanFigures f;
   f.planStart = startDate;
   f.planEnd = endDate;
+  f.now = displayDate;
   f.startWeight = startWeight;
   f.targetWeight = targetWeight;
   f.nowWeight = userWeight;

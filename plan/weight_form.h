@@ -26,6 +26,7 @@ struct PlanButtons {
 struct PlanFigures {
   QDate planStart;
   QDate planEnd;
+  QDate now;             // the user's last measured day, or today without one
   QString startWeight;   // as shown on the plan screen
   QString targetWeight;
   QString nowWeight;     // the user's newest weight
@@ -77,6 +78,7 @@ class SimulationWeightLogic {
   bool loaded = false;
   bool restored = false;   // a saved plan was read at opening
   bool hasDays = false;    // the user has a measured day in the last month
+  QDate displayDate;       // the user's last measured day, or today without one
   PlanField failedField = PlanField::None;
   // The catalogue code of the last message shown (a refused input, a stopped plan), or
   // "FOODERROR" for a diet without its choice; cleared by every event.

@@ -43,8 +43,13 @@ QString ScreenDateFormat() {
 }
 
 frmSimulationGraph::frmSimulationGraph(VtDatabase& db, const QString& userId, const plan::PlanFigures& figures,
-                                       ChartMaker& maker, QWidget* parent, const QDate& today)
-    : QDialog(parent), db_(db), userId_(userId), maker_(maker), today_(today), modalBefore_(GetModalFormOpen()) {
+                                       ChartMaker& maker, QWidget* parent)
+    : QDialog(parent),
+      db_(db),
+      userId_(userId),
+      maker_(maker),
+      now_(figures.now.isValid() ? figures.now : QDate::currentDate()),
+      modalBefore_(GetModalFormOpen()) {
   Trace(QStringLiteral("Form_Load Start"));
   SetModalFormOpen(true);  // put back as it was on closing: the plan screen stays open beneath
   setObjectName(QStringLiteral("frmSimulationGraph"));
@@ -62,7 +67,7 @@ frmSimulationGraph::frmSimulationGraph(VtDatabase& db, const QString& userId, co
   QDate first;
   QDate last;
   charts::ReadUserRange(db_, userId_, first, last);
-  window_ = std::make_unique<plan::GraphWindow>(start, end, last, today_);
+  window_ = std::make_unique<plan::GraphWindow>(start, end, last, now_);
 
   build(figures);
   window_->AdjustData();
@@ -145,7 +150,7 @@ void frmSimulationGraph::build(const plan::PlanFigures& f) {
 
   const QString unit = u' ' + f.weightUnit;
   txtDietStart->setText(ScreenDate(f.planStart));
-  txtNow->setText(ScreenDate(today_));
+  txtNow->setText(ScreenDate(now_));
   txtDietEnd->setText(ScreenDate(f.planEnd));
   txtWeightStart->setText(f.startWeight + unit);
   txtWeighNow->setText(f.nowWeight + unit);

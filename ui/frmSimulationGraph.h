@@ -1,5 +1,5 @@
 // The plan graph: the saved plan's line beside the real weights over a window of dates,
-// with the start, today and end figures, and previous and next by week or four-week
+// with the start, now and end figures, and previous and next by week or four-week
 // span. The window arithmetic is plan::GraphWindow; the picture comes from the chart
 // library through the chart files of types 801 and 802.
 #pragma once
@@ -26,7 +26,7 @@ class frmSimulationGraph : public QDialog {
 
  public:
   frmSimulationGraph(VtDatabase& db, const QString& userId, const plan::PlanFigures& figures, ChartMaker& maker,
-                     QWidget* parent = nullptr, const QDate& today = QDate::currentDate());
+                     QWidget* parent = nullptr);
   ~frmSimulationGraph() override;
 
   const plan::GraphWindow& window() const { return *window_; }
@@ -61,7 +61,7 @@ class frmSimulationGraph : public QDialog {
   VtDatabase& db_;
   QString userId_;
   ChartMaker& maker_;
-  QDate today_;
+  QDate now_;
   bool modalBefore_ = false;
   std::unique_ptr<plan::GraphWindow> window_;
   bool needsData_ = true;

@@ -18,7 +18,7 @@ const QDate kLastDay = D(2024, 6, 30);
 
 TEST(GraphWindowTest, OneMonthViewStopsExactlyAtItsBounds) {
   TestInstallation inst;  // the trace log of the failures goes somewhere
-  // Plan Monday 1 July to Monday 30 September, today Wednesday 10 July.
+  // Plan Monday 1 July to Monday 30 September, now Wednesday 10 July.
   GraphWindow w(D(2024, 7, 1), D(2024, 9, 30), kLastDay, D(2024, 7, 10));
   ASSERT_TRUE(w.AdjustData());
   // High: the Sunday on or after 30 Sep is 6 Oct, + 2 weeks = 20 Oct. Low: the Monday on
@@ -92,15 +92,17 @@ TEST(GraphWindowTest, SixMonthViewMovesBySpans) {
 
 TEST(GraphWindowTest, PlanEndedBeforeTheLastDayShowsTheLaterDate) {
   TestInstallation inst;
-  // Plan in May, today 10 July: the bounds reach today, and the window is around it.
-  GraphWindow w(D(2024, 5, 1), D(2024, 5, 31), kLastDay, D(2024, 7, 10));
+  // Plan in May, last weight on Sunday 30 June: the bounds reach that day, and the window
+  // is around it: Sunday 30 Jun + 2 weeks = 14 Jul; Monday 24 Jun - 2 weeks = 10 Jun.
+  GraphWindow w(D(2024, 5, 1), D(2024, 5, 31), kLastDay, kLastDay);
   ASSERT_TRUE(w.AdjustData());
   ASSERT_TRUE(w.GetDisplayRange(0));
-  EXPECT_EQ(w.windowStart(), D(2024, 6, 24));
-  EXPECT_EQ(w.windowEnd(), D(2024, 7, 28));
+  EXPECT_EQ(w.windowStart(), D(2024, 6, 10));
+  EXPECT_EQ(w.windowEnd(), D(2024, 7, 14));
   EXPECT_FALSE(w.nextEnabled());
   // Low bound: Monday 29 Apr - 2 weeks.
   EXPECT_EQ(w.weekLow(), D(2024, 4, 15));
+  EXPECT_TRUE(w.previousEnabled());
 }
 
 TEST(GraphWindowTest, OneMeasuredDayAnchorsTheWeeksAndNoPlanIsNoWindow) {
@@ -111,7 +113,7 @@ TEST(GraphWindowTest, OneMeasuredDayAnchorsTheWeeksAndNoPlanIsNoWindow) {
   ASSERT_TRUE(w.GetDisplayRange(0));
   EXPECT_EQ(w.windowStart().dayOfWeek(), Qt::Thursday);
   EXPECT_EQ(w.windowEnd().dayOfWeek(), Qt::Wednesday);
-  // Around 13 Jun (plan start, later than today): Wed 19 Jun + 2 weeks, Thu 13 Jun - 2.
+  // Around 13 Jun (plan start, later than now): Wed 19 Jun + 2 weeks, Thu 13 Jun - 2.
   EXPECT_EQ(w.windowStart(), D(2024, 5, 30));
   EXPECT_EQ(w.windowEnd(), D(2024, 7, 3));
 
