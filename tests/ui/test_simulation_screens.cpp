@@ -90,14 +90,6 @@ TEST_P(SimulationScreens, GoalComputedSavedAndGraphed) {
   EXPECT_TRUE(form->btnGraph->isEnabled());
   Shot(*form, QStringLiteral("plan-") + edition());
 
-  // A loss as large as the start weight is refused and the figure stays.
-  inst_->dialog().shown.clear();
-  const QString loss = form->txtLoss->text();
-  Type(form->txtLoss, form->txtStartWeight->text());
-  ASSERT_EQ(inst_->dialog().shown.size(), 1u);
-  EXPECT_EQ(form->logic().lastMessage, "DSIM-I-0003");
-  EXPECT_EQ(form->logic().loss, loss);
-
   // Japanese: the resting-rate option renames the columns and recomputes.
   if (!english()) {
     const QString metsWalk = form->lblWalkMin[1]->text();
