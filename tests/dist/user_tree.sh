@@ -27,8 +27,8 @@ for f in bin/vantora bin/vantora-cli lib/vantora/libexec/vantora lib/vantora/lib
 done
 
 export VANTORA_LIBDIR="$lib" HOME="$tmp/home" XDG_DATA_HOME="$tmp/home/data"
-{ export LANG=ja_JP.UTF-8; } 2>/dev/null  # the locale need not exist here
 unset LC_ALL LC_MESSAGES
+{ export LANG=ja_JP.UTF-8; } 2>/dev/null  # the locale need not exist here
 mkdir -p "$HOME/work"
 cd "$HOME/work"
 cli="$tmp/usr/bin/vantora-cli"
