@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include "backup.h"
 #include "config.h"
 #include "device.h"
 #include "dialog.h"
@@ -197,6 +198,45 @@ void BM_ReadYearWithProfiles(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_ReadYearWithProfiles)->Unit(benchmark::kMillisecond);
+
+// A backup and a restore of a household's five years: eight full rings of one recorder
+// (1920 days with their profiles), copied while the working connection is open.
+void BM_BackUpAndRestoreFiveYears(benchmark::State& state) {
+  BenchInstallation inst;
+  const QString path = inst.db(QStringLiteral("years.db"));
+  QString error;
+  if (!CreateDatabaseFile(path, kDefaultDbPassword, &error)) {
+    state.SkipWithError(error.toStdString().c_str());
+    return;
+  }
+  VtDatabase db;
+  QString p = path;
+  QString pw;
+  VTDB_Open(db, p, pw);
+  VTDB_BeginTrans(db);
+  for (int ring = 0; ring < 8; ++ring) {
+    if (!storeReception(db, QDate(2020, 1, 1).addDays(ring * kRingDays), kRingDays)) {
+      state.SkipWithError("storing failed");
+      return;
+    }
+  }
+  VTDB_CommitTrans(db);
+  const QString copy = inst.db(QStringLiteral("copy.db"));
+  for (auto _ : state) {
+    BackUpDatabase(path, kDefaultDbPassword, copy);
+    if (state.range(0) == 1) {
+      state.PauseTiming();
+      db.close();
+      state.ResumeTiming();
+      RestoreDatabase(path, kDefaultDbPassword, copy);
+      state.PauseTiming();
+      VTDB_Open(db, p, pw);
+      state.ResumeTiming();
+    }
+  }
+  state.counters["db_bytes"] = double(QFileInfo(copy).size());
+}
+BENCHMARK(BM_BackUpAndRestoreFiveYears)->ArgName("with_restore")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 }  // namespace
 

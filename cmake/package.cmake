@@ -44,10 +44,10 @@ set(CPACK_PACKAGE_VERSION "${VANTORA_PACKAGE_VERSION}")
 set(CPACK_PACKAGE_VENDOR "Vantora developers")
 set(CPACK_PACKAGE_CONTACT "Vantora developers <vantora@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "step-count recorder diary for a household")
-set(CPACK_PACKAGE_DESCRIPTION
-  "Vantora reads Pedomira activity recorders from a USB reader, keeps a household's days\n"
-  "in a password-protected database, shows charts, prints reports, exchanges CSV files\n"
-  "and plans a weight loss. Japanese and English editions.")
+set(CPACK_PACKAGE_DESCRIPTION "Vantora reads Pedomira activity recorders from a USB reader, keeps \
+a household's days in a password-protected database, shows charts, prints reports, exchanges CSV \
+files and plans a weight loss. Japanese and English editions; each person's data stay in their \
+home folder.")
 set(CPACK_PACKAGING_INSTALL_PREFIX "/usr")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
