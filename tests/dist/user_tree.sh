@@ -26,6 +26,15 @@ for f in bin/vantora bin/vantora-cli lib/vantora/libexec/vantora lib/vantora/lib
   [ -e "$tmp/usr/$f" ] || fail "installed file $f missing"
 done
 
+# The desktop entry and the metainfo pass the validators, where they are installed.
+if command -v desktop-file-validate >/dev/null; then
+  desktop-file-validate "$tmp/usr/share/applications/org.vantora.Vantora.desktop" || fail "desktop entry"
+fi
+if command -v appstreamcli >/dev/null; then
+  appstreamcli validate --no-net "$tmp/usr/share/metainfo/org.vantora.Vantora.metainfo.xml" >/dev/null ||
+    fail "metainfo"
+fi
+
 export VANTORA_LIBDIR="$lib" HOME="$tmp/home" XDG_DATA_HOME="$tmp/home/data"
 unset LC_ALL LC_MESSAGES
 { export LANG=ja_JP.UTF-8; } 2>/dev/null  # the locale need not exist here
