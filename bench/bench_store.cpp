@@ -103,6 +103,19 @@ bool storeReception(VtDatabase& db, const QDate& first, int count) {
   return true;
 }
 
+// A new database file at path, opened on db; false (with the benchmark marked as failed)
+// when it cannot be made.
+bool OpenNewDatabase(benchmark::State& state, const QString& path, VtDatabase& db) {
+  QString error;
+  if (!CreateDatabaseFile(path, kDefaultDbPassword, &error)) {
+    state.SkipWithError(error.toStdString().c_str());
+    return false;
+  }
+  QString p = path;
+  QString pw;
+  return VTDB_Open(db, p, pw) == 0;
+}
+
 void BM_StoreFullRing(benchmark::State& state) {
   BenchInstallation inst;
   int round = 0;
@@ -110,15 +123,8 @@ void BM_StoreFullRing(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
     const QString path = inst.db(QStringLiteral("ring%1.db").arg(round++));
-    QString error;
-    if (!CreateDatabaseFile(path, kDefaultDbPassword, &error)) {
-      state.SkipWithError(error.toStdString().c_str());
-      return;
-    }
     VtDatabase db;
-    QString p = path;
-    QString pw;
-    VTDB_Open(db, p, pw);
+    if (!OpenNewDatabase(state, path, db)) return;
     state.ResumeTiming();
     if (!storeReception(db, QDate(2024, 1, 1), kRingDays)) {
       state.SkipWithError("storing failed");
@@ -140,14 +146,7 @@ BENCHMARK(BM_StoreFullRing)->Unit(benchmark::kMillisecond)->Iterations(3);
 // benchmark marked as failed) when it cannot be made.
 bool OpenTwoReceptions(benchmark::State& state, const QString& path, VtDatabase& db, const QDate& first,
                        const QDate& second) {
-  QString error;
-  if (!CreateDatabaseFile(path, kDefaultDbPassword, &error)) {
-    state.SkipWithError(error.toStdString().c_str());
-    return false;
-  }
-  QString p = path;
-  QString pw;
-  VTDB_Open(db, p, pw);
+  if (!OpenNewDatabase(state, path, db)) return false;
   if (!storeReception(db, first, kRingDays) || !storeReception(db, second, kRingDays)) {
     state.SkipWithError("storing failed");
     return false;
@@ -204,15 +203,8 @@ BENCHMARK(BM_ReadYearWithProfiles)->Unit(benchmark::kMillisecond);
 void BM_BackUpAndRestoreFiveYears(benchmark::State& state) {
   BenchInstallation inst;
   const QString path = inst.db(QStringLiteral("years.db"));
-  QString error;
-  if (!CreateDatabaseFile(path, kDefaultDbPassword, &error)) {
-    state.SkipWithError(error.toStdString().c_str());
-    return;
-  }
   VtDatabase db;
-  QString p = path;
-  QString pw;
-  VTDB_Open(db, p, pw);
+  if (!OpenNewDatabase(state, path, db)) return;
   VTDB_BeginTrans(db);
   for (int ring = 0; ring < 8; ++ring) {
     if (!storeReception(db, QDate(2020, 1, 1).addDays(ring * kRingDays), kRingDays)) {
@@ -230,6 +222,8 @@ void BM_BackUpAndRestoreFiveYears(benchmark::State& state) {
       state.ResumeTiming();
       RestoreDatabase(path, kDefaultDbPassword, copy);
       state.PauseTiming();
+      QString p = path;
+      QString pw;
       VTDB_Open(db, p, pw);
       state.ResumeTiming();
     }

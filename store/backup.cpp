@@ -44,8 +44,14 @@ void renameSynced(const QString& from, const QString& to) {
   syncPath(QFileInfo(to).absolutePath(), true);
 }
 
+// The log and shared-memory files beside a database.
+void removeSidecars(const QString& path) {
+  for (const char* suffix : {"-wal", "-shm", "-journal"}) QFile::remove(path + QLatin1String(suffix));
+}
+
 void removeWithSidecars(const QString& path) {
-  for (const char* suffix : {"", "-wal", "-shm", "-journal"}) QFile::remove(path + QLatin1String(suffix));
+  QFile::remove(path);
+  removeSidecars(path);
 }
 
 // A temporary name in the folder of path, so that the final rename stays on one volume.
@@ -93,6 +99,28 @@ void checkOpenDatabase(VtDatabase& db) {
     if (!tables.step()) missing << QString::fromLatin1(t.name);
   }
   if (!missing.isEmpty()) fail(QStringLiteral("the file holds no table %1").arg(missing.join(QStringLiteral(", "))));
+}
+
+// Copies a candidate backup to copy and checks it there (opening may change a file, so
+// the candidate itself is only read). With fold, the copy is left as one file, ready to
+// be renamed into place. Nothing is left behind when the check fails.
+void checkedCopy(const QString& file, const QString& copy, const QString& password, bool fold) {
+  removeWithSidecars(copy);
+  try {
+    copySynced(file, copy);
+    VtDatabase db;
+    db.open(copy, password);
+    checkOpenDatabase(db);
+    if (fold) foldLog(db);
+    db.close();
+    if (fold) {
+      removeSidecars(copy);
+      syncPath(copy, false);
+    }
+  } catch (...) {
+    removeWithSidecars(copy);
+    throw;
+  }
 }
 
 }  // namespace
@@ -200,20 +228,9 @@ void BackUpDatabase(const QString& dbPath, const QString& password, const QStrin
 void CheckBackupFile(const QString& file, const QString& password) {
   const QFileInfo info(file);
   if (!info.isFile()) fail(QStringLiteral("%1 does not exist").arg(file));
-  // Opening may change a file (its log mode), so the check reads a copy.
   const QString copy = QDir(QDir::tempPath()).filePath(
       QStringLiteral("vantora-check-%1-%2.db").arg(processId()).arg(info.fileName()));
-  removeWithSidecars(copy);
-  try {
-    copySynced(file, copy);
-    VtDatabase db;
-    db.open(copy, password);
-    checkOpenDatabase(db);
-    db.close();
-  } catch (...) {
-    removeWithSidecars(copy);
-    throw;
-  }
+  checkedCopy(file, copy, password, false);
   removeWithSidecars(copy);
 }
 
@@ -227,21 +244,7 @@ void RestoreDatabase(const QString& dbPath, const QString& password, const QStri
   // 1. The backup, copied beside the database and checked there: what is checked is what
   //    will be renamed into place.
   const QString staged = stagingPath(dbPath, "restore");
-  removeWithSidecars(staged);
-  try {
-    copySynced(backup, staged);
-    VtDatabase db;
-    db.open(staged, password);
-    checkOpenDatabase(db);
-    foldLog(db);
-    db.close();
-    QFile::remove(staged + QStringLiteral("-wal"));
-    QFile::remove(staged + QStringLiteral("-shm"));
-    syncPath(staged, false);
-  } catch (...) {
-    removeWithSidecars(staged);
-    throw;
-  }
+  checkedCopy(backup, staged, password, true);
 
   try {
     // 2. The current database is kept. A readable one is copied consistently (with what
@@ -269,9 +272,7 @@ void RestoreDatabase(const QString& dbPath, const QString& password, const QStri
       }
     }
     // 3. A log left beside the database would be replayed onto the restored file.
-    QFile::remove(dbPath + QStringLiteral("-wal"));
-    QFile::remove(dbPath + QStringLiteral("-shm"));
-    QFile::remove(dbPath + QStringLiteral("-journal"));
+    removeSidecars(dbPath);
     renameSynced(staged, dbPath);
   } catch (...) {
     removeWithSidecars(staged);

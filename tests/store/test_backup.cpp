@@ -60,13 +60,6 @@ QStringList userIds(const QString& path) {
 
 class Backup : public StoreTest {
  protected:
-  void addUser(const QString& id) {
-    UserRecord u;
-    u.USER_ID = id;
-    u.GROUP_ID = kDefaultGroupId;
-    u.NICK_NAME = id;
-    ASSERT_TRUE(VTDB_SetUserInfo(db_, u));
-  }
   QString db() const { return inst_.dbFile(); }
   QString folder() const { return BackupFolderFor(inst_.dbFile()); }
   // Files in the database's folder other than the database and its log files.
