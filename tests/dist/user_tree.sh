@@ -18,10 +18,7 @@ fail() { echo "FAIL: $*" >&2; exit 1; }
 
 cmake --install "$build" --prefix "$tmp/usr" >/dev/null
 lib="$tmp/usr/lib/vantora"
-for f in bin/vantora bin/vantora-cli lib/vantora/libexec/vantora lib/vantora/libexec/vantora-cli \
-         lib/vantora/VERSION lib/vantora/dist/ja/bin/ACTA.res lib/vantora/dist/en/conf/config.cnf \
-         lib/vantora/dist/common/images/splash.png share/applications/org.vantora.Vantora.desktop \
-         share/metainfo/org.vantora.Vantora.metainfo.xml share/icons/hicolor/48x48/apps/org.vantora.Vantora.png \
+for f in bin/vantora-cli lib/vantora/libexec/vantora share/icons/hicolor/48x48/apps/org.vantora.Vantora.png \
          share/icons/hicolor/scalable/apps/org.vantora.Vantora.svg; do
   [ -e "$tmp/usr/$f" ] || fail "installed file $f missing"
 done
