@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include "backup.h"
 #include "config.h"
 #include "device.h"
 #include "dialog.h"
@@ -102,6 +103,19 @@ bool storeReception(VtDatabase& db, const QDate& first, int count) {
   return true;
 }
 
+// A new database file at path, opened on db; false (with the benchmark marked as failed)
+// when it cannot be made.
+bool OpenNewDatabase(benchmark::State& state, const QString& path, VtDatabase& db) {
+  QString error;
+  if (!CreateDatabaseFile(path, kDefaultDbPassword, &error)) {
+    state.SkipWithError(error.toStdString().c_str());
+    return false;
+  }
+  QString p = path;
+  QString pw;
+  return VTDB_Open(db, p, pw) == 0;
+}
+
 void BM_StoreFullRing(benchmark::State& state) {
   BenchInstallation inst;
   int round = 0;
@@ -109,15 +123,8 @@ void BM_StoreFullRing(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
     const QString path = inst.db(QStringLiteral("ring%1.db").arg(round++));
-    QString error;
-    if (!CreateDatabaseFile(path, kDefaultDbPassword, &error)) {
-      state.SkipWithError(error.toStdString().c_str());
-      return;
-    }
     VtDatabase db;
-    QString p = path;
-    QString pw;
-    VTDB_Open(db, p, pw);
+    if (!OpenNewDatabase(state, path, db)) return;
     state.ResumeTiming();
     if (!storeReception(db, QDate(2024, 1, 1), kRingDays)) {
       state.SkipWithError("storing failed");
@@ -139,14 +146,7 @@ BENCHMARK(BM_StoreFullRing)->Unit(benchmark::kMillisecond)->Iterations(3);
 // benchmark marked as failed) when it cannot be made.
 bool OpenTwoReceptions(benchmark::State& state, const QString& path, VtDatabase& db, const QDate& first,
                        const QDate& second) {
-  QString error;
-  if (!CreateDatabaseFile(path, kDefaultDbPassword, &error)) {
-    state.SkipWithError(error.toStdString().c_str());
-    return false;
-  }
-  QString p = path;
-  QString pw;
-  VTDB_Open(db, p, pw);
+  if (!OpenNewDatabase(state, path, db)) return false;
   if (!storeReception(db, first, kRingDays) || !storeReception(db, second, kRingDays)) {
     state.SkipWithError("storing failed");
     return false;
@@ -197,6 +197,40 @@ void BM_ReadYearWithProfiles(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_ReadYearWithProfiles)->Unit(benchmark::kMillisecond);
+
+// A backup and a restore of a household's five years: eight full rings of one recorder
+// (1920 days with their profiles), copied while the working connection is open.
+void BM_BackUpAndRestoreFiveYears(benchmark::State& state) {
+  BenchInstallation inst;
+  const QString path = inst.db(QStringLiteral("years.db"));
+  VtDatabase db;
+  if (!OpenNewDatabase(state, path, db)) return;
+  VTDB_BeginTrans(db);
+  for (int ring = 0; ring < 8; ++ring) {
+    if (!storeReception(db, QDate(2020, 1, 1).addDays(ring * kRingDays), kRingDays)) {
+      state.SkipWithError("storing failed");
+      return;
+    }
+  }
+  VTDB_CommitTrans(db);
+  const QString copy = inst.db(QStringLiteral("copy.db"));
+  for (auto _ : state) {
+    BackUpDatabase(path, kDefaultDbPassword, copy);
+    if (state.range(0) == 1) {
+      state.PauseTiming();
+      db.close();
+      state.ResumeTiming();
+      RestoreDatabase(path, kDefaultDbPassword, copy);
+      state.PauseTiming();
+      QString p = path;
+      QString pw;
+      VTDB_Open(db, p, pw);
+      state.ResumeTiming();
+    }
+  }
+  state.counters["db_bytes"] = double(QFileInfo(copy).size());
+}
+BENCHMARK(BM_BackUpAndRestoreFiveYears)->ArgName("with_restore")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 }  // namespace
 

@@ -19,6 +19,9 @@ int cmd_dump(const QStringList& args);
 int cmd_initdb(const QStringList& args);
 int cmd_users(const QStringList& args);
 int cmd_days(const QStringList& args);
+// backup and restore of the database
+int cmd_backup(const QStringList& args);
+int cmd_restore(const QStringList& args);
 // receive
 int cmd_receive(const QStringList& args);
 // charts

@@ -28,6 +28,8 @@ const Command kCommands[] = {
     {"initdb", cmd_initdb, "initdb [--path P] [--password PW]   create a new database"},
     {"users", cmd_users, "users                        list the users"},
     {"days", cmd_days, "days --user ID [--from YYYYMMDD --to YYYYMMDD]   list a user's stored days"},
+    {"backup", cmd_backup, "backup [FILE]                copy the database (default: a new file in data/backup)"},
+    {"restore", cmd_restore, "restore FILE                 replace the database by a backup (not while Vantora runs)"},
     {"receive", cmd_receive,
      "receive [--as USER_ID | --new-user NAME] [--state S_USERSELECT|S_JOB] [--yes|--no] [--fast]\n"
      "                             receive the recorder on the reader"},
@@ -69,7 +71,9 @@ void resolveCallerPaths(const QString& command, QStringList& args) {
       a = a.left(eq + 1) + value;
     } else if (kPathOptions.contains(a) && i + 1 < args.size()) {
       absolute(args[++i]);
-    } else if (command == QLatin1String("dump") && !a.startsWith(QLatin1String("--"))) {
+    } else if ((command == QLatin1String("dump") || command == QLatin1String("backup") ||
+                command == QLatin1String("restore")) &&
+               !a.startsWith(QLatin1String("--"))) {
       absolute(a);
     }
   }

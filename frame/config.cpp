@@ -2,6 +2,8 @@
 
 #include <QDir>
 
+#include <algorithm>
+
 #include <stdexcept>
 
 #include "profile.h"
@@ -192,6 +194,11 @@ QString Ini_GetTargetExercise() { return read(kUserDefault, "TARGET_EXERCISE"); 
 int Ini_GetMaxRecord() { return readNumber(kCsv, "MAX_RECORD"); }
 QString Ini_GetCsvLoginIdPrefix() { return read(kCsv, "CSVLOGINID_PREFIX"); }
 QString Ini_GetCsvLoginIdMax() { return read(kCsv, "CSVLOGINID_MAX"); }
+
+int Ini_GetBackupKeep() {
+  if (read(QStringLiteral("BACKUP"), "BACKUP_KEEP").trimmed().isEmpty()) return 10;
+  return std::max(1, readNumber(QStringLiteral("BACKUP"), "BACKUP_KEEP"));
+}
 
 bool Ini_GetPmAl() { return flagOne(kPmTest, "PM_AL"); }
 int Ini_GetPmDump() {

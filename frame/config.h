@@ -113,6 +113,10 @@ int Ini_GetPmDump();  // missing reads as 0
 // PROHIBIT_FILENAME: STRING_1 .. STRING_99, ending at the first empty value.
 QStringList Ini_GetProhibitChars();
 
+// BACKUP: how many backups of the database are kept (BACKUP_KEEP); missing or empty
+// gives 10, a value below 1 counts as 1.
+int Ini_GetBackupKeep();
+
 // READER: how the system reaches a recorder.
 QString Ini_GetReaderType();     // "EMULATOR" or "LIBRARY"
 QString Ini_GetEmulatorPath();   // folder watched for recorder images (*.img)

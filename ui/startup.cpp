@@ -1,7 +1,6 @@
 #include "startup.h"
 
 #include <QCoreApplication>
-#include <QCryptographicHash>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
@@ -17,6 +16,7 @@
 #include "config.h"
 #include "dialog.h"
 #include "helpers.h"
+#include "instance_lock.h"
 #include "shared_values.h"
 #include "store.h"
 #include "trace.h"
@@ -62,12 +62,7 @@ bool QtStartupPlatform::runAndWait(const QString& commandLine) {
 }
 
 QString QtStartupPlatform::lockFilePath(const QString& workingFolder) {
-  const QByteArray key =
-      QCryptographicHash::hash(QDir(workingFolder).canonicalPath().toUtf8(), QCryptographicHash::Sha1)
-          .toHex()
-          .left(16);
-  return QDir(QDir::tempPath()).filePath(QStringLiteral("vantora-") + QString::fromLatin1(key) +
-                                         QStringLiteral(".lock"));
+  return InstanceLockPath(workingFolder);
 }
 
 bool QtStartupPlatform::otherInstanceRunning() {

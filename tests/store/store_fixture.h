@@ -23,6 +23,19 @@ class StoreTest : public ::testing::Test {
     ASSERT_EQ(VTDB_Open(db_, path, password), 0);
   }
 
+  // A user row with only its id, group and nick name; hasUser tells whether it is stored.
+  void addUser(const QString& id) {
+    UserRecord u;
+    u.USER_ID = id;
+    u.GROUP_ID = kDefaultGroupId;
+    u.NICK_NAME = id;
+    ASSERT_TRUE(VTDB_SetUserInfo(db_, u));
+  }
+  bool hasUser(const QString& id) {
+    UserRecord u;
+    return VTDB_GetUserInfoFromUserId(db_, id, u);
+  }
+
   // Messages shown through the dialog interface so far.
   size_t messages() { return inst_.dialog().shown.size(); }
 

@@ -20,7 +20,8 @@ const char* const kCodes[] = {
     "UDEL-C-0002", "UDEL-W-0001", "UEDT-C-0003", "UEDT-C-0004", "UEDT-I-0001", "UEDT-I-0004",
     "UEDT-I-0006", "UEDT-W-0005", "UEDT-W-0009", "UREG-C-0003", "UREG-I-0001", "UREG-I-0004",
     "UREG-I-0006", "UREG-W-0003", "UREG-W-0006", "UREG-W-0010", "USEL-C-0001", "USEL-C-0002",
-    "USEL-C-0003", "USEL-C-0004", "USEL-I-0001", "USEL-I-0004",
+    "USEL-C-0003", "USEL-C-0004", "USEL-I-0001", "USEL-I-0004", "BKUP-C-0001", "BKUP-C-0002",
+    "BKUP-C-0003", "BKUP-I-0001", "BKUP-I-0002", "BKUP-W-0001",
 };
 
 // Every code with the level of its class letter and the code itself in the text, so a
