@@ -382,7 +382,7 @@ bool ReadCSVBytes(std::vector<CsvRow>& rows, const QByteArray& bytes, int& error
       QString v = col < cells.size() ? cells[col] : QString();
       if (v.isEmpty()) {
         v = QStringLiteral("-1");
-      } else if (!IsNumericText(v) || v.size() > 3) {
+      } else if (!IsNumericText(v) || v.size() > 5) {
         return refuse(number, "ERR_READ_NUMBER", v);
       }
       if (slots > 0) profiles[i] += u',';
