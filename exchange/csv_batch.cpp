@@ -182,6 +182,14 @@ void importFile(ImportContext& ctx, CsvImportFileResult& res) {
     word = ImportText("WORD_NEW");
     user.LOGIN_ID = loginId;
     user.FIRST_NAME = name;
+    if (Ini_GetLang() == 1) {
+      // The English edition keeps first and last names apart: "Mary Ann Jones" is split at
+      // its blanks; a single word stands for both.
+      const QStringList words = name.split(u' ', Qt::SkipEmptyParts);
+      user.FIRST_NAME = words.value(0, name);
+      user.LAST_NAME = words.size() > 1 ? words.last() : user.FIRST_NAME;
+      if (words.size() > 2) user.MIDDLE_NAME = words.mid(1, words.size() - 2).join(u' ');
+    }
     user.GROUP_ID = ctx.groupId;
     Ini_GetUserTargets(user.TARGET_STEP, user.TARGET_ACTMIN, user.TARGET_INTAKE, user.TARGET_CAL);
     Ini_GetModerate(user.MODERATE_LOW, user.MODERATE_HIGH);

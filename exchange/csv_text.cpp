@@ -50,7 +50,7 @@ bool EncodeCsvText(const QString& text, CsvEncoding encoding, QByteArray& bytes,
     const qsizetype len = text[i].isHighSurrogate() && i + 1 < text.size() ? 2 : 1;
     const QString ch = text.mid(i, len);
     QStringEncoder one("CP932");
-    (void)one.encode(ch);
+    const QByteArray probe = one.encode(ch);
     if (one.hasError() && !unwritable.contains(ch)) unwritable += ch;
     i += len - 1;
   }
