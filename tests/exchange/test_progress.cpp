@@ -123,3 +123,24 @@ TEST_F(ProgressTest, DeleteGroupRemovesItsUsersThenTheGroup) {
   EXPECT_EQ(d.value(), d.maximum());
   EXPECT_GE(view.pumps, 3);  // once per user at least
 }
+
+TEST_F(ProgressTest, CompactionRunsOnTheClosedFileAndFillsTheBar) {
+  db_.close();
+  ProgressDriver d;
+  ScriptedView view(d);
+  d.setView(&view);
+  d.ProcSetExecParam(ProgressDriver::kCompact, QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"),
+                     kCompactProgressMaximum, 0, false);
+  d.ProcSetCompactDB(inst_->dbFile());
+  EXPECT_EQ(d.run(), 0);
+  EXPECT_EQ(d.value(), kCompactProgressMaximum);
+  // The compacted file still holds the user's days.
+  db_.open(inst_->dbFile(), kDefaultDbPassword);
+  std::vector<CsvRow> rows;
+  EXPECT_EQ(VTDB_GetChartDataForCSV(db_, kCsvUser, QStringLiteral("20240101"), QStringLiteral("20241231"), rows), 8);
+  // A missing file gives -1.
+  ProgressDriver missing;
+  missing.ProcSetExecParam(ProgressDriver::kCompact, QString(), QString(), QString(), 100, 0, false);
+  missing.ProcSetCompactDB(inst_->path(QStringLiteral("data/mdb/none.db")));
+  EXPECT_EQ(missing.run(), -1);
+}
