@@ -364,3 +364,26 @@ TEST_F(JapaneseImport, FileNamesAndLoginIds) {
   const CsvImportSummary refused = Import(fresh_, {instructor});
   EXPECT_EQ(refused.files[0].reason, QStringLiteral("指導者と同じログインIDです"));
 }
+
+// A store failure in the middle of a file (the fifth day cannot be written) takes back
+// the whole file, the user it registered included.
+TEST_F(JapaneseImport, AStoreFailureMidFileTakesBackTheUserToo) {
+  StoreRecorder();
+  const QString good = GoodExport(*this, db_, *inst_, user_);
+  OpenFreshDatabase();
+  fresh_.exec(QStringLiteral("CREATE TRIGGER refuse_day BEFORE INSERT ON DAY_MEASUREMENT "
+                             "WHEN NEW.MEASUREMENT_DAY = '20240628' BEGIN SELECT RAISE(ABORT, 'disk says no'); END"));
+  const QString file = inst_->path(QStringLiteral("temp/hana_山田_20240701.csv"));
+  WriteFile(file, good.toUtf8());
+  const CsvImportSummary s = Import(fresh_, {file});
+  ASSERT_EQ(s.filesImported, 0);
+  EXPECT_EQ(s.files[0].reason, QStringLiteral("不正なデータがありました"));
+  EXPECT_EQ(VTDB_SearchUserIdFromLoginID(fresh_, QStringLiteral("hana")), QString());
+  EXPECT_EQ(CountRows(fresh_, "DAY_MEASUREMENT"), 0);
+  EXPECT_EQ(CountRows(fresh_, "TIME_MEASUREMENT_BLOCK"), 0);
+  EXPECT_EQ(CountRows(fresh_, "RECEIVE_HISTORY_DATE"), 0);
+  // Once the store takes days again the same file goes in whole.
+  fresh_.exec(QStringLiteral("DROP TRIGGER refuse_day"));
+  EXPECT_EQ(Import(fresh_, {file}).filesImported, 1);
+  EXPECT_EQ(CountRows(fresh_, "DAY_MEASUREMENT"), 7);
+}
