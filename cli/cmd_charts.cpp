@@ -29,8 +29,12 @@ bool ParseOptions(const QStringList& args, const QStringList& known, QHash<QStri
   return true;
 }
 
+bool ValidYmd(const QString& text) { return text.size() == 8 && YmdToDate(text).isValid(); }
+
 }  // namespace
 
+// The installation of the working directory: configuration, catalogue, language, and
+// the configured database. 0 when ready, else the exit code.
 int OpenInstallation(VtDatabase& db, QTextStream& err) {
   if (!Ini_LoadConfig()) {
     err << "no installation here: run from an installation's bin/ folder\n";
@@ -47,12 +51,6 @@ int OpenInstallation(VtDatabase& db, QTextStream& err) {
   }
   return 0;
 }
-
-namespace {
-
-bool ValidYmd(const QString& text) { return text.size() == 8 && YmdToDate(text).isValid(); }
-
-}  // namespace
 
 int cmd_chart_data(const QStringList& args) {
   QTextStream err(stderr);

@@ -31,3 +31,6 @@ int cmd_range(const QStringList& args);
 int cmd_render(const QStringList& args);
 // weight plan
 int cmd_plan(const QStringList& args);
+// csv
+int cmd_export_csv(const QStringList& args);
+int cmd_import_csv(const QStringList& args);
