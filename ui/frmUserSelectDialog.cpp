@@ -108,9 +108,9 @@ void frmUserSelectDialog::fillList() {
   for (const UserInfo& u : logic_.users()) {
     QPixmap picture;
     LoadIniPicture(QStringLiteral("VB_COMMON"), QStringLiteral("IMAGE_USERICON_%1").arg(u.ICONINDEX), picture);
-    auto* item = new QListWidgetItem(QIcon(picture), u.DisplayName, lvUserList);
+    auto* item = new QListWidgetItem(QIcon(picture), u.DisplayName.trimmed(), lvUserList);
     item->setData(Qt::UserRole, u.USER_ID);
-    item->setToolTip(u.DisplayName);
+    item->setToolTip(u.DisplayName.trimmed());
     item->setTextAlignment(Qt::AlignHCenter | Qt::AlignTop);
   }
 }

@@ -235,8 +235,10 @@ QString UserSelectLogic::click(int row) {
   if (row < 0 || row >= static_cast<int>(users_.size())) return QString();
   const UserInfo& u = users_[static_cast<size_t>(row)];
   SetCurrentUserId(u.USER_ID);
-  SetCurrentUserName(u.DisplayName);
-  QString text = u.DisplayName;
+  // A name of one part has no last name behind its blank.
+  const QString name = u.DisplayName.trimmed();
+  SetCurrentUserName(name);
+  QString text = name;
   if (Japanese()) text += QLatin1Char(' ') + GetIniCaption(kSectionList, QStringLiteral("CAPTION_LBLSAMA"));
   return text;
 }
