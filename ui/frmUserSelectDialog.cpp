@@ -80,6 +80,10 @@ frmUserSelectDialog::frmUserSelectDialog(VtDatabase& db, const QString& callerFo
   lvUserList->setUniformItemSizes(true);
   lvUserList->setSelectionMode(QAbstractItemView::SingleSelection);
   lvUserList->setMinimumSize(560, 320);
+  lvUserList->setViewportMargins(0, 10, 0, 0);
+  QFont names = lvUserList->font();
+  names.setPointSizeF(names.pointSizeF() * 1.15);
+  lvUserList->setFont(names);
   outer->addWidget(lvUserList, 1);
 
   btnCancel = captionButton("btnCancel", kSection, QStringLiteral("CAPTION_BTNCANCEL"));
@@ -88,7 +92,8 @@ frmUserSelectDialog::frmUserSelectDialog(VtDatabase& db, const QString& callerFo
   fillList();
   connect(lvUserList, &QListWidget::currentRowChanged, this, [this](int row) {
     const QString text = logic_.click(row);
-    const int room = qMax(100, lblUserNickName->width());
+    // Before the first layout the label has no width yet; the panel's width is the room.
+    const int room = lblUserNickName->width() > 150 ? lblUserNickName->width() : width() - 80;
     lblNameLength->setText(text);
     lblUserNickName->setText(lblNameLength->fontMetrics().elidedText(text, Qt::ElideRight, room));
   });
@@ -108,7 +113,10 @@ void frmUserSelectDialog::fillList() {
   for (const UserInfo& u : logic_.users()) {
     QPixmap picture;
     LoadIniPicture(QStringLiteral("VB_COMMON"), QStringLiteral("IMAGE_USERICON_%1").arg(u.ICONINDEX), picture);
-    auto* item = new QListWidgetItem(QIcon(picture), u.DisplayName.trimmed(), lvUserList);
+    // The picture stays as it is when its user is selected: the face is how people find themselves.
+    QIcon icon(picture);
+    icon.addPixmap(picture, QIcon::Selected);
+    auto* item = new QListWidgetItem(icon, u.DisplayName.trimmed(), lvUserList);
     item->setData(Qt::UserRole, u.USER_ID);
     item->setToolTip(u.DisplayName.trimmed());
     item->setTextAlignment(Qt::AlignHCenter | Qt::AlignTop);

@@ -123,8 +123,8 @@ QWidget* ModalScreen::nameRows(const QString& section, const std::array<const ch
     values[i] = dataLabel(dataNames[i]);
     values[i]->setText(texts[i]);
     values[i]->setFont(big);
-    grid->addWidget(captions[i], i, 0, Qt::AlignLeft | Qt::AlignVCenter);
-    grid->addWidget(values[i], i, 1, Qt::AlignLeft | Qt::AlignVCenter);
+    grid->addWidget(captions[i], i, 0, Qt::AlignLeft | Qt::AlignBaseline);
+    grid->addWidget(values[i], i, 1, Qt::AlignLeft | Qt::AlignBaseline);
     captions[i]->setVisible(visible[i]);
     values[i]->setVisible(visible[i]);
   }

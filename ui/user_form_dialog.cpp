@@ -102,6 +102,9 @@ void UserFormDialog::build() {
     edit = new QLineEdit(this);
     edit->setObjectName(QString::fromLatin1(editName));
     edit->setAlignment(Qt::AlignRight);
+    // Figures are typed without the input method (names keep it on).
+    edit->setAttribute(Qt::WA_InputMethodEnabled, false);
+    edit->setInputMethodHints(Qt::ImhPreferNumbers);
     edit->setFixedWidth(110);
     edit->installEventFilter(this);
     grid->addWidget(edit, row, 1);
