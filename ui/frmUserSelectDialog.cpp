@@ -76,11 +76,11 @@ frmUserSelectDialog::frmUserSelectDialog(VtDatabase& db, const QString& callerFo
   lvUserList->setResizeMode(QListView::Adjust);
   lvUserList->setIconSize(QSize(80, 80));
   lvUserList->setGridSize(QSize(170, 140));
+  lvUserList->setStyleSheet(QStringLiteral("QListView { padding-top: 10px; background: palette(base); }"));
   lvUserList->setWordWrap(true);
   lvUserList->setUniformItemSizes(true);
   lvUserList->setSelectionMode(QAbstractItemView::SingleSelection);
   lvUserList->setMinimumSize(560, 320);
-  lvUserList->setViewportMargins(0, 10, 0, 0);
   QFont names = lvUserList->font();
   names.setPointSizeF(names.pointSizeF() * 1.15);
   lvUserList->setFont(names);

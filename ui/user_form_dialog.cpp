@@ -8,6 +8,7 @@
 #include <QMouseEvent>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <functional>
 
 #include "catalogue.h"
 #include "ini_picture.h"
@@ -15,8 +16,8 @@
 namespace {
 
 // Applies a filter on every change of a field's text, keeping the cursor near where it was.
-void FilterOnChange(QLineEdit* edit, QString (*filter)(const QString&)) {
-  QObject::connect(edit, &QLineEdit::textChanged, edit, [edit, filter](const QString& text) {
+void FilterOnChange(QLineEdit* edit, std::function<QString(const QString&)> filter) {
+  QObject::connect(edit, &QLineEdit::textChanged, edit, [edit, filter = std::move(filter)](const QString& text) {
     const QString kept = filter(text);
     if (kept == text) return;
     const int cursor = edit->cursorPosition() - static_cast<int>(text.size() - kept.size());
@@ -132,6 +133,10 @@ void UserFormDialog::build() {
   frameTarget->setVisible(logic_.targetsShown());
   outer->addWidget(frameTarget);
 
+  for (auto [edit, column] : {std::pair{txtFN, "FIRST_NAME"}, {txtMN, "MIDDLE_NAME"}, {txtLN, "LAST_NAME"}}) {
+    const int width = NameWidth(column);
+    if (width > 0) FilterOnChange(edit, [width](const QString& text) { return LimitCharacters(text, width); });
+  }
   FilterOnChange(txtActCalData, FilterWholeNumber);
   FilterOnChange(txtStepData, FilterWholeNumber);
   FilterOnChange(txtExerciseDate, FilterDecimalNumber);

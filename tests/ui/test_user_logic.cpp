@@ -26,6 +26,14 @@ TEST(UserInputFilters, KeepWhatTheFieldsMayHold) {
   EXPECT_EQ(FormatExerciseText(QStringLiteral("12")), QStringLiteral("12.0"));
   EXPECT_EQ(FormatExerciseText(QStringLiteral("0.25")), QStringLiteral("0.3"));  // halves away from zero
   EXPECT_EQ(FormatExerciseText(QStringLiteral("12.")), QStringLiteral("12."));   // invalid text stays
+
+  // Names keep to their width in characters: a character of two UTF-16 units counts once
+  // and is never split.
+  const QString rare = QString::fromUcs4(U"\U00020BB7");  // outside the basic plane
+  EXPECT_EQ(LimitCharacters(rare.repeated(3) + QStringLiteral("ab"), 4), rare.repeated(3) + QStringLiteral("a"));
+  EXPECT_EQ(LimitCharacters(QStringLiteral("a") + rare, 1), QStringLiteral("a"));
+  EXPECT_EQ(LimitCharacters(QStringLiteral("abc"), 20), QStringLiteral("abc"));
+  EXPECT_EQ(NameWidth("FIRST_NAME"), 20);
 }
 
 class UserForm : public UserScreenFixture {

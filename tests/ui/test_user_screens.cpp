@@ -103,6 +103,8 @@ TEST_F(UserScreens, TheRegistrationFormFiltersItsFiguresAndFocusesTheFieldThatFa
   screen.txtFN->setFocus();  // leaving the exercise field gives it its form
   EXPECT_EQ(screen.txtExerciseDate->text(), QStringLiteral("3.5"));
 
+  typeInto(&screen, "txtFN", QStringLiteral("あいうえおかきくけこさしすせそたちつてとな"));
+  EXPECT_EQ(screen.txtFN->text(), QStringLiteral("あいうえおかきくけこさしすせそたちつてと"));  // 20 characters
   typeInto(&screen, "txtFN", QStringLiteral("田中 三郎"));
   QTest::mouseClick(screen.imgUserIcon[3], Qt::LeftButton);  // the picture selects its option
   EXPECT_TRUE(screen.optUserIcon[3]->isChecked());
