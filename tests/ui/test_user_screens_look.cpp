@@ -77,6 +77,11 @@ TEST_P(UserScreensLook, EveryScreenShowsItsCaptionsWhole) {
   }
   {
     frmUserModify screen(*db, a);
+    // The edition decides the fields: targets in the Japanese one, three names in the English one.
+    EXPECT_EQ(screen.frameTarget->isVisibleTo(&screen), !english());
+    EXPECT_EQ(screen.txtMN->isVisibleTo(&screen), english());
+    EXPECT_EQ(screen.txtFN->text(), english() ? QStringLiteral("Hannah") : QStringLiteral("山田 花子"));
+    EXPECT_TRUE(screen.optUserIcon[1]->isChecked());
     look(screen);
   }
   {
