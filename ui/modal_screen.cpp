@@ -1,5 +1,6 @@
 #include "modal_screen.h"
 
+#include <QApplication>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QIcon>
@@ -97,11 +98,21 @@ QLabel* ModalScreen::userIconLabel(const char* name, int iconIndex) {
   QLabel* label = dataLabel(name);
   label->setFixedSize(80, 80);
   label->setAlignment(Qt::AlignCenter);
-  QPixmap picture;
-  if (iconIndex >= 1 &&
-      LoadIniPicture(QStringLiteral("VB_COMMON"), QStringLiteral("IMAGE_USERICON_%1").arg(iconIndex), picture))
-    label->setPixmap(picture.scaled(72, 72, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+  const QPixmap picture = userIcon(iconIndex, 72);
+  if (!picture.isNull()) label->setPixmap(picture);
   return label;
+}
+
+QPixmap ModalScreen::userIcon(int iconIndex, int size) {
+  QPixmap picture;
+  if (iconIndex < 1 ||
+      !LoadIniPicture(QStringLiteral("VB_COMMON"), QStringLiteral("IMAGE_USERICON_%1").arg(iconIndex), picture))
+    return QPixmap();
+  const qreal ratio = qApp->devicePixelRatio();
+  const int pixels = qRound(size * ratio);
+  picture = picture.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+  picture.setDevicePixelRatio(ratio);
+  return picture;
 }
 
 QHBoxLayout* ModalScreen::userNameRows(const QString& section, const NameRowNames& spec, int iconIndex,

@@ -34,6 +34,9 @@ class ModalScreen : public QDialog {
   QLabel* dataLabel(const char* name);
   // A user's icon (ICONINDEX 1..6) at the size of a list entry; empty when unknown.
   QLabel* userIconLabel(const char* name, int iconIndex);
+  // The picture of a user's icon, size logical pixels square, sharp on high-density
+  // screens; null when it can't be read.
+  static QPixmap userIcon(int iconIndex, int size);
   // One user as the receive and delete screens show them: the icon, then rows of caption
   // and name (rows the edition hides are hidden). The controls' names come from spec;
   // captions[i] and values[i] receive the labels.

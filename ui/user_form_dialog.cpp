@@ -11,7 +11,6 @@
 #include <functional>
 
 #include "catalogue.h"
-#include "ini_picture.h"
 
 namespace {
 
@@ -79,9 +78,8 @@ void UserFormDialog::build() {
     imgUserIcon[i]->setFixedSize(80, 80);
     imgUserIcon[i]->setAlignment(Qt::AlignCenter);
     imgUserIcon[i]->setCursor(Qt::PointingHandCursor);
-    QPixmap picture;
-    if (LoadIniPicture(QStringLiteral("VB_COMMON"), QStringLiteral("IMAGE_USERICON_%1").arg(i + 1), picture))
-      imgUserIcon[i]->setPixmap(picture.scaled(72, 72, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    const QPixmap picture = userIcon(i + 1, 72);
+    if (!picture.isNull()) imgUserIcon[i]->setPixmap(picture);
     imgUserIcon[i]->installEventFilter(this);
     optUserIcon[i] = new QRadioButton(frameSelectIcon);
     optUserIcon[i]->setObjectName(QStringLiteral("optUserIcon_%1").arg(i));
