@@ -75,12 +75,11 @@ frmUserSelectDialog::frmUserSelectDialog(VtDatabase& db, const QString& callerFo
   lvUserList->setMovement(QListView::Static);
   lvUserList->setResizeMode(QListView::Adjust);
   lvUserList->setIconSize(QSize(80, 80));
-  lvUserList->setGridSize(QSize(170, 140));
+  lvUserList->setGridSize(QSize(170, 160));
   lvUserList->setStyleSheet(QStringLiteral("QListView { padding-top: 10px; background: palette(base); }"));
   lvUserList->setWordWrap(true);
-  lvUserList->setUniformItemSizes(true);
   lvUserList->setSelectionMode(QAbstractItemView::SingleSelection);
-  lvUserList->setMinimumSize(560, 320);
+  lvUserList->setMinimumSize(560, 350);
   QFont names = lvUserList->font();
   names.setPointSizeF(names.pointSizeF() * 1.15);
   lvUserList->setFont(names);
@@ -104,7 +103,7 @@ frmUserSelectDialog::frmUserSelectDialog(VtDatabase& db, const QString& callerFo
     WriteTrace(QStringLiteral("0"), objectName(), QStringLiteral("btnCancel_Click Start"));
     reject();
   });
-  resize(640, 520);
+  resize(660, 580);
 }
 
 frmUserSelectDialog::~frmUserSelectDialog() { logic_.unload(); }

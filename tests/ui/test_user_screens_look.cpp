@@ -67,7 +67,8 @@ class UserScreensLook : public UserScreenFixture, public ::testing::WithParamInt
 
 TEST_P(UserScreensLook, EveryScreenShowsItsCaptionsWhole) {
   const QString a = addUser(person("山田 花子", "Hannah Grace Yamada"), 2);
-  const QString b = addUser(person("山田 太郎", "Taro Yamada"), 1);
+  // The longest name a column holds.
+  const QString b = addUser(person("寿限無寿限無五劫の擦り切れ海砂利水魚の水", "Maximilianus Aurelius"), 1);
   addUser(person("佐藤 美咲", "Misaki Sato"), 5);
   addUser(person("鈴木 健", "Ken Suzuki"), 4);
   SetCurrentUserId(a);
