@@ -204,6 +204,9 @@ TEST_F(ChartMakerTest, ReportPdfCarriesThePersonAndThePeriod) {
   EXPECT_TRUE(text.contains(QStringLiteral("山田 花子"))) << text.toStdString();
   EXPECT_TRUE(text.contains(QStringLiteral("さくら健康クリニック")));
   EXPECT_TRUE(text.contains(QStringLiteral("2024/06/24")));
+  // Figures beside Latin letters keep their text too (the CJK font's shaping would swap
+  // them for glyphs without one).
+  EXPECT_TRUE(text.contains(QStringLiteral("158 cm / 55.0 kg"))) << text.toStdString();
 
   // English settings, Letter paper.
   ChartMaker en;
@@ -233,6 +236,17 @@ TEST_F(ChartMakerTest, PrintingCodes) {
   EXPECT_EQ(PrintChartPersonal(maker, header, iface, "pdf:" + path("no/such/dir/x.pdf"), 9), chartcode::kPrintFailed);
   // An unknown paper number still prints (the edition's usual paper).
   EXPECT_EQ(PrintChartPersonal(maker, header, iface, "pdf:" + path("odd.pdf"), 9999), 0);
+  // A failed print leaves an earlier file as it was; a good one replaces it whole.
+  const QString kept = write("kept.pdf", "earlier report");
+  EXPECT_EQ(PrintChartPersonal(maker, header, write("bad2.txt", "x"), "pdf:" + kept, 9), chartcode::kFileMalformed);
+  QFile k(kept);
+  ASSERT_TRUE(k.open(QIODevice::ReadOnly));
+  EXPECT_EQ(k.readAll(), QByteArray("earlier report"));
+  k.close();
+  EXPECT_EQ(PrintChartPersonal(maker, header, iface, "pdf:" + kept, 9), 0);
+  ASSERT_TRUE(k.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(k.readAll().startsWith("%PDF"));
+  EXPECT_EQ(QDir(dir.path()).entryList({QStringLiteral("kept.pdf*")}, QDir::Files | QDir::Hidden).size(), 1);
 }
 
 TEST(ChartPaper, WindowsPaperNumbersMapToPageSizes) {
