@@ -5,6 +5,7 @@
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QBuffer>
 #include <QSaveFile>
 #include <exception>
 
@@ -12,6 +13,7 @@
 #include "chartfiles.h"
 #include "chartsettings.h"
 #include "frame/config.h"
+#include "pdf_text.h"
 
 namespace {
 
@@ -241,13 +243,17 @@ int ChartMaker::print(const QString& headerFile, const QString& interfaceFile, c
       return st != chartcode::kOk ? st : DocumentResultCode(doc);
     }
 
-    // A PDF file: written beside the target and put in its place only when finished.
+    // A PDF file: made in memory, then written beside the target and put in its place
+    // only when finished.
     const QString path = name.mid(4);
     if (path.isEmpty()) return chartcode::kPrintUnknownPrinter;
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) return chartcode::kPrintFailed;
+    QByteArray bytes;
     {
-      QPdfWriter writer(&file);
+      QBuffer buffer(&bytes);
+      buffer.open(QIODevice::WriteOnly);
+      QPdfWriter writer(&buffer);
       writer.setPdfVersion(QPagedPaintDevice::PdfVersion_1_6);
       writer.setResolution(600);
       writer.setTitle(title);
@@ -258,7 +264,8 @@ int ChartMaker::print(const QString& headerFile, const QString& interfaceFile, c
       paint(p, QRectF(QPointF(0, 0), writer.pageLayout().paintRectPixels(writer.resolution()).size()));
       if (!p.end()) return chartcode::kPrintFailed;
     }
-    if (!file.commit()) return chartcode::kPrintFailed;
+    RestoreTextInPdf(bytes, SharedGlyphCodes({settings_->fontFamily, QStringLiteral("Noto Sans CJK JP")}));
+    if (file.write(bytes) != bytes.size() || !file.commit()) return chartcode::kPrintFailed;
     return DocumentResultCode(doc);
   });
 }
