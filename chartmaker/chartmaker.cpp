@@ -163,7 +163,7 @@ struct Paper {
 constexpr Paper kPapers[] = {
     {1, QPageSize::Letter},      {2, QPageSize::Letter},      {3, QPageSize::Tabloid},
     {4, QPageSize::Ledger},      {5, QPageSize::Legal},       {6, QPageSize::Statement},
-    {7, QPageSize::Executive},   {8, QPageSize::A3},          {9, QPageSize::A4},
+    {7, QPageSize::ExecutiveStandard},   {8, QPageSize::A3},          {9, QPageSize::A4},
     {10, QPageSize::A4},         {11, QPageSize::A5},         {12, QPageSize::JisB4},
     {13, QPageSize::JisB5},      {14, QPageSize::Folio},      {15, QPageSize::Quarto},
     {17, QPageSize::Tabloid},    {19, QPageSize::Envelope9},  {20, QPageSize::Envelope10},

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QPageSize>
 #include <QPrinterInfo>
+#include <QSet>
 
 #include "catalogue.h"
 #include "chartmaker.h"
@@ -21,10 +22,14 @@ std::vector<PaperEntry> QtPrinterCatalog::papers(const QString& printerName) {
   std::vector<PaperEntry> out;
   const QPrinterInfo info = QPrinterInfo::printerInfo(printerName);
   if (info.isNull()) return out;
+  QSet<int> seen;
   for (const QPageSize& size : info.supportedPageSizes()) {
     const int number = ChartMaker::PaperNumberOf(static_cast<int>(size.id()));
-    if (number == 0) continue;  // a custom size cannot be handed on as a number
-    out.push_back({size.name(), number});
+    // A custom size cannot be handed on as a number; a size offered under two names
+    // ("US Letter" and "ANSI A") is listed once, under its common name.
+    if (number == 0 || seen.contains(number)) continue;
+    seen.insert(number);
+    out.push_back({number < ChartMaker::kPrinterOwnPaper ? QPageSize::name(size.id()) : size.name(), number});
   }
   return out;
 }

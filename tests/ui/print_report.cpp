@@ -43,6 +43,10 @@ int main(int argc, char** argv) {
   }
   ReportChartResult(*code);
   out << "printer " << Ini_GetPrinterName() << " paper " << Ini_GetPrintPaper() << " result " << *code << "\n";
+  // The papers the printer screen would offer for it, with their numbers.
+  out << "papers:";
+  for (const PaperEntry& p : printers.papers(Ini_GetPrinterName())) out << " " << p.name << "=" << p.number;
+  out << "\n";
   SetDialogInterface(nullptr);
   return *code == 0 ? 0 : 1;
 }
