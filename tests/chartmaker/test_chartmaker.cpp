@@ -179,13 +179,6 @@ TEST_F(ChartMakerTest, RemakeRepaintsFromMemoryWithoutTheFile) {
 
 bool HavePdfToText() { return !QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty(); }
 
-QString PdfText(const QString& pdf) {
-  QProcess p;
-  p.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
-  p.waitForFinished(30000);
-  return QString::fromUtf8(p.readAllStandardOutput());
-}
-
 TEST_F(ChartMakerTest, ReportPdfCarriesThePersonAndThePeriod) {
   fixtures::Options o;
   o.type = 200;
@@ -199,7 +192,7 @@ TEST_F(ChartMakerTest, ReportPdfCarriesThePersonAndThePeriod) {
   EXPECT_TRUE(f.read(5).startsWith("%PDF"));
   if (!HavePdfToText()) GTEST_SKIP() << "pdftotext not installed";
   // Ideographs that share their glyph with a radical read back as the ideograph.
-  const QString text = PdfText(pdf);
+  const QString text = fixtures::PdfText(pdf);
   EXPECT_TRUE(text.contains(QStringLiteral("身長 / 体重"))) << text.toStdString();
   EXPECT_TRUE(text.contains(QStringLiteral("初日・最終日")));
   EXPECT_TRUE(text.contains(QStringLiteral("山田 花子"))) << text.toStdString();
@@ -215,7 +208,7 @@ TEST_F(ChartMakerTest, ReportPdfCarriesThePersonAndThePeriod) {
   ASSERT_TRUE(fixtures::WriteText(header, fixtures::HeaderText(false, QDate(2024, 6, 24), o.end)));
   const QString pdf2 = path("report-en.pdf");
   ASSERT_EQ(PrintChartPersonal(en, header, iface, "pdf:" + pdf2, 1), 0);
-  const QString text2 = PdfText(pdf2);
+  const QString text2 = fixtures::PdfText(pdf2);
   EXPECT_TRUE(text2.contains(QStringLiteral("Margaret Anne Holloway")));
   EXPECT_TRUE(text2.contains(QStringLiteral("Activity report")));
 }

@@ -67,6 +67,16 @@ class PrintingTest : public ::testing::Test {
     ASSERT_TRUE(inst.isValid());
     SetLogLevel(QStringLiteral("0"));
   }
+  // A week's chart files in temp/ and a chart library whose printer records.
+  void writeChartFiles() {
+    fixtures::Options o;
+    ASSERT_TRUE(fixtures::WriteInterface(inst.path(QStringLiteral("temp/INT.txt")), o));
+    ASSERT_TRUE(fixtures::WriteText(inst.path(QStringLiteral("temp/HED.txt")),
+                                    fixtures::HeaderText(true, o.end.addDays(-6), o.end)));
+    maker.setReportPrinter(printer);
+  }
+  ChartMaker maker;
+  std::shared_ptr<RecordingPrinter> printer = std::make_shared<RecordingPrinter>();
   TestInstallation inst{QStringLiteral("ja")};
 };
 
@@ -211,14 +221,9 @@ TEST_F(PrintingTest, ResultCodesReachLogAndPerson) {
 }
 
 TEST_F(PrintingTest, ConfiguredPrinterFallsBackToTheDefaultAndTheDirectoryComesBack) {
-  fixtures::Options o;
+  writeChartFiles();
   const QString iface = inst.path(QStringLiteral("temp/INT.txt"));
   const QString header = inst.path(QStringLiteral("temp/HED.txt"));
-  ASSERT_TRUE(fixtures::WriteInterface(iface, o));
-  ASSERT_TRUE(fixtures::WriteText(header, fixtures::HeaderText(true, o.end.addDays(-6), o.end)));
-  ChartMaker maker;
-  auto printer = std::make_shared<RecordingPrinter>();
-  maker.setReportPrinter(printer);
 
   FixedPrinterCatalog none;
   EXPECT_FALSE(PrintOnConfiguredPrinter(maker, none, header, iface).has_value());
@@ -243,14 +248,7 @@ TEST_F(PrintingTest, ConfiguredPrinterFallsBackToTheDefaultAndTheDirectoryComesB
 }
 
 TEST_F(PrintingTest, PrintCurrentChartPrintsTheChosenPrinterOrNothing) {
-  fixtures::Options o;
-  const QString iface = inst.path(QStringLiteral("temp/INT.txt"));
-  const QString header = inst.path(QStringLiteral("temp/HED.txt"));
-  ASSERT_TRUE(fixtures::WriteInterface(iface, o));
-  ASSERT_TRUE(fixtures::WriteText(header, fixtures::HeaderText(true, o.end.addDays(-6), o.end)));
-  ChartMaker maker;
-  auto printer = std::make_shared<RecordingPrinter>();
-  maker.setReportPrinter(printer);
+  writeChartFiles();
   int redraws = 0, updates = 0;
   QString choose;
   PrintChartRequest r;
@@ -282,13 +280,6 @@ TEST_F(PrintingTest, PrintCurrentChartPrintsTheChosenPrinterOrNothing) {
   EXPECT_TRUE(Shown(inst.dialog(), QStringLiteral("USEL-C-0004"), QStringLiteral("(DLL)ChartMaker ERROR")));
   EXPECT_EQ(redraws, 3);
   EXPECT_EQ(updates, 3);  // a cancelled choice ends before the states
-}
-
-QString PdfText(const QString& pdf) {
-  QProcess p;
-  p.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
-  p.waitForFinished(30000);
-  return QString::fromUtf8(p.readAllStandardOutput());
 }
 
 // A person saves the month report as PDF through the printer screen, in each edition
@@ -332,7 +323,7 @@ TEST(SaveAsPdfScenario, TheReportLandsInTheChosenFileWithItsText) {
     ASSERT_TRUE(QFileInfo(pdf).size() > 1000);
     if (QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty()) GTEST_SKIP() << "no pdftotext";
     // Every name, date and figure can be found and copied.
-    const QString text = PdfText(pdf);
+    const QString text = fixtures::PdfText(pdf);
     for (const QString& s : ja ? QStringList{QStringLiteral("山田 花子"), QStringLiteral("158 cm / 55.0 kg"),
                                              QStringLiteral("45 / 女性"), QStringLiteral("8000")}
                                : QStringList{QStringLiteral("Margaret Anne Holloway"), QStringLiteral("152 lbs."),
