@@ -127,6 +127,7 @@ class ChartMaker {
 
   // The way to installed printers (the desktop's QtReportPrinter).
   void setReportPrinter(std::shared_ptr<ReportPrinter> printer) { printer_ = std::move(printer); }
+  bool hasReportPrinter() const { return printer_ != nullptr; }
   // A surface that goes away is forgotten.
   void forgetSurface(const ChartSurface* surface);
   bool hasChart(const ChartSurface* surface) const;

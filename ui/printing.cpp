@@ -9,6 +9,7 @@
 #include "chartmaker.h"
 #include "config.h"
 #include "helpers.h"
+#include "report_printer.h"
 #include "shared_values.h"
 #include "trace.h"
 
@@ -203,6 +204,8 @@ void ReportChartResult(int code) {
 
 int PrintChartKeepingDirectory(ChartMaker& maker, const QString& header, const QString& iface, const QString& printer,
                                int paper) {
+  // The desktop's chart library reaches the installed printers through Qt PrintSupport.
+  if (!maker.hasReportPrinter()) maker.setReportPrinter(std::make_shared<QtReportPrinter>());
   const QString workingDirectory = QDir::currentPath();
   const int code = PrintChartPersonal(maker, header, iface, printer, paper);
   ChangeCurrentDirectory(workingDirectory);

@@ -127,7 +127,8 @@ ChartResultReport DescribeChartResult(int code);
 void ReportChartResult(int code);
 
 // The library's print, with the working directory put back afterwards: the library may
-// move it, and every relative path of the program counts from it.
+// move it, and every relative path of the program counts from it. A chart library
+// without a way to installed printers gets the desktop's (QtReportPrinter).
 int PrintChartKeepingDirectory(ChartMaker& maker, const QString& header, const QString& iface, const QString& printer,
                                int paper);
 

@@ -11,7 +11,6 @@
 #include "config.h"
 #include "dialog.h"
 #include "printing.h"
-#include "report_printer.h"
 #include "shared_values.h"
 
 int main(int argc, char** argv) {
@@ -33,7 +32,6 @@ int main(int argc, char** argv) {
 
   ChartMaker maker;
   ChartPreparePersonal(maker, Ini_GetChartIniPath());
-  maker.setReportPrinter(std::make_shared<QtReportPrinter>());
   QtPrinterCatalog printers;
   const auto code = PrintOnConfiguredPrinter(maker, printers, QString::fromLocal8Bit(argv[1]),
                                              QString::fromLocal8Bit(argv[2]));
