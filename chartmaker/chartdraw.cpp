@@ -25,7 +25,9 @@ struct Ctx {
     f.setFamilies({s.fontFamily, QStringLiteral("Noto Sans CJK JP"), QStringLiteral("DejaVu Sans")});
     f.setPixelSize(std::max(1, static_cast<int>(std::lround(b * scale))));
     f.setBold(bold);
-    f.setStyleStrategy(QFont::PreferAntialias);
+    // No OpenType shaping where the script needs none: the CJK font swaps Latin-run digits
+    // for glyphs outside its character map, and those lose their text in a PDF.
+    f.setStyleStrategy(QFont::StyleStrategy(QFont::PreferAntialias | QFont::PreferNoShaping));
     return f;
   }
   QColor c(const char* key) const { return s.colour(QLatin1String(key)); }

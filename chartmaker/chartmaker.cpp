@@ -4,14 +4,16 @@
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPainter>
-#include <QPrinter>
-#include <QPrinterInfo>
+#include <QPdfWriter>
+#include <QBuffer>
+#include <QSaveFile>
 #include <exception>
 
 #include "chartdraw.h"
 #include "chartfiles.h"
 #include "chartsettings.h"
 #include "frame/config.h"
+#include "pdf_text.h"
 
 namespace {
 
@@ -149,33 +151,64 @@ int ChartMaker::createBmiGraph(ChartSurface& surface, const QString& dataFile, c
   });
 }
 
+namespace {
+
+struct Paper {
+  int number;
+  QPageSize::PageSizeId id;
+};
+
+// The platform's paper numbers that printers offer in practice. Where several numbers
+// name one size, the first of them is the size's own number.
+constexpr Paper kPapers[] = {
+    {1, QPageSize::Letter},      {2, QPageSize::Letter},      {3, QPageSize::Tabloid},
+    {4, QPageSize::Ledger},      {5, QPageSize::Legal},       {6, QPageSize::Statement},
+    {7, QPageSize::ExecutiveStandard},   {8, QPageSize::A3},          {9, QPageSize::A4},
+    {10, QPageSize::A4},         {11, QPageSize::A5},         {12, QPageSize::JisB4},
+    {13, QPageSize::JisB5},      {14, QPageSize::Folio},      {15, QPageSize::Quarto},
+    {17, QPageSize::Tabloid},    {19, QPageSize::Envelope9},  {20, QPageSize::Envelope10},
+    {21, QPageSize::Envelope11}, {22, QPageSize::Envelope12}, {23, QPageSize::Envelope14},
+    {27, QPageSize::EnvelopeDL}, {28, QPageSize::EnvelopeC5}, {29, QPageSize::EnvelopeC3},
+    {30, QPageSize::EnvelopeC4}, {31, QPageSize::EnvelopeC6}, {33, QPageSize::EnvelopeB4},
+    {34, QPageSize::EnvelopeB5}, {35, QPageSize::EnvelopeB6}, {37, QPageSize::EnvelopeMonarch},
+    {42, QPageSize::B4},         {43, QPageSize::Postcard},   {66, QPageSize::A2},
+    {70, QPageSize::A6},         {88, QPageSize::B6},         {69, QPageSize::DoublePostcard},
+    {91, QPageSize::EnvelopeYou4}, {73, QPageSize::EnvelopeChou3}, {74, QPageSize::EnvelopeChou4},
+};
+
+// Draws the report in a page of 1000 units across, whatever the device's resolution.
+// The painter's origin is the corner of the printable area.
+void PaintReport(QPainter& p, const QSizeF& device, const ChartDocument& doc, const HeaderFile& header,
+                 const ChartSettings& s) {
+  const double scale = device.width() / 1000.0;
+  p.scale(scale, scale);
+  DrawReportPage(p, QRectF(0, 0, 1000, device.height() / scale), doc, header, s);
+}
+
+}  // namespace
+
 bool ChartMaker::PaperFromNumber(int paperNumber, int& pageSizeId) {
-  // The platform's paper numbers that printers offer in practice.
-  struct Paper {
-    int number;
-    QPageSize::PageSizeId id;
-  };
-  static const Paper kPapers[] = {
-      {1, QPageSize::Letter},     {2, QPageSize::Letter},      {3, QPageSize::Tabloid},
-      {4, QPageSize::Ledger},     {5, QPageSize::Legal},       {6, QPageSize::Statement},
-      {7, QPageSize::Executive},  {8, QPageSize::A3},          {9, QPageSize::A4},
-      {10, QPageSize::A4},        {11, QPageSize::A5},         {12, QPageSize::JisB4},
-      {13, QPageSize::JisB5},     {14, QPageSize::Folio},      {15, QPageSize::Quarto},
-      {17, QPageSize::Tabloid},   {19, QPageSize::Envelope9},  {20, QPageSize::Envelope10},
-      {21, QPageSize::Envelope11}, {22, QPageSize::Envelope12}, {23, QPageSize::Envelope14},
-      {27, QPageSize::EnvelopeDL}, {28, QPageSize::EnvelopeC5}, {29, QPageSize::EnvelopeC3},
-      {30, QPageSize::EnvelopeC4}, {31, QPageSize::EnvelopeC6}, {33, QPageSize::EnvelopeB4},
-      {34, QPageSize::EnvelopeB5}, {35, QPageSize::EnvelopeB6}, {37, QPageSize::EnvelopeMonarch},
-      {42, QPageSize::B4},        {43, QPageSize::Postcard},   {66, QPageSize::A2},
-      {70, QPageSize::A6},        {88, QPageSize::B6},
-  };
   for (const auto& p : kPapers) {
     if (p.number == paperNumber) {
       pageSizeId = static_cast<int>(p.id);
       return true;
     }
   }
+  const int own = paperNumber - kPrinterOwnPaper;
+  if (own >= 0 && own <= static_cast<int>(QPageSize::LastPageSize) && own != static_cast<int>(QPageSize::Custom)) {
+    pageSizeId = own;
+    return true;
+  }
   return false;
+}
+
+int ChartMaker::PaperNumberOf(int pageSizeId) {
+  for (const auto& p : kPapers)
+    if (static_cast<int>(p.id) == pageSizeId) return p.number;
+  if (pageSizeId < 0 || pageSizeId > static_cast<int>(QPageSize::LastPageSize) ||
+      pageSizeId == static_cast<int>(QPageSize::Custom))
+    return 0;
+  return kPrinterOwnPaper + pageSizeId;
 }
 
 int ChartMaker::print(const QString& headerFile, const QString& interfaceFile, const QString& printerName,
@@ -201,33 +234,38 @@ int ChartMaker::print(const QString& headerFile, const QString& interfaceFile, c
       pageId = static_cast<int>(Ini_GetLang() == 1 ? QPageSize::Letter : QPageSize::A4);
     const QPageLayout layout(QPageSize(static_cast<QPageSize::PageSizeId>(pageId)), QPageLayout::Portrait,
                              QMarginsF(12, 12, 12, 12), QPageLayout::Millimeter);
+    const QString title = settings_->text(QStringLiteral("REPORT"));
+    const auto paint = [&](QPainter& p, const QRectF& device) { PaintReport(p, device.size(), doc, header, *settings_); };
 
-    std::unique_ptr<QPrinter> printer;
-    if (name.startsWith(QLatin1String("pdf:"), Qt::CaseInsensitive)) {
-      const QString path = name.mid(4);
-      if (path.isEmpty()) return chartcode::kPrintUnknownPrinter;
-      printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
-      printer->setOutputFormat(QPrinter::PdfFormat);
-      printer->setOutputFileName(path);
-      printer->setPdfVersion(QPagedPaintDevice::PdfVersion_1_6);
-    } else {
-      const QPrinterInfo info = QPrinterInfo::printerInfo(name);
-      if (info.isNull()) return chartcode::kPrintUnknownPrinter;
-      printer = std::make_unique<QPrinter>(info, QPrinter::HighResolution);
+    if (!name.startsWith(QLatin1String("pdf:"), Qt::CaseInsensitive)) {
+      if (!printer_) return chartcode::kPrintUnknownPrinter;
+      st = printer_->printPage(name, title, layout, paint);
+      return st != chartcode::kOk ? st : DocumentResultCode(doc);
     }
-    printer->setDocName(settings_->text(QStringLiteral("REPORT")));
-    printer->setPageLayout(layout);
-    if (!name.startsWith(QLatin1String("pdf:"), Qt::CaseInsensitive) && confirm_ && !confirm_(*printer))
-      return chartcode::kPrintCancel;
 
-    QPainter p;
-    if (!p.begin(printer.get())) return chartcode::kPrintFailed;
-    // Draw in a page of 1000 units across, whatever the device's resolution.
-    const QRectF device = printer->pageLayout().paintRectPixels(printer->resolution());
-    const double scale = device.width() / 1000.0;
-    p.scale(scale, scale);
-    DrawReportPage(p, QRectF(0, 0, 1000, device.height() / scale), doc, header, *settings_);
-    p.end();
+    // A PDF file: made in memory, then written beside the target and put in its place
+    // only when finished.
+    const QString path = name.mid(4);
+    if (path.isEmpty()) return chartcode::kPrintUnknownPrinter;
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) return chartcode::kPrintFailed;
+    QByteArray bytes;
+    {
+      QBuffer buffer(&bytes);
+      buffer.open(QIODevice::WriteOnly);
+      QPdfWriter writer(&buffer);
+      writer.setPdfVersion(QPagedPaintDevice::PdfVersion_1_6);
+      writer.setResolution(600);
+      writer.setTitle(title);
+      writer.setCreator(QStringLiteral("Vantora"));
+      if (!writer.setPageLayout(layout)) return chartcode::kPrintFailed;
+      QPainter p;
+      if (!p.begin(&writer)) return chartcode::kPrintFailed;
+      paint(p, QRectF(QPointF(0, 0), writer.pageLayout().paintRectPixels(writer.resolution()).size()));
+      if (!p.end()) return chartcode::kPrintFailed;
+    }
+    RestoreTextInPdf(bytes, SharedGlyphCodes({settings_->fontFamily, QStringLiteral("Noto Sans CJK JP")}));
+    if (file.write(bytes) != bytes.size() || !file.commit()) return chartcode::kPrintFailed;
     return DocumentResultCode(doc);
   });
 }

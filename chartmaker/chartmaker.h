@@ -4,9 +4,11 @@
 // ChartMaker object owned by the caller; the operations with the classic names are
 // thin wrappers that take that object as their first argument.
 //
-// Uses QtGui and QtPrintSupport only: the screen's picture area implements
-// ChartSurface, the CLI and the tests use ImageSurface. A QGuiApplication must exist
-// (fonts); QT_QPA_PLATFORM=offscreen is enough for headless use.
+// Uses QtGui only: the screen's picture area implements ChartSurface, the CLI and the
+// tests use ImageSurface. PDF reports are written with QPdfWriter; installed printers
+// are reached through a ReportPrinter that the desktop hands in (report_printer.h, Qt
+// PrintSupport), so the command-line tool never loads Qt Widgets. A QGuiApplication
+// must exist (fonts); QT_QPA_PLATFORM=offscreen is enough for headless use.
 #pragma once
 
 #include <QColor>
@@ -17,7 +19,9 @@
 #include <map>
 #include <memory>
 
-class QPrinter;
+class QPageLayout;
+class QPainter;
+class QRectF;
 
 // Result codes. 0 is success; the screen interprets the others (log line, message).
 namespace chartcode {
@@ -75,6 +79,19 @@ class ImageSurface final : public ChartSurface {
   int shown_ = 0;
 };
 
+// Prints one report page on an installed printer.
+class ReportPrinter {
+ public:
+  virtual ~ReportPrinter() = default;
+  // Paints the page; pageRect is the printable area in the device's pixels, its origin
+  // at the area's top-left corner (where the painter starts).
+  using PagePainter = std::function<void(QPainter& painter, const QRectF& pageRect)>;
+  // Returns 0, 130 when no printer has that name, 120 when the person cancelled a print
+  // dialog, 1130 when the printer cannot be opened.
+  virtual int printPage(const QString& printerName, const QString& documentName, const QPageLayout& layout,
+                        const PagePainter& paint) = 0;
+};
+
 struct ChartSettings;
 struct ChartDocument;
 
@@ -96,7 +113,9 @@ class ChartMaker {
   // Paints the last chart of this surface again, at the surface's current size, without
   // reading any file. 0, or 210 when nothing was drawn on it yet.
   int remake(ChartSurface& surface);
-  // Lays out and prints the report page. printerName "pdf:PATH" writes a PDF file.
+  // Lays out and prints the report page. printerName "pdf:PATH" writes a PDF file (whole
+  // or not at all: an existing file is replaced only by a finished report); any other
+  // name goes to the report printer, and without one counts as not installed (130).
   int print(const QString& headerFile, const QString& interfaceFile, const QString& printerName,
             int paperNumber);
   // The weight plan graph (types 800-802 with their .sim file), drawn onto the surface
@@ -106,24 +125,29 @@ class ChartMaker {
   // The BMI picture of bmi.txt ("700", then the BMI or an empty line).
   int createBmiGraph(ChartSurface& surface, const QString& dataFile, const QString& bitmapFile);
 
-  // Called with the printer before a report is printed to a real printer (the screen
-  // shows its print dialog there); returning false gives code 120.
-  void setPrintConfirm(std::function<bool(QPrinter&)> confirm) { confirm_ = std::move(confirm); }
+  // The way to installed printers (the desktop's QtReportPrinter).
+  void setReportPrinter(std::shared_ptr<ReportPrinter> printer) { printer_ = std::move(printer); }
+  bool hasReportPrinter() const { return printer_ != nullptr; }
   // A surface that goes away is forgotten.
   void forgetSurface(const ChartSurface* surface);
   bool hasChart(const ChartSurface* surface) const;
   const ChartSettings& settings() const { return *settings_; }
 
-  // Windows paper number (9 A4, 1 Letter, 11 A5, 8 A3, 13 B5, 5 Legal, ...) to a Qt
-  // page size id; false for a number that is not known.
+  // Windows paper number (9 A4, 1 Letter, 11 A5, 8 A3, 13 B5 (JIS), 5 Legal, 70 A6, ...)
+  // to a Qt page size id; false for a number that is not known. Numbers from
+  // kPrinterOwnPaper up carry a page size that has no Windows number of its own.
   static bool PaperFromNumber(int paperNumber, int& pageSizeId);
+  // The other way: a page size's Windows number, or kPrinterOwnPaper + the page size id
+  // for a size without one; 0 for a custom size.
+  static int PaperNumberOf(int pageSizeId);
+  static constexpr int kPrinterOwnPaper = 256;
 
  private:
   int drawDocument(ChartSurface& surface, const ChartDocument& doc);
 
   std::unique_ptr<ChartSettings> settings_;
   std::map<const ChartSurface*, std::shared_ptr<const ChartDocument>> last_;
-  std::function<bool(QPrinter&)> confirm_;
+  std::shared_ptr<ReportPrinter> printer_;
 };
 
 // The operations under their classic names.

@@ -26,6 +26,10 @@ struct SharedValues {
   QString commonDateFormat = QStringLiteral("");
   QString commonScreenDateFormat = QStringLiteral("");
   std::uint32_t commonFormBackColor = 0;
+  QString printerName = QStringLiteral("");
+  std::int32_t paperNumber = 0;
+  QString chosenPrinter = QStringLiteral("");
+  std::int32_t chosenPaper = 0;
 };
 
 SharedValues& values() {
@@ -81,6 +85,14 @@ QString GetCommonScreenDateFormat() { return values().commonScreenDateFormat; }
 void SetCommonScreenDateFormat(const QString& v) { values().commonScreenDateFormat = v; }
 std::uint32_t GetCommonFormBackColor() { return values().commonFormBackColor; }
 void SetCommonFormBackColor(std::uint32_t v) { values().commonFormBackColor = v; }
+QString GetPrinterName() { return values().printerName; }
+void SetPrinterName(const QString& v) { values().printerName = v; }
+std::int32_t GetPaperNumber() { return values().paperNumber; }
+void SetPaperNumber(std::int32_t v) { values().paperNumber = v; }
+QString GetChosenPrinter() { return values().chosenPrinter; }
+void SetChosenPrinter(const QString& v) { values().chosenPrinter = v; }
+std::int32_t GetChosenPaper() { return values().chosenPaper; }
+void SetChosenPaper(std::int32_t v) { values().chosenPaper = v; }
 
 bool IsEnglishEdition() { return values().langCode == QLatin1String("1"); }
 

@@ -61,5 +61,17 @@ void SetCommonScreenDateFormat(const QString& v);
 std::uint32_t GetCommonFormBackColor();  // red + 256 green + 65536 blue
 void SetCommonFormBackColor(std::uint32_t v);
 
+// The printer and paper chosen last since the process started (never written to the
+// configuration), and the result of the last printer selection: empty and 0 after
+// Cancel. A paper is the platform's paper number (9 A4, 1 Letter).
+QString GetPrinterName();
+void SetPrinterName(const QString& v);
+std::int32_t GetPaperNumber();
+void SetPaperNumber(std::int32_t v);
+QString GetChosenPrinter();
+void SetChosenPrinter(const QString& v);
+std::int32_t GetChosenPaper();
+void SetChosenPaper(std::int32_t v);
+
 // Puts every value back to its start value (tests, and a fresh start of the main screen).
 void ResetSharedValues();

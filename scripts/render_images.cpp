@@ -264,7 +264,7 @@ void receivingAnimation() {
   writeGif(frames, palette, 15, "receiving.gif");
 }
 
-// The manuals as PDF, laid out from the HTML pages of each edition's help folder.
+// The database error page as PDF, laid out from its HTML page in each edition's help folder.
 void helpPdf(const QString& html, const QString& pdf, const QString& font) {
   QFile f(html);
   if (!f.open(QIODevice::ReadOnly)) {
@@ -322,7 +322,6 @@ int main(int argc, char** argv) {
     for (const char* ed : {"ja", "en"}) {
       const QString help = dist + "/" + ed + "/help/";
       const QString font = QString::fromLatin1(ed) == "ja" ? "Noto Sans CJK JP" : "DejaVu Sans";
-      helpPdf(help + "manual_" + ed + ".html", help + "manual_" + ed + ".pdf", font);
       helpPdf(help + "ERROR_DB.html", help + "ERROR_DB.pdf", font);
     }
   }

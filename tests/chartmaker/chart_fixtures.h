@@ -5,6 +5,7 @@
 
 #include <QDate>
 #include <QFile>
+#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <cmath>
@@ -295,6 +296,14 @@ inline bool WriteInterface(const QString& path, const Options& o) {
   if (!WriteText(path, InterfaceText(o))) return false;
   if (o.type / 100 == 8) return WriteText(path + QStringLiteral(".sim"), SimText(o));
   return true;
+}
+
+// The text of a PDF file as pdftotext lays it out; empty without pdftotext.
+inline QString PdfText(const QString& pdf) {
+  QProcess p;
+  p.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
+  p.waitForFinished(30000);
+  return QString::fromUtf8(p.readAllStandardOutput());
 }
 
 }  // namespace fixtures

@@ -179,13 +179,6 @@ TEST_F(ChartMakerTest, RemakeRepaintsFromMemoryWithoutTheFile) {
 
 bool HavePdfToText() { return !QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty(); }
 
-QString PdfText(const QString& pdf) {
-  QProcess p;
-  p.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
-  p.waitForFinished(30000);
-  return QString::fromUtf8(p.readAllStandardOutput());
-}
-
 TEST_F(ChartMakerTest, ReportPdfCarriesThePersonAndThePeriod) {
   fixtures::Options o;
   o.type = 200;
@@ -198,12 +191,16 @@ TEST_F(ChartMakerTest, ReportPdfCarriesThePersonAndThePeriod) {
   ASSERT_TRUE(f.open(QIODevice::ReadOnly));
   EXPECT_TRUE(f.read(5).startsWith("%PDF"));
   if (!HavePdfToText()) GTEST_SKIP() << "pdftotext not installed";
-  // Text extraction maps some ideographs to their radical code points (the font shares
-  // the glyph); compatibility normalisation brings them back.
-  const QString text = PdfText(pdf).normalized(QString::NormalizationForm_KC);
+  // Ideographs that share their glyph with a radical read back as the ideograph.
+  const QString text = fixtures::PdfText(pdf);
+  EXPECT_TRUE(text.contains(QStringLiteral("身長 / 体重"))) << text.toStdString();
+  EXPECT_TRUE(text.contains(QStringLiteral("初日・最終日")));
   EXPECT_TRUE(text.contains(QStringLiteral("山田 花子"))) << text.toStdString();
   EXPECT_TRUE(text.contains(QStringLiteral("さくら健康クリニック")));
   EXPECT_TRUE(text.contains(QStringLiteral("2024/06/24")));
+  // Figures beside Latin letters keep their text too (the CJK font's shaping would swap
+  // them for glyphs without one).
+  EXPECT_TRUE(text.contains(QStringLiteral("158 cm / 55.0 kg"))) << text.toStdString();
 
   // English settings, Letter paper.
   ChartMaker en;
@@ -211,7 +208,7 @@ TEST_F(ChartMakerTest, ReportPdfCarriesThePersonAndThePeriod) {
   ASSERT_TRUE(fixtures::WriteText(header, fixtures::HeaderText(false, QDate(2024, 6, 24), o.end)));
   const QString pdf2 = path("report-en.pdf");
   ASSERT_EQ(PrintChartPersonal(en, header, iface, "pdf:" + pdf2, 1), 0);
-  const QString text2 = PdfText(pdf2);
+  const QString text2 = fixtures::PdfText(pdf2);
   EXPECT_TRUE(text2.contains(QStringLiteral("Margaret Anne Holloway")));
   EXPECT_TRUE(text2.contains(QStringLiteral("Activity report")));
 }
@@ -233,6 +230,17 @@ TEST_F(ChartMakerTest, PrintingCodes) {
   EXPECT_EQ(PrintChartPersonal(maker, header, iface, "pdf:" + path("no/such/dir/x.pdf"), 9), chartcode::kPrintFailed);
   // An unknown paper number still prints (the edition's usual paper).
   EXPECT_EQ(PrintChartPersonal(maker, header, iface, "pdf:" + path("odd.pdf"), 9999), 0);
+  // A failed print leaves an earlier file as it was; a good one replaces it whole.
+  const QString kept = write("kept.pdf", "earlier report");
+  EXPECT_EQ(PrintChartPersonal(maker, header, write("bad2.txt", "x"), "pdf:" + kept, 9), chartcode::kFileMalformed);
+  QFile k(kept);
+  ASSERT_TRUE(k.open(QIODevice::ReadOnly));
+  EXPECT_EQ(k.readAll(), QByteArray("earlier report"));
+  k.close();
+  EXPECT_EQ(PrintChartPersonal(maker, header, iface, "pdf:" + kept, 9), 0);
+  ASSERT_TRUE(k.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(k.readAll().startsWith("%PDF"));
+  EXPECT_EQ(QDir(dir.path()).entryList({QStringLiteral("kept.pdf*")}, QDir::Files | QDir::Hidden).size(), 1);
 }
 
 TEST(ChartPaper, WindowsPaperNumbersMapToPageSizes) {

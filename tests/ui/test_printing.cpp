@@ -1,0 +1,379 @@
+// Printing from the window: printer and paper choice, the print command, the result
+// codes of the chart library, and the PDF a household saves instead of printing.
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QPageLayout>
+#include <QPageSize>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QUrl>
+#include <gtest/gtest.h>
+
+#include "catalogue.h"
+#include "chart_fixtures.h"
+#include "chartmaker.h"
+#include "config.h"
+#include "frmPrinterSetup.h"
+#include "frmVersion.h"
+#include "printing.h"
+#include "shared_values.h"
+#include "test_installation.h"
+
+namespace {
+
+// A printer that records what it was asked and answers with a set code; it also moves
+// the working directory, as a printer driver may.
+class RecordingPrinter : public ReportPrinter {
+ public:
+  int answer = 0;
+  QStringList printed;
+  int printPage(const QString& name, const QString&, const QPageLayout& layout, const PagePainter&) override {
+    printed << name + QLatin1Char('|') + layout.pageSize().name();
+    QDir::setCurrent(QDir::rootPath());
+    return answer;
+  }
+};
+
+FixedPrinterCatalog TwoPrinters() {
+  FixedPrinterCatalog c;
+  c.printers.push_back({QStringLiteral("Office"), {{QStringLiteral("Letter"), 1}, {QStringLiteral("A4"), 9}}});
+  c.printers.push_back({QStringLiteral("Kitchen"), {{QStringLiteral("A5"), 11}, {QStringLiteral("Legal"), 5}}});
+  c.printers.push_back({QStringLiteral("Label"), {}});
+  c.defaultName = QStringLiteral("Kitchen");
+  return c;
+}
+
+bool Shown(const RecordingDialog& d, const QString& code, const QString& extra = QString()) {
+  const auto rec = FindMessage(code);
+  if (!rec) return false;
+  const QString text = BuildMessageText(*rec, extra, false);
+  for (const auto& s : d.shown)
+    if (s.text == text) return true;
+  return false;
+}
+
+// A line of the trace log: "date time|level|name (padded)|message".
+bool HasLine(const QString& log, const QString& level, const QString& name, const QString& message) {
+  const QRegularExpression re(QStringLiteral("\\|%1\\|%2 *\\|%3\\r?\\n")
+                                  .arg(level, QRegularExpression::escape(name), QRegularExpression::escape(message)));
+  return re.match(log).hasMatch();
+}
+
+class PrintingTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(inst.isValid());
+    SetLogLevel(QStringLiteral("0"));
+  }
+  // A week's chart files in temp/ and a chart library whose printer records.
+  void writeChartFiles() {
+    fixtures::Options o;
+    ASSERT_TRUE(fixtures::WriteInterface(inst.path(QStringLiteral("temp/INT.txt")), o));
+    ASSERT_TRUE(fixtures::WriteText(inst.path(QStringLiteral("temp/HED.txt")),
+                                    fixtures::HeaderText(true, o.end.addDays(-6), o.end)));
+    maker.setReportPrinter(printer);
+  }
+  ChartMaker maker;
+  std::shared_ptr<RecordingPrinter> printer = std::make_shared<RecordingPrinter>();
+  TestInstallation inst{QStringLiteral("ja")};
+};
+
+TEST(PaperNumbers, MapBothWaysAndKeepSizesWithoutANumber) {
+  for (auto id : {QPageSize::A4, QPageSize::Letter, QPageSize::Legal, QPageSize::A3, QPageSize::A5,
+                  QPageSize::JisB5, QPageSize::A6, QPageSize::A0, QPageSize::Comm10E}) {
+    const int number = ChartMaker::PaperNumberOf(id);
+    int back = -1;
+    ASSERT_TRUE(ChartMaker::PaperFromNumber(number, back)) << number;
+    EXPECT_EQ(back, static_cast<int>(id)) << number;
+  }
+  EXPECT_EQ(ChartMaker::PaperNumberOf(QPageSize::A4), 9);
+  EXPECT_EQ(ChartMaker::PaperNumberOf(QPageSize::Letter), 1);
+  // A size without a number of its own is carried above the platform's numbers.
+  EXPECT_GE(ChartMaker::PaperNumberOf(QPageSize::A0), ChartMaker::kPrinterOwnPaper);
+  EXPECT_EQ(ChartMaker::PaperNumberOf(QPageSize::Custom), 0);
+  int id = -1;
+  EXPECT_FALSE(ChartMaker::PaperFromNumber(0, id));
+  EXPECT_FALSE(ChartMaker::PaperFromNumber(ChartMaker::kPrinterOwnPaper + QPageSize::Custom, id));
+  EXPECT_FALSE(ChartMaker::PaperFromNumber(ChartMaker::kPrinterOwnPaper + 100000, id));
+}
+
+TEST_F(PrintingTest, DefaultPaperFollowsLanguageUnlessPaperSizeIsSet) {
+  FixedPrinterCatalog c = TwoPrinters();
+  c.defaultName = QStringLiteral("Office");
+  PrinterSetupLogic logic(c, true);
+  ASSERT_TRUE(logic.load());
+  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 9);  // LANG 0: A4
+
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("LANG"), QStringLiteral("1"));
+  ASSERT_TRUE(logic.load());
+  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 1);  // Letter
+
+  inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("PAPER_SIZE"), QStringLiteral(" 9 "));
+  ASSERT_TRUE(logic.load());
+  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 9);
+  // A number the printer lacks leaves the first paper; a printer with none, an empty list.
+  logic.selectPrinter(1);
+  EXPECT_EQ(logic.paperIndex(), 0);
+  logic.selectPrinter(2);
+  EXPECT_TRUE(logic.papers().empty());
+  EXPECT_EQ(logic.paperIndex(), -1);
+  // The PDF entry offers the common sizes and takes the same rule.
+  logic.selectPrinter(3);
+  ASSERT_TRUE(logic.isPdfEntry(3));
+  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 9);
+}
+
+TEST_F(PrintingTest, LastChoiceHoldsForTheProcessAndCancelKeepsIt) {
+  FixedPrinterCatalog c = TwoPrinters();
+  {
+    frmPrinterSetup first(c, QString());
+    EXPECT_TRUE(GetModalFormOpen());
+    EXPECT_EQ(first.cmbPrinter->currentText(), QStringLiteral("Kitchen"));  // system default
+    EXPECT_EQ(first.cmbPrinter->count(), 4);
+    EXPECT_EQ(first.cmbPrinter->itemText(3), PrinterSetupLogic::pdfEntryText());
+    first.cmbPrinter->setCurrentIndex(0);
+    EXPECT_EQ(first.cmbPaper->currentData().toInt(), 9);
+    first.cmbPaper->setCurrentIndex(0);
+    first.btnOK->click();
+    EXPECT_EQ(first.result(), QDialog::Accepted);
+  }
+  EXPECT_FALSE(GetModalFormOpen());
+  EXPECT_EQ(GetChosenPrinter(), QStringLiteral("Office"));
+  EXPECT_EQ(GetChosenPaper(), 1);
+  {
+    frmPrinterSetup second(c, QString());
+    EXPECT_EQ(second.cmbPrinter->currentText(), QStringLiteral("Office"));
+    second.btnCancel->click();
+  }
+  EXPECT_EQ(GetChosenPrinter(), QString());
+  EXPECT_EQ(GetChosenPaper(), 0);
+  EXPECT_EQ(GetPrinterName(), QStringLiteral("Office"));
+  frmPrinterSetup third(c, QString());
+  EXPECT_EQ(third.cmbPrinter->currentText(), QStringLiteral("Office"));
+  // Nothing of it reaches the configuration.
+  EXPECT_TRUE(Ini_GetPrinterName().isEmpty());
+  const QString log = inst.traceText();
+  EXPECT_TRUE(HasLine(log, QStringLiteral("0"), QStringLiteral("frmPrinterSetup"), QStringLiteral("btnOK_Click Start")));
+  EXPECT_TRUE(HasLine(log, QStringLiteral("0"), QStringLiteral("frmPrinterSetup"), QStringLiteral("btnCancel_Click Start")));
+}
+
+TEST_F(PrintingTest, WithoutPrintersOnlyThePdfEntryOrTheMessage) {
+  FixedPrinterCatalog none;
+  {
+    frmPrinterSetup setup(none, QString(), nullptr, false);
+    setup.activate();
+    EXPECT_TRUE(Shown(inst.dialog(), QStringLiteral("PRNT-I-0001")));
+    EXPECT_EQ(setup.result(), QDialog::Rejected);
+    EXPECT_TRUE(GetChosenPrinter().isEmpty());
+  }
+  inst.dialog().shown.clear();
+  frmPrinterSetup withPdf(none, QString());
+  withPdf.activate();
+  EXPECT_TRUE(inst.dialog().shown.empty());
+  EXPECT_EQ(withPdf.cmbPrinter->count(), 1);
+  EXPECT_TRUE(withPdf.logic().isPdfEntry(withPdf.cmbPrinter->currentIndex()));
+  // OK without a file name keeps the screen open and chooses nothing.
+  withPdf.askPdfPath = [](QWidget*, const QString&) { return QString(); };
+  withPdf.btnOK->click();
+  EXPECT_TRUE(GetChosenPrinter().isEmpty());
+}
+
+TEST_F(PrintingTest, ResultCodesReachLogAndPerson) {
+  struct Case {
+    int code;
+    const char* line;  // level and text under "ChartMaker"; nullptr: no line
+    const char* message;
+    const char* extra;
+  };
+  const Case cases[] = {
+      {110, "1|ERR_PRINT_NO_PRINTER_VALUE", "USEL-I-0001", ""},
+      {1110, "1|ERR_REPORT_NO_PRINTER_VALUE", "USEL-I-0001", ""},
+      {120, "1|ERR_PRINT_CANCEL_PRINTER_VALUE", nullptr, nullptr},
+      {1120, "1|ERR_REPORT_CANCEL_PRINTER_VALUE", nullptr, nullptr},
+      {130, "2|ERR_PRINT_NO_PRINTER_VALUE", "USEL-C-0004", "(DLL)ChartMaker ERROR"},
+      {220, nullptr, "USEL-C-0004", "(DLL)ChartMaker ERROR"},
+      {1130, nullptr, "USEL-C-0004", "(DLL)ChartMaker ERROR"},
+      {1200, "2|ERR_EXCEPTION", "USEL-C-0004", "(DLL)ChartMaker ERR_EXCEPTION"},
+      {540, "1|ERR_ACTIVITY_LEVEL_AVE_NO_EFFECTIVE_DATA_IN_FILE_VALUE", nullptr, nullptr},
+      {0, "1|0", nullptr, nullptr},
+      {4711, "1|4711", nullptr, nullptr},
+  };
+  for (const Case& c : cases) {
+    QFile::remove(inst.traceFile());
+    inst.dialog().shown.clear();
+    ReportChartResult(c.code);
+    const QString log = inst.traceText();
+    if (c.line) {
+      const QStringList parts = QString::fromLatin1(c.line).split(QLatin1Char('|'));
+      EXPECT_TRUE(HasLine(log, parts[0], QStringLiteral("ChartMaker"), parts[1])) << c.code << log.toStdString();
+    } else {
+      EXPECT_FALSE(log.contains(QRegularExpression(QStringLiteral("\\|ChartMaker *\\|")))) << c.code;
+    }
+    if (c.message) {
+      ASSERT_EQ(inst.dialog().shown.size(), 1u) << c.code;
+      EXPECT_TRUE(Shown(inst.dialog(), QLatin1String(c.message), QLatin1String(c.extra))) << c.code;
+    } else {
+      EXPECT_TRUE(inst.dialog().shown.empty()) << c.code;
+    }
+  }
+}
+
+TEST_F(PrintingTest, ConfiguredPrinterFallsBackToTheDefaultAndTheDirectoryComesBack) {
+  writeChartFiles();
+  const QString iface = inst.path(QStringLiteral("temp/INT.txt"));
+  const QString header = inst.path(QStringLiteral("temp/HED.txt"));
+
+  FixedPrinterCatalog none;
+  EXPECT_FALSE(PrintOnConfiguredPrinter(maker, none, header, iface).has_value());
+  EXPECT_TRUE(printer->printed.isEmpty());
+
+  FixedPrinterCatalog c = TwoPrinters();
+  inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("PRINTER"), QStringLiteral("Gone"));
+  inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("PAPER_SIZE"), QStringLiteral("11"));
+  const QString cwd = QDir::currentPath();
+  const auto code = PrintOnConfiguredPrinter(maker, c, QStringLiteral("../temp/HED.txt"), QStringLiteral("../temp/INT.txt"));
+  ASSERT_TRUE(code.has_value());
+  EXPECT_EQ(*code, 0);
+  EXPECT_EQ(QDir::currentPath(), cwd);
+  EXPECT_EQ(Ini_GetPrinterName(), QStringLiteral("Kitchen"));
+  EXPECT_EQ(printer->printed, QStringList{QStringLiteral("Kitchen|A5")});
+  const QString log = inst.traceText();
+  for (const QString& line : {QStringLiteral("GetAbsolutePath(g_sHeaderFileName) = ") + header,
+                              QStringLiteral("GetAbsolutePath(g_sInterfaceFileName) = ") + iface,
+                              QStringLiteral("Ini_GetPrinterName = Kitchen"), QStringLiteral("Ini_GetPrintPaper = 11"),
+                              QStringLiteral("lChartProcessRet = 0"), QStringLiteral("PrintChart After")})
+    EXPECT_TRUE(HasLine(log, QStringLiteral("0"), QStringLiteral("DrawChart"), line)) << line.toStdString();
+}
+
+TEST_F(PrintingTest, PrintCurrentChartPrintsTheChosenPrinterOrNothing) {
+  writeChartFiles();
+  int redraws = 0, updates = 0;
+  QString choose;
+  PrintChartRequest r;
+  r.maker = &maker;
+  r.redraw = [&] {
+    ++redraws;
+    return std::pair<QString, QString>(QStringLiteral("../temp/HED.txt"), QStringLiteral("../temp/INT.txt"));
+  };
+  r.updateStates = [&] { ++updates; };
+  r.showPrinterSetup = [&] {
+    SetChosenPrinter(choose);
+    SetChosenPaper(9);
+  };
+
+  EXPECT_FALSE(PrintCurrentChart(r).has_value());  // cancelled choice
+  EXPECT_EQ(redraws, 0);
+
+  choose = QStringLiteral("Office");
+  const QString cwd = QDir::currentPath();
+  EXPECT_EQ(PrintCurrentChart(r), std::optional<int>(0));
+  EXPECT_EQ(QDir::currentPath(), cwd);
+  EXPECT_EQ(printer->printed, QStringList{QStringLiteral("Office|A4")});
+  // A cancelled print dialog is silent; a printer that went away meanwhile is not.
+  printer->answer = chartcode::kPrintCancel;
+  EXPECT_EQ(PrintCurrentChart(r), std::optional<int>(120));
+  EXPECT_TRUE(inst.dialog().shown.empty());
+  printer->answer = chartcode::kPrintUnknownPrinter;
+  EXPECT_EQ(PrintCurrentChart(r), std::optional<int>(130));
+  EXPECT_TRUE(Shown(inst.dialog(), QStringLiteral("USEL-C-0004"), QStringLiteral("(DLL)ChartMaker ERROR")));
+  EXPECT_EQ(redraws, 3);
+  EXPECT_EQ(updates, 3);  // a cancelled choice ends before the states
+}
+
+// A person saves the month report as PDF through the printer screen, in each edition
+// on its own paper.
+TEST(SaveAsPdfScenario, TheReportLandsInTheChosenFileWithItsText) {
+  for (const char* lang : {"ja", "en"}) {
+    TestInstallation inst{QLatin1String(lang)};
+    ASSERT_TRUE(inst.isValid());
+    const bool ja = QLatin1String(lang) == QLatin1String("ja");
+    fixtures::Options o;
+    o.type = 102;
+    const QString iface = inst.path(QStringLiteral("temp/INT.txt"));
+    ASSERT_TRUE(fixtures::WriteInterface(iface, o));
+    ASSERT_TRUE(fixtures::WriteText(inst.path(QStringLiteral("temp/HED.txt")),
+                                    fixtures::HeaderText(ja, o.end.addDays(-27), o.end)));
+    ChartMaker maker;
+    ASSERT_EQ(maker.prepare(inst.chartIniFile()), 0);
+    FixedPrinterCatalog c = TwoPrinters();
+    const QString pdf = inst.path(QStringLiteral("out/report.pdf"));
+    QDir().mkpath(QFileInfo(pdf).path());
+    QString offered;
+
+    PrintChartRequest r;
+    r.maker = &maker;
+    r.catalog = &c;
+    r.redraw = [] { return std::pair<QString, QString>(QStringLiteral("../temp/HED.txt"), QStringLiteral("../temp/INT.txt")); };
+    r.showPrinterSetup = [&] {
+      frmPrinterSetup setup(c, DefaultPdfPath(QStringLiteral("山田 花子"), QStringLiteral("2024/06"), inst.path("docs")));
+      setup.askPdfPath = [&](QWidget*, const QString& suggested) {
+        offered = suggested;
+        return pdf;
+      };
+      setup.show();
+      setup.cmbPrinter->setCurrentIndex(setup.cmbPrinter->count() - 1);
+      setup.btnOK->click();
+    };
+    ASSERT_EQ(PrintCurrentChart(r), std::optional<int>(0));
+    EXPECT_EQ(offered, inst.path(QStringLiteral("docs/山田_花子_2024-06.pdf")));
+    EXPECT_EQ(GetChosenPrinter(), QStringLiteral("pdf:") + pdf);
+    EXPECT_EQ(GetChosenPaper(), ja ? 9 : 1);
+    ASSERT_TRUE(QFileInfo(pdf).size() > 1000);
+    if (QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty()) GTEST_SKIP() << "no pdftotext";
+    // Every name, date and figure can be found and copied.
+    const QString text = fixtures::PdfText(pdf);
+    for (const QString& s : ja ? QStringList{QStringLiteral("山田 花子"), QStringLiteral("158 cm / 55.0 kg"),
+                                             QStringLiteral("45 / 女性"), QStringLiteral("8000")}
+                               : QStringList{QStringLiteral("Margaret Anne Holloway"), QStringLiteral("152 lbs."),
+                                             QStringLiteral("52 / Female"), QStringLiteral("8000")})
+      EXPECT_TRUE(text.contains(s)) << lang << " " << s.toStdString() << "\n" << text.toStdString();
+    QProcess info;
+    info.start(QStringLiteral("pdfinfo"), {pdf});
+    info.waitForFinished(30000);
+    EXPECT_TRUE(QString::fromUtf8(info.readAllStandardOutput()).contains(ja ? QStringLiteral("(A4)") : QStringLiteral("(letter)")));
+  }
+}
+
+TEST_F(PrintingTest, HelpAndDiaryOpenOrSayWhy) {
+  QStringList opened;
+  bool answer = true;
+  const UrlOpener open = [&](const QUrl& u) {
+    opened << u.toString();
+    return answer;
+  };
+  QDir().mkpath(inst.path(QStringLiteral("help")));
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("PDFHELP_NAME"), QStringLiteral("../help/manual.pdf"));
+  EXPECT_FALSE(OpenHelp(nullptr, open));  // no such file
+  EXPECT_TRUE(opened.isEmpty());
+  EXPECT_TRUE(Shown(inst.dialog(), QStringLiteral("USEL-I-0004")));
+  fixtures::WriteText(inst.path(QStringLiteral("help/manual.pdf")), QStringLiteral("%PDF-1.4"));
+  inst.dialog().shown.clear();
+  EXPECT_TRUE(OpenHelp(nullptr, open));
+  EXPECT_EQ(opened, QStringList{QUrl::fromLocalFile(inst.path(QStringLiteral("help/manual.pdf"))).toString()});
+  answer = false;
+  EXPECT_FALSE(OpenHelp(nullptr, open));
+  EXPECT_EQ(inst.dialog().shown.size(), 1u);
+
+  inst.dialog().shown.clear();
+  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("HEALTY_DIARY_ADDRESS"), QStringLiteral("https://example.org/diary"));
+  EXPECT_FALSE(OpenHealthyDiary(open));
+  EXPECT_EQ(opened.last(), QStringLiteral("https://example.org/diary"));
+  EXPECT_TRUE(inst.dialog().shown.empty());
+}
+
+TEST_F(PrintingTest, VersionScreenShowsPictureAndTheProgramsVersion) {
+  QImage picture(40, 20, QImage::Format_RGB32);
+  picture.fill(Qt::darkCyan);
+  ASSERT_TRUE(picture.save(inst.path(QStringLiteral("images/version.png"))));
+  frmVersion v;
+  EXPECT_TRUE(GetModalFormOpen());
+  EXPECT_TRUE(v.lblVersion->text().endsWith(ProgramVersion()));
+  EXPECT_FALSE(ProgramVersion().isEmpty());
+  EXPECT_FALSE(v.picVersion->pixmap().isNull());
+  v.btnOK->click();
+  EXPECT_FALSE(GetModalFormOpen());
+}
+
+}  // namespace
