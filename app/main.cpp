@@ -15,6 +15,7 @@
 #include "frmTerminal.h"
 #include "helpers.h"
 #include "qt_dialog.h"
+#include "receive_screens.h"
 #include "shared_values.h"
 #include "startup.h"
 #include "store.h"
@@ -70,6 +71,21 @@ class CompactionProgress : public ProgressInterface {
   QProgressDialog bar_;
 };
 
+// The user screens and the receive's questions.
+class DesktopUserScreens : public UserScreens, public ReceiveQuestions {
+ public:
+  QString registerUser(QWidget*) override { return QString(); }
+  bool modifyUser(QWidget*, const QString&) override { return false; }
+  bool deleteUsers(QWidget*) override { return false; }
+  ReceiveQuestions& receiveQuestions(QWidget*) override { return *this; }
+  NewCpuAnswer newRecorder(const RecvMsgNewCPU&) override { return NewCpuAnswer::Cancel; }
+  bool receiveForCurrentUser(const RecvMsgNewCPUSelectUser&) override { return false; }
+  bool takeOverRecorder(const RecvMsgAlertUser&) override { return false; }
+  bool receiveResetRecorder(const RecvMsgAlertReset&) override { return true; }
+  QString registerUser(VtDatabase&) override { return QString(); }
+  QString selectUser(VtDatabase&) override { return QString(); }
+};
+
 void ApplyCommonFont() {
   const QString family = GetCommonFontName();
   if (family.isEmpty()) return;
@@ -93,11 +109,13 @@ int Run(QApplication& app, QtDialog& dialogs) {
 
   VtDatabase db;
   ClosingStages closing(db, chart);
-  frmTerminal w;
+  std::unique_ptr<TavoReader> reader = CreateConfiguredReader();
+  EventLoopDeviceClock clock;
+  DesktopUserScreens screens;
+  frmTerminal w(TerminalServices{db, chart, *reader, clock, screens});
   dialogs.setParent(&w);
-  if (!OpenWorkingDatabase(db)) return 1;
-  // The closing stages write the sort order back, so it has to hold the stored one.
-  SetUserSortOrder(static_cast<std::int16_t>(Ini_GetSortOrder()));
+  if (!w.Form_Load()) return 1;
+  QObject::connect(&w, &frmTerminal::quitRequested, [&closing] { closing.requestQuit(); });
 
   CloseWatcher watcher(closing);
   w.installEventFilter(&watcher);
