@@ -68,6 +68,22 @@ QString ScreenClassSuffix() {
   return QStringLiteral("SVGA");
 }
 
+// A date as the screen shows it. The configured form escapes literal characters with a
+// backslash ("yyyy\/MM\/dd"); Qt quotes them.
+QString ScreenDate(const QDate& date) {
+  const QString configured = GetCommonScreenDateFormat();
+  if (configured.isEmpty()) return date.toString(QStringLiteral("yyyy/MM/dd"));
+  QString format;
+  for (qsizetype i = 0; i < configured.size(); ++i) {
+    if (configured[i] == QLatin1Char('\\') && i + 1 < configured.size()) {
+      format += QLatin1Char('\'') + configured[++i] + QLatin1Char('\'');
+    } else {
+      format += configured[i];
+    }
+  }
+  return date.toString(format);
+}
+
 // A button with an up and a down picture: the down picture shows while it is checked.
 QToolButton* PictureButton(QWidget* parent, const char* name, const QString& caption,
                            const QString& tooltip, int iconSize) {
@@ -271,14 +287,22 @@ QWidget* frmTerminal::buildNameLine() {
   big.setPointSizeF(big.pointSizeF() * 1.6);
   big.setBold(true);
   lblUserNickName->setFont(big);
-  lblUserNickName->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  // The line cuts the name to the width it has; the label never asks for more.
+  lblUserNickName->setMinimumWidth(1);
   lblSama = new QLabel(Caption("CAPTION_LBLSAMA"), nameLine_);
   lblSama->setObjectName(QStringLiteral("lblSama"));
   QFont sama = lblSama->font();
   sama.setPointSizeF(sama.pointSizeF() * 1.3);
   lblSama->setFont(sama);
+  lblWelcome = new QLabel(Caption("CAPTION_LBLWELCOME"), nameLine_);
+  lblWelcome->setObjectName(QStringLiteral("lblWelcome"));
+  lblWelcome->setMinimumWidth(1);
+  QFont welcome = lblWelcome->font();
+  welcome.setPointSizeF(welcome.pointSizeF() * 1.15);
+  lblWelcome->setFont(welcome);
   row->addWidget(lblUserNickName, 0);
   row->addWidget(lblSama, 0, Qt::AlignBottom);
+  row->addWidget(lblWelcome, 1);
   row->addStretch(1);
   lblSama->hide();
   return nameLine_;
@@ -358,37 +382,14 @@ QWidget* frmTerminal::buildJobScreen() {
   btnDateBack = PictureButton(picDateBtnArea, "btnDateBack", QString(), Caption("CAPTION_TOOLTIP_DATEBACK"), 28);
   btnDateNext = PictureButton(picDateBtnArea, "btnDateNext", QString(), Caption("CAPTION_TOOLTIP_DATENEXT"), 28);
   btnDateLatest = PictureButton(picDateBtnArea, "btnDateLatest", QString(), Caption("CAPTION_TOOLTIP_DATELATEST"), 28);
-  const QString format = GetCommonDateFormat().isEmpty() ? QStringLiteral("yyyy/MM/dd") : GetCommonDateFormat();
-  dtDateStart = new QDateEdit(picDateBtnArea);
-  dtDateStart->setObjectName(QStringLiteral("dtDateStart"));
-  dtDateEnd = new QDateEdit(picDateBtnArea);
-  dtDateEnd->setObjectName(QStringLiteral("dtDateEnd"));
-  for (QDateEdit* d : {dtDateStart, dtDateEnd}) {
-    d->setDisplayFormat(format);
-    d->setCalendarPopup(true);
-    d->setKeyboardTracking(false);
-  }
-  auto* to = new QLabel(Caption("CAPTION_LBLCHARTTO"), picDateBtnArea);
-  btnDateUpdate = PictureButton(picDateBtnArea, "btnDateUpdate", QString(), Caption("CAPTION_TOOLTIP_DATEUPDATE"), 28);
   for (QWidget* w : std::initializer_list<QWidget*>{btnDateBack, btnDateNext, btnDateLatest}) dates->addWidget(w);
-  dates->addSpacing(10);
-  dates->addWidget(dtDateStart);
-  dates->addWidget(to);
-  dates->addWidget(dtDateEnd);
-  dates->addWidget(btnDateUpdate);
   period->addWidget(picDateBtnArea);
   right->addWidget(picPeriodArea);
 
-  connect(btnDateBack, &QToolButton::clicked, this, [this] { dateButton_Click(charts::kAdjustBack); });
-  connect(btnDateNext, &QToolButton::clicked, this, [this] { dateButton_Click(charts::kAdjustNext); });
-  connect(btnDateLatest, &QToolButton::clicked, this, [this] { dateButton_Click(charts::kAdjustLatest); });
-  connect(btnDateUpdate, &QToolButton::clicked, this, [this] { btnDateUpdate_Click(); });
-  connect(dtDateEnd, &QDateEdit::dateChanged, this, [this] { dtDateEnd_Change(); });
-  connect(dtDateStart, &QDateEdit::dateChanged, this, [this] { dtDateStart_Change(); });
-
-  // The range line above the chart.
+  // The range line above the chart: what is shown, and the two pickers to choose it.
   auto* rangeLine = new QHBoxLayout;
   rangeLine->setContentsMargins(14, 6, 14, 2);
+  rangeLine->setSpacing(6);
   lblDispChartRange = new QLabel(job);
   lblDispChartRange->setObjectName(QStringLiteral("lblDispChartRange"));
   lblDispChartOneday = new QLabel(job);
@@ -396,7 +397,30 @@ QWidget* frmTerminal::buildJobScreen() {
   rangeLine->addWidget(lblDispChartRange);
   rangeLine->addWidget(lblDispChartOneday);
   rangeLine->addStretch(1);
+  const QString format = GetCommonDateFormat().isEmpty() ? QStringLiteral("yyyy/MM/dd") : GetCommonDateFormat();
+  dtDateStart = new QDateEdit(job);
+  dtDateStart->setObjectName(QStringLiteral("dtDateStart"));
+  dtDateEnd = new QDateEdit(job);
+  dtDateEnd->setObjectName(QStringLiteral("dtDateEnd"));
+  for (QDateEdit* d : {dtDateStart, dtDateEnd}) {
+    d->setDisplayFormat(format);
+    d->setCalendarPopup(true);
+    d->setKeyboardTracking(false);
+  }
+  auto* to = new QLabel(Caption("CAPTION_LBLCHARTTO"), job);
+  btnDateUpdate = PictureButton(job, "btnDateUpdate", QString(), Caption("CAPTION_TOOLTIP_DATEUPDATE"), 24);
+  rangeLine->addWidget(dtDateStart);
+  rangeLine->addWidget(to);
+  rangeLine->addWidget(dtDateEnd);
+  rangeLine->addWidget(btnDateUpdate);
   right->addLayout(rangeLine);
+
+  connect(btnDateBack, &QToolButton::clicked, this, [this] { dateButton_Click(charts::kAdjustBack); });
+  connect(btnDateNext, &QToolButton::clicked, this, [this] { dateButton_Click(charts::kAdjustNext); });
+  connect(btnDateLatest, &QToolButton::clicked, this, [this] { dateButton_Click(charts::kAdjustLatest); });
+  connect(btnDateUpdate, &QToolButton::clicked, this, [this] { btnDateUpdate_Click(); });
+  connect(dtDateEnd, &QDateEdit::dateChanged, this, [this] { dtDateEnd_Change(); });
+  connect(dtDateStart, &QDateEdit::dateChanged, this, [this] { dtDateStart_Change(); });
 
   // The chart.
   picGraph = new QWidget(job);
@@ -488,6 +512,11 @@ void frmTerminal::applyCommonLook() {
     f.setFamily(font);
     setFont(f);
   }
+  // The pickers show their whole date at any window width.
+  for (QDateEdit* d : {dtDateStart, dtDateEnd}) {
+    d->ensurePolished();
+    d->setMinimumWidth(d->sizeHint().width() + 6);
+  }
 }
 
 void frmTerminal::loadPictures() {
@@ -564,6 +593,7 @@ bool frmTerminal::Form_Load() {
     SetScreenState(kStateUserSelect);
     SetFocusState(kFocusGroupSelect);
     SetCurrentUserId(QString());
+    ChangeMenu(QString(), false);
     switchPanes();
     FillUserList(GetCurrentGroupId(), false);
     UpdateButtonState();
@@ -724,6 +754,9 @@ void frmTerminal::ChangeMenu(const QString& userId, bool resetDates) {
     SetCurrentUserName(fullName_);
   }
   lblSama->setVisible(!fullName_.isEmpty() && !IsEnglishEdition());
+  lblUserNickName->setVisible(!fullName_.isEmpty());
+  // With no user open the line greets and tells how a receive starts.
+  lblWelcome->setVisible(fullName_.isEmpty());
   fitNameLine();
   if (resetDates) {
     const QSignalBlocker b1(dtDateStart);
@@ -744,7 +777,6 @@ void frmTerminal::fitNameLine() {
   const QString text = CutToWidth(fullName_, std::max(0, width),
                                   [&fm](const QString& t) { return fm.horizontalAdvance(t); });
   lblUserNickName->setText(text);
-  lblUserNickName->setFixedWidth(fm.horizontalAdvance(text) + 2);
 }
 
 // ---------------------------------------------------------------- the two faces
@@ -932,6 +964,7 @@ void frmTerminal::InitChartState() {
 
 void frmTerminal::setJobPanesEnabled(bool enabled) {
   picPeriodArea->setEnabled(enabled);
+  for (QWidget* w : std::initializer_list<QWidget*>{dtDateStart, dtDateEnd, btnDateUpdate}) w->setEnabled(enabled);
   picGraphBtn->setEnabled(enabled);
   picGraph->setEnabled(enabled);
   UpdateButtonState();
@@ -1046,18 +1079,16 @@ void frmTerminal::centreWaitNotice() {
 void frmTerminal::ReDrawChart(int kind, bool printFlag) {
   if (!hasData_) return;
   centreWaitNotice();
-  const QString screenFormat = GetCommonScreenDateFormat().isEmpty() ? QStringLiteral("yyyy/MM/dd")
-                                                                      : GetCommonScreenDateFormat();
   const bool oneDay = range_.periodKind == charts::kPeriodDay;
   lblDispChartOneday->setVisible(oneDay);
   lblDispChartRange->setVisible(!oneDay);
   if (oneDay) {
-    lblDispChartOneday->setText(range_.dtDateEnd.toString(screenFormat));
+    lblDispChartOneday->setText(ScreenDate(range_.dtDateEnd));
   } else {
     lblDispChartRange->setText(Caption("CAPTION_LBLCHARTFROM") + QLatin1Char(' ') +
-                               range_.dtDateStart.toString(screenFormat) + QLatin1Char(' ') +
+                               ScreenDate(range_.dtDateStart) + QLatin1Char(' ') +
                                Caption("CAPTION_LBLCHARTTO") + QLatin1Char(' ') +
-                               range_.dtDateEnd.toString(screenFormat));
+                               ScreenDate(range_.dtDateEnd));
   }
   range_.dateChartFrom = range_.dtDateStart;
   range_.dateChartTo = range_.dtDateEnd;

@@ -147,6 +147,7 @@ class frmTerminal : public QMainWindow {
   // Name line.
   QLabel* lblUserNickName = nullptr;
   QLabel* lblSama = nullptr;
+  QLabel* lblWelcome = nullptr;
   // User list.
   QListWidget* lvUserList = nullptr;
   QLabel* lblNoUser = nullptr;

@@ -5,6 +5,7 @@
 #include <QEventLoop>
 #include <QHBoxLayout>
 #include <QIcon>
+#include <QImageReader>
 #include <QLabel>
 #include <QMovie>
 #include <QProgressBar>
@@ -110,6 +111,7 @@ frmRecvData::frmRecvData(QWidget* parent)
   if (!gif.isEmpty()) {
     movie = new QMovie(gif, QByteArray(), this);
     if (movie->isValid()) {
+      lblAnimation->setMinimumSize(QImageReader(gif).read().size());
       lblAnimation->setMovie(movie);
       movie->start();
     } else {
