@@ -1,0 +1,305 @@
+// The user screens and the receive dialogs as widgets, driven offscreen with QTest: the
+// filters and focus of the form, both editions' fields, and whole receives through the
+// emulated reader in which each dialog's buttons lead where the receive logic says.
+#include <QGroupBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QtTest/QTest>
+
+#include "frmUserDelete.h"
+#include "frmUserModify.h"
+#include "frmUserRegist.h"
+#include "frmUserSelectDialog.h"
+#include "receive_questions.h"
+#include "screen_script.h"
+#include "user_fixture.h"
+
+namespace {
+
+template <typename T = QWidget>
+T* child(QWidget* screen, const char* name) {
+  T* w = screen->findChild<T*>(QLatin1String(name));
+  EXPECT_NE(w, nullptr) << name;
+  return w;
+}
+
+void click(QWidget* screen, const char* button) {
+  if (auto* b = child<QPushButton>(screen, button)) QTest::mouseClick(b, Qt::LeftButton);
+}
+
+void typeInto(QWidget* screen, const char* field, const QString& text) {
+  if (auto* edit = child<QLineEdit>(screen, field)) {
+    edit->clear();
+    // Keys for plain letters; other scripts arrive committed, as an input method gives them.
+    bool ascii = true;
+    for (QChar c : text) ascii = ascii && c.unicode() < 0x80;
+    if (ascii) {
+      QTest::keyClicks(edit, text);
+    } else {
+      edit->insert(text);
+    }
+  }
+}
+
+// A person's double click: the press and release of the first click, then the second.
+void doubleClickAt(QListWidget* list, QPoint at) {
+  QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
+  QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+}
+
+void doubleClickUser(QWidget* screen, const QString& name) {
+  auto* list = child<QListWidget>(screen, "lvUserList");
+  const auto items = list->findItems(name, Qt::MatchExactly);
+  ASSERT_EQ(items.size(), 1) << name.toStdString();
+  doubleClickAt(list, list->visualItemRect(items[0]).center());
+}
+
+}  // namespace
+
+class UserScreens : public UserScreenFixture {
+ protected:
+  // Shows a screen as exec() would and waits until it can take input.
+  void open(QDialog& screen) {
+    screen.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&screen));
+    screen.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&screen));
+  }
+
+  ReceiveReport receive(ScreenScript& script) {
+    EmulatedReader reader(inst->readerPath());
+    NoWaitClock clock;
+    NullProgress progress;
+    ReceiveServices s{*db, reader, clock, progress};
+    QtReceiveQuestions questions(nullptr);
+    ReceiveWorkflow w(s, questions);
+    const ReceiveReport r = w.Run();
+    script.stop();
+    EXPECT_TRUE(script.errors.isEmpty()) << script.errors.join(u',').toStdString();
+    EXPECT_TRUE(script.finished()) << script.seen.join(u',').toStdString();
+    return r;
+  }
+
+  int days(const QString& userId) {
+    return count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT WHERE USER_ID = ?"), userId);
+  }
+};
+
+TEST_F(UserScreens, TheRegistrationFormFiltersItsFiguresAndFocusesTheFieldThatFails) {
+  frmUserRegist screen(*db, QString());
+  EXPECT_FALSE(GetModalFormOpen());
+  open(screen);
+  EXPECT_TRUE(GetModalFormOpen());
+  EXPECT_TRUE(screen.frameTarget->isVisibleTo(&screen));
+  EXPECT_FALSE(screen.txtMN->isVisibleTo(&screen));
+  EXPECT_FALSE(screen.txtLN->isVisibleTo(&screen));
+
+  typeInto(&screen, "txtStepData", QStringLiteral("0a1-9x99"));
+  EXPECT_EQ(screen.txtStepData->text(), QStringLiteral("1999"));
+  screen.txtExerciseDate->setFocus();
+  typeInto(&screen, "txtExerciseDate", QStringLiteral("3.5.1"));
+  EXPECT_EQ(screen.txtExerciseDate->text(), QStringLiteral("3.51"));
+  screen.txtFN->setFocus();  // leaving the exercise field gives it its form
+  EXPECT_EQ(screen.txtExerciseDate->text(), QStringLiteral("3.5"));
+
+  typeInto(&screen, "txtFN", QStringLiteral("田中 三郎"));
+  QTest::mouseClick(screen.imgUserIcon[3], Qt::LeftButton);  // the picture selects its option
+  EXPECT_TRUE(screen.optUserIcon[3]->isChecked());
+  click(&screen, "btnUserRegist");
+  EXPECT_TRUE(screen.isVisible());
+  EXPECT_EQ(QApplication::focusWidget(), screen.txtStepData);
+  EXPECT_EQ(screen.txtStepData->selectedText(), QStringLiteral("1999"));
+  EXPECT_TRUE(wasShown(QStringLiteral("UREG-I-0001")));
+
+  typeInto(&screen, "txtStepData", QStringLiteral("2000"));
+  click(&screen, "btnUserRegist");
+  EXPECT_FALSE(screen.isVisible());
+  EXPECT_EQ(screen.result(), QDialog::Accepted);
+  EXPECT_FALSE(GetModalFormOpen());
+  UserInfo u;
+  ASSERT_TRUE(GetUserInfo(*db, u, screen.newUserId()));
+  EXPECT_EQ(u.FIRST_NAME, QStringLiteral("田中 三郎"));
+  EXPECT_EQ(u.ICONINDEX, 4);
+  EXPECT_EQ(u.TARGET_STEP, QStringLiteral("2000"));
+  const QString trace = inst->traceText();
+  EXPECT_TRUE(trace.contains(QStringLiteral("frmUserRegist")) && trace.contains(QStringLiteral("Form_Load Start")) &&
+              trace.contains(QStringLiteral("Form_Unload Start")));
+}
+
+TEST_F(UserScreens, TheEnglishFormHasThreeNamesAndNoTargets) {
+  setUpEdition(QStringLiteral("en"));
+  const QString id = addUser(QStringLiteral("Anna Maria Lee"), 2);
+  frmUserModify screen(*db, id);
+  open(screen);
+  EXPECT_FALSE(screen.frameTarget->isVisibleTo(&screen));
+  EXPECT_TRUE(screen.txtMN->isVisibleTo(&screen));
+  EXPECT_EQ(screen.txtMN->text(), QStringLiteral("Maria"));
+  EXPECT_TRUE(screen.optUserIcon[1]->isChecked());
+  typeInto(&screen, "txtLN", QString());
+  click(&screen, "btnUserModify");
+  EXPECT_TRUE(screen.isVisible());
+  EXPECT_TRUE(wasShown(QStringLiteral("UEDT-W-0005")));
+  typeInto(&screen, "txtLN", QStringLiteral("Park"));
+  click(&screen, "btnUserModify");
+  EXPECT_EQ(screen.result(), QDialog::Accepted);
+  UserInfo u;
+  ASSERT_TRUE(GetUserInfo(*db, u, id));
+  EXPECT_EQ(u.LAST_NAME, QStringLiteral("Park"));
+}
+
+TEST_F(UserScreens, DeletionClosesAfterThePressAndSaysWhomItDeleted) {
+  const QString keep = addUser(QStringLiteral("記録 有り"));
+  ASSERT_TRUE(StoreRecorderDays(*db, keep, recorder(4)).isEmpty());
+  SetCurrentUserId(keep);
+  inst->dialog().queueAnswer(kAnswerNo);
+  {
+    frmUserDelete screen(*db);
+    open(screen);
+    EXPECT_EQ(screen.lblFNData->text(), QStringLiteral("記録 有り 様"));
+    EXPECT_FALSE(screen.lblMNData->isVisibleTo(&screen));
+    click(&screen, "btnUserDelete");
+    EXPECT_FALSE(screen.isVisible());
+    EXPECT_EQ(screen.result(), QDialog::Rejected);
+    EXPECT_TRUE(screen.deletedUserIds().isEmpty());
+  }
+  EXPECT_EQ(days(keep), 4);
+
+  inst->dialog().queueAnswer(kAnswerYes);
+  frmUserDelete screen(*db);
+  open(screen);
+  click(&screen, "btnUserDelete");
+  EXPECT_EQ(screen.result(), QDialog::Accepted);
+  EXPECT_EQ(screen.deletedUserIds(), QStringList{keep});
+  EXPECT_EQ(days(keep), 0);
+}
+
+TEST_F(UserScreens, ANewRecorderWithNoUsersIsReceivedForAUserRegisteredOnTheSpot) {
+  place(recorder(6));
+  ScreenScript script;
+  script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnCreateUser"); });
+  script.then(QStringLiteral("frmUserRegist"), [](QDialog* s) { click(s, "btnUserRegistCancel"); });
+  script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnCreateUser"); });
+  script.then(QStringLiteral("frmUserRegist"), [](QDialog* s) {
+    typeInto(s, "txtFN", QStringLiteral("森 さくら"));
+    click(s, "btnUserRegist");
+  });
+  const ReceiveReport r = receive(script);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
+  UserInfo u;
+  ASSERT_TRUE(GetUserInfoFromCPUNo(*db, u, QStringLiteral("A00042")));
+  EXPECT_EQ(u.FIRST_NAME, QStringLiteral("森 さくら"));
+  EXPECT_EQ(r.userId, u.USER_ID);
+  EXPECT_EQ(days(u.USER_ID), 6);
+  EXPECT_FALSE(GetModalFormOpen());
+}
+
+TEST_F(UserScreens, CancellingTheNewRecorderQuestionStoresNothing) {
+  addUser(QStringLiteral("誰 か"));
+  place(recorder(3));
+  ScreenScript script;
+  script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnSelectUser"); });
+  script.then(QStringLiteral("frmUserSelectDialog"), [](QDialog* s) { click(s, "btnCancel"); });
+  script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnNewCPUCancel"); });
+  const ReceiveReport r = receive(script);
+  EXPECT_EQ(r.ending, ReceiveEnding::Cancelled);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 0);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM RECEIVE_HISTORY")), 0);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM CPU_TABLE")), 0);
+}
+
+TEST_F(UserScreens, ADoubleClickOnAUserInTheSelectionTakesThatUser) {
+  const QString first = addUser(QStringLiteral("古い 人"), 3);
+  const QString second = addUser(QStringLiteral("新しい 人"), 5);
+  SetCurrentUserId(first);
+  place(recorder(5));
+  ScreenScript script;
+  script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnSelectUser"); });
+  script.then(QStringLiteral("frmUserSelectDialog"), [&](QDialog* s) {
+    auto* list = child<QListWidget>(s, "lvUserList");
+    ASSERT_EQ(list->count(), 2);
+    EXPECT_EQ(list->item(0)->text(), QStringLiteral("新しい 人"));  // newest first
+    EXPECT_FALSE(list->item(0)->icon().isNull());
+    // A click shows the name; a double click beside the users does nothing.
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(1)).center());
+    EXPECT_EQ(child<QLabel>(s, "lblUserNickName")->text(), QStringLiteral("古い 人 様"));
+    doubleClickAt(list, QPoint(list->viewport()->width() - 5, list->viewport()->height() - 5));
+    EXPECT_TRUE(s->isVisible());
+    doubleClickUser(s, QStringLiteral("新しい 人"));
+  });
+  const ReceiveReport r = receive(script);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_EQ(r.userId, second);
+  EXPECT_EQ(days(second), 5);
+}
+
+TEST_F(UserScreens, ARecorderOfAnotherUserIsTakenOverOnlyWhenAsked) {
+  const QString owner = addUser(QStringLiteral("持ち 主"));
+  const QString current = addUser(QStringLiteral("今の 人"));
+  ASSERT_TRUE(VTDB_SetUserIdOnCPUNo(*db, QStringLiteral("A00042"), owner));
+  SetScreenState(kStateJob);
+  SetCurrentUserId(current);
+  place(recorder(4));
+
+  ScreenScript no;
+  no.then(QStringLiteral("frmRecvMsgAlertUser"), [](QDialog* s) {
+    EXPECT_EQ(child<QLabel>(s, "lblFNData")->text(), QStringLiteral("持ち 主 様"));
+    EXPECT_EQ(child<QLabel>(s, "lblCFNData")->text(), QStringLiteral("今の 人 様"));
+    click(s, "btnUsingAlertCancel");
+  });
+  EXPECT_EQ(receive(no).ending, ReceiveEnding::Cancelled);
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")).trimmed(), owner);
+
+  ScreenScript yes;
+  yes.then(QStringLiteral("frmRecvMsgAlertUser"), [](QDialog* s) { click(s, "btnReceive"); });
+  const ReceiveReport r = receive(yes);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_EQ(r.userId, current);
+  EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")).trimmed(), current);
+  EXPECT_EQ(days(owner), 0);
+}
+
+TEST_F(UserScreens, ANewRecorderWhileAUserIsOpenGoesToThatUserOnReceive) {
+  const QString current = addUser(QStringLiteral("開いて いる"));
+  SetScreenState(kStateJob);
+  SetCurrentUserId(current);
+  place(recorder(3));
+  ScreenScript cancel;
+  cancel.then(QStringLiteral("frmRecvMsgNewCPUSelectUser"), [](QDialog* s) { click(s, "btnCancel"); });
+  EXPECT_EQ(receive(cancel).ending, ReceiveEnding::Cancelled);
+  EXPECT_EQ(days(current), 0);
+
+  ScreenScript take;
+  take.then(QStringLiteral("frmRecvMsgNewCPUSelectUser"), [](QDialog* s) {
+    EXPECT_EQ(child<QLabel>(s, "lblFNData")->text(), QStringLiteral("開いて いる 様"));
+    click(s, "btnReceive");
+  });
+  const ReceiveReport r = receive(take);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_EQ(r.userId, current);
+  EXPECT_EQ(days(current), 3);
+}
+
+TEST_F(UserScreens, ARecorderThatLooksResetIsReceivedForItsOwnerOnlyWhenAsked) {
+  const QString owner = addUser(QStringLiteral("リセット 主"));
+  place(recorder(10));
+  ScreenScript first;
+  first.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnSelectUser"); });
+  first.then(QStringLiteral("frmUserSelectDialog"),
+             [](QDialog* s) { doubleClickUser(s, QStringLiteral("リセット 主")); });
+  ASSERT_EQ(receive(first).ending, ReceiveEnding::Received);
+
+  SetScreenState(kStateUserSelect);
+  place(recorder(3, QDate(2024, 8, 3)));
+  ScreenScript no;
+  no.then(QStringLiteral("frmRecvMsgAlertReset"), [](QDialog* s) { click(s, "btnUsingAlertCancel"); });
+  EXPECT_EQ(receive(no).ending, ReceiveEnding::Cancelled);
+  EXPECT_EQ(days(owner), 10);
+
+  ScreenScript yes;
+  yes.then(QStringLiteral("frmRecvMsgAlertReset"), [](QDialog* s) { click(s, "btnReceive"); });
+  const ReceiveReport r = receive(yes);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_EQ(r.userId, owner);
+  EXPECT_EQ(days(owner), 13);
+}

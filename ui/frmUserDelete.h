@@ -1,0 +1,36 @@
+// frmUserDelete: removes the main screen's current user; asks first when the user has
+// stored days. The screen closes after the press in every case.
+#pragma once
+
+#include <QStringList>
+
+#include "modal_screen.h"
+#include "user_logic.h"
+
+class QLabel;
+class QPushButton;
+
+class frmUserDelete : public ModalScreen {
+  Q_OBJECT
+
+ public:
+  // exec() returns Accepted when the user was deleted.
+  explicit frmUserDelete(VtDatabase& db, QWidget* parent = nullptr);
+
+  QStringList deletedUserIds() const { return deleted_; }
+
+  QLabel* lblMessage = nullptr;
+  QLabel* lblFN = nullptr;
+  QLabel* lblMN = nullptr;
+  QLabel* lblLN = nullptr;
+  QLabel* lblFNData = nullptr;
+  QLabel* lblMNData = nullptr;
+  QLabel* lblLNData = nullptr;
+  QLabel* lblSama = nullptr;
+  QPushButton* btnUserDelete = nullptr;
+  QPushButton* btnUserDeleteCancel = nullptr;
+
+ private:
+  UserDeleteLogic logic_;
+  QStringList deleted_;
+};
