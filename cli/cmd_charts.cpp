@@ -29,6 +29,10 @@ bool ParseOptions(const QStringList& args, const QStringList& known, QHash<QStri
   return true;
 }
 
+bool ValidYmd(const QString& text) { return text.size() == 8 && YmdToDate(text).isValid(); }
+
+}  // namespace
+
 // The installation of the working directory: configuration, catalogue, language, and
 // the configured database. 0 when ready, else the exit code.
 int OpenInstallation(VtDatabase& db, QTextStream& err) {
@@ -47,10 +51,6 @@ int OpenInstallation(VtDatabase& db, QTextStream& err) {
   }
   return 0;
 }
-
-bool ValidYmd(const QString& text) { return text.size() == 8 && YmdToDate(text).isValid(); }
-
-}  // namespace
 
 int cmd_chart_data(const QStringList& args) {
   QTextStream err(stderr);

@@ -4,6 +4,9 @@
 
 #include <QStringList>
 
+class QTextStream;
+class VtDatabase;
+
 int cmd_version(const QStringList& args);
 // device
 int cmd_make_recorder(const QStringList& args);
@@ -19,3 +22,10 @@ int cmd_chart_data(const QStringList& args);
 int cmd_range(const QStringList& args);
 // chart library
 int cmd_render(const QStringList& args);
+// csv
+int cmd_export_csv(const QStringList& args);
+int cmd_import_csv(const QStringList& args);
+
+// The installation of the working directory: configuration, catalogue, language, and
+// the configured database. 0 when ready, else the exit code (message on err).
+int OpenInstallation(VtDatabase& db, QTextStream& err);

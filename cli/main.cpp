@@ -41,6 +41,15 @@ const Command kCommands[] = {
      "render --interface FILE [--header FILE] --out FILE.png|FILE.pdf [--size WxH]\n"
      "       [--settings chart.ini] [--paper N]\n"
      "                             draw a chart file to a picture or a report"},
+    {"export-csv", cmd_export_csv,
+     "export-csv --user ID --from YYYYMMDD --to YYYYMMDD --format 0|1|2 --out FILE\n"
+     "           [--encoding cp932|utf-8|utf-8-bom]\n"
+     "                             write one user's CSV report\n"
+     "  export-csv --all --from YYYYMMDD --to YYYYMMDD --format 0|1|2 --dir DIR\n"
+     "                             write the report of every user into DIR"},
+    {"import-csv", cmd_import_csv,
+     "import-csv PATH... [--group GROUP_ID]\n"
+     "                             read CSV reports (files or folders) into the database"},
 };
 
 // The installed launcher runs the tool inside bin/, where the configuration's relative paths
@@ -51,7 +60,7 @@ void resolveCallerPaths(const QString& command, QStringList& args) {
   if (callerDir.isEmpty()) return;
   static const QStringList kPathOptions = {QStringLiteral("--out"), QStringLiteral("--path"),
                                            QStringLiteral("--interface"), QStringLiteral("--header"),
-                                           QStringLiteral("--settings")};
+                                           QStringLiteral("--settings"), QStringLiteral("--dir")};
   const QDir caller(callerDir);
   auto absolute = [&](QString& value) {
     if (!value.isEmpty() && QDir::isRelativePath(value)) value = QDir::cleanPath(caller.absoluteFilePath(value));
@@ -65,7 +74,10 @@ void resolveCallerPaths(const QString& command, QStringList& args) {
       a = a.left(eq + 1) + value;
     } else if (kPathOptions.contains(a) && i + 1 < args.size()) {
       absolute(args[++i]);
-    } else if (command == QLatin1String("dump") && !a.startsWith(QLatin1String("--"))) {
+    } else if (a == QLatin1String("--group")) {
+      ++i;  // a group id, not a file
+    } else if ((command == QLatin1String("dump") || command == QLatin1String("import-csv")) &&
+               !a.startsWith(QLatin1String("--"))) {
       absolute(a);
     }
   }

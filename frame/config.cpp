@@ -188,10 +188,13 @@ void Ini_GetUserTargets(QString& step, QString& actMin, QString& aveFoodIntake, 
 }
 
 QString Ini_GetTargetExercise() { return read(kUserDefault, "TARGET_EXERCISE"); }
+QString Ini_GetDefaultPrefecture() { return read(kUserDefault, "PREFECTURE"); }
 
 int Ini_GetMaxRecord() { return readNumber(kCsv, "MAX_RECORD"); }
 QString Ini_GetCsvLoginIdPrefix() { return read(kCsv, "CSVLOGINID_PREFIX"); }
 QString Ini_GetCsvLoginIdMax() { return read(kCsv, "CSVLOGINID_MAX"); }
+void Ini_SetCsvLoginIdMax(const QString& v) { write(kCsv, "CSVLOGINID_MAX", v); }
+QString Ini_GetCsvEncoding() { return read(kOther, "CSV_ENCODING").trimmed(); }
 
 bool Ini_GetPmAl() { return flagOne(kPmTest, "PM_AL"); }
 int Ini_GetPmDump() {

@@ -100,11 +100,15 @@ std::array<QString, 5> Ini_GetFixedMaxValues();
 void Ini_GetModerate(QString& from, QString& to);
 void Ini_GetUserTargets(QString& step, QString& actMin, QString& aveFoodIntake, QString& actCal);
 QString Ini_GetTargetExercise();
+QString Ini_GetDefaultPrefecture();  // PREFECTURE
 
 // CSV
 int Ini_GetMaxRecord();
 QString Ini_GetCsvLoginIdPrefix();
 QString Ini_GetCsvLoginIdMax();
+void Ini_SetCsvLoginIdMax(const QString& v);
+// OTHER/CSV_ENCODING as it stands ("CP932", "UTF-8", "UTF-8-BOM"), empty when missing.
+QString Ini_GetCsvEncoding();
 
 // PM_TEST
 bool Ini_GetPmAl();

@@ -1,0 +1,118 @@
+// A test installation of one edition with a user whose days come from a generated
+// recorder, plus one day stored as a CSV import would store it (metric, a short
+// profile with "-1" and "0", one event set and the rest "9999").
+#pragma once
+
+#include <QFile>
+#include <QStringDecoder>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "exchange.h"
+#include "frame.h"
+#include "sample_user.h"
+#include "store.h"
+#include "test_installation.h"
+
+inline const QString kCsvUser = QStringLiteral("U000000001");
+
+inline QString TestDataPath(const QString& relative) {
+  return QStringLiteral(VANTORA_TEST_DATA "/") + relative;
+}
+
+inline QByteArray ReadBytes(const QString& path) {
+  QFile f(path);
+  return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+class ExchangeTest : public ::testing::Test {
+ protected:
+  void SetUpEdition(const QString& lang) {
+    inst_ = std::make_unique<TestInstallation>(lang);
+    ASSERT_TRUE(inst_->isValid());
+    english_ = lang == QLatin1String("en");
+    const QString error = OpenDatabaseWithSampleUser(*inst_, db_, kCsvUser);
+    ASSERT_TRUE(error.isEmpty()) << error.toStdString();
+    UserRecord u = SampleUser(kCsvUser);
+    if (english_) {
+      u.FIRST_NAME = QStringLiteral("Mary");
+      u.MIDDLE_NAME = QStringLiteral("Ann");
+      u.LAST_NAME = QStringLiteral("Jones");
+      u.NICK_NAME = QString();
+    } else {
+      u.FIRST_NAME = QStringLiteral("山田");
+      u.LAST_NAME = QStringLiteral("花子");
+    }
+    ASSERT_TRUE(VTDB_ChangeUserInfo(db_, u));
+    ASSERT_TRUE(GetUserInfo(db_, user_, kCsvUser));
+  }
+
+  // Days 2024-06-23 to 2024-06-30 from a recorder (the last one still being recorded).
+  void StoreRecorder() {
+    RecorderImageOptions o;
+    o.kind = english_ ? PMKIND_BRIO_NORMAL : PMKIND_BRIO_ZR;
+    o.english = english_;
+    o.unitFlag = english_ ? 1 : 0;
+    o.days = 8;
+    o.seed = 7;
+    const QString error = StoreRecorderDays(db_, kCsvUser, o);
+    ASSERT_TRUE(error.isEmpty()) << error.toStdString();
+  }
+
+  // 2024-06-20 as an import stores it.
+  void StoreImportedDay() {
+    CsvRow r;
+    r.MEASUREMENT_DAY = r.RAW_MEASUREMENT_DAY = QStringLiteral("20240620");
+    r.WEEK_DAY = QStringLiteral("4");
+    r.GENDAR = QStringLiteral("1");
+    r.AGE = QStringLiteral("41");
+    r.HEIGHT_CM = QStringLiteral("158");
+    r.WEIGHT_KG = QStringLiteral("58.5");
+    r.TARGET_CAL = QStringLiteral("250");
+    r.ENERGY_EXPENDITURE = QStringLiteral("1850");
+    r.ACTIVITY = QStringLiteral("240");
+    r.STEP_COUNT = QStringLiteral("6400");
+    r.TARGET_STEP = QStringLiteral("9000");
+    r.PACE_CM = QStringLiteral("65");
+    r.DISTANCE_KM = QStringLiteral("4.2");
+    r.TARGET_TIME = QStringLiteral("60");
+    r.ACCUMULATION_TIME = QStringLiteral("75");
+    r.LOWER_BOUND = QStringLiteral("4");
+    r.UPPER_BOUND = QStringLiteral("9");
+    r.PEDOMERA = QStringLiteral("1");
+    r.MEMORY_LOCK = QStringLiteral("1");
+    r.MEASUREMENT_MODE = QStringLiteral("1");
+    for (int i = 0; i <= 9; ++i) r.ACTIVITY_LEVEL[static_cast<size_t>(i)] = QString::number(100 * (10 - i));
+    r.ACTIVITY_LEVEL_SMALL = QStringLiteral("3000");
+    r.EVENT[0] = QStringLiteral("0830");
+    r.EVENT[1] = QStringLiteral("9999");
+    r.EXERCISE = QStringLiteral("2.5");
+    r.ACT_LEVEL_BLOCK = QStringLiteral("-1,0,3,-1,12");
+    const QString receiveId = CreateReceiveId(db_);
+    ASSERT_TRUE(VTDB_SetDayMeasurementForCSV(db_, receiveId, 1, user_, r));
+    ASSERT_TRUE(VTDB_SetTimeMeasurementBlockForCSV(db_, receiveId, 1, user_, r));
+  }
+
+  // Exports to a file and gives its text decoded (CP932 for the Japanese default).
+  QString Export(const QString& from, const QString& to, int kind, int maxRows = -1, bool* ok = nullptr) {
+    const QString path = inst_->path(QStringLiteral("temp/out_%1_%2_%3.csv").arg(from, to).arg(kind));
+    QFile::remove(path);
+    CsvExportOptions options;
+    options.today = QDate(2024, 7, 1);
+    QString error;
+    const bool written = MakeCSVData2(db_, kCsvUser, from, to, QStringLiteral("20240630"), path, user_, maxRows,
+                                      kind, options, error);
+    if (ok) *ok = written;
+    if (!written) return QString();
+    const QByteArray bytes = ReadBytes(path);
+    if (english_) return QString::fromUtf8(bytes);
+    QStringDecoder cp932("CP932");
+    return cp932.decode(bytes);
+  }
+
+  std::unique_ptr<TestInstallation> inst_;
+  VtDatabase db_;
+  UserInfo user_;
+  bool english_ = false;
+};

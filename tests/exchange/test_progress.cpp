@@ -1,0 +1,1 @@
+#include "exchange_fixture.h"
