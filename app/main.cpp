@@ -2,11 +2,9 @@
 // which makes bin/ the working directory, so that ACTA.res, menu.res and the
 // relative paths of config.cnf are found.
 #include <QApplication>
-#include <QEvent>
 #include <QFont>
 #include <QMessageBox>
 #include <QPixmap>
-#include <QProgressDialog>
 #include <QSplashScreen>
 
 #include "catalogue.h"
@@ -14,6 +12,7 @@
 #include "config.h"
 #include "frmTerminal.h"
 #include "helpers.h"
+#include "desktop_screens.h"
 #include "qt_dialog.h"
 #include "receive_screens.h"
 #include "shared_values.h"
@@ -30,61 +29,6 @@ void ShowSplash() {
   QApplication::processEvents();
   splash.close();
 }
-
-// Tells the closing stages how the main window was closed: by the user (mode 0) or by
-// the session ending.
-class CloseWatcher : public QObject {
- public:
-  explicit CloseWatcher(ClosingStages& closing) : closing_(closing) {}
-
- protected:
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() == QEvent::Close && !closing_.queryCloseDone()) {
-      closing_.queryClose(qApp->isSavingSession() ? 1 : 0);
-    }
-    return QObject::eventFilter(watched, event);
-  }
-
- private:
-  ClosingStages& closing_;
-};
-
-// The modal bar of the compaction at the end of the run.
-class CompactionProgress : public ProgressInterface {
- public:
-  CompactionProgress() {
-    bar_.setWindowModality(Qt::ApplicationModal);
-    bar_.setCancelButton(nullptr);
-    bar_.setMinimumDuration(0);
-    bar_.setWindowTitle(QApplication::applicationName());
-  }
-  void setMaximum(int maximum) override { bar_.setMaximum(maximum); }
-  void setValue(int value) override {
-    bar_.setValue(value);
-    QApplication::processEvents();
-  }
-  void setStatus(const QString& caption) override { bar_.setLabelText(caption); }
-  bool cancelRequested() override { return false; }
-  void yield() override { QApplication::processEvents(); }
-
- private:
-  QProgressDialog bar_;
-};
-
-// The user screens and the receive's questions.
-class DesktopUserScreens : public UserScreens, public ReceiveQuestions {
- public:
-  QString registerUser(QWidget*) override { return QString(); }
-  bool modifyUser(QWidget*, const QString&) override { return false; }
-  bool deleteUsers(QWidget*) override { return false; }
-  ReceiveQuestions& receiveQuestions(QWidget*) override { return *this; }
-  NewCpuAnswer newRecorder(const RecvMsgNewCPU&) override { return NewCpuAnswer::Cancel; }
-  bool receiveForCurrentUser(const RecvMsgNewCPUSelectUser&) override { return false; }
-  bool takeOverRecorder(const RecvMsgAlertUser&) override { return false; }
-  bool receiveResetRecorder(const RecvMsgAlertReset&) override { return true; }
-  QString registerUser(VtDatabase&) override { return QString(); }
-  QString selectUser(VtDatabase&) override { return QString(); }
-};
 
 void ApplyCommonFont() {
   const QString family = GetCommonFontName();
@@ -111,22 +55,20 @@ int Run(QApplication& app, QtDialog& dialogs) {
   ClosingStages closing(db, chart);
   std::unique_ptr<TavoReader> reader = CreateConfiguredReader();
   EventLoopDeviceClock clock;
-  DesktopUserScreens screens;
+  QtUserScreens screens(db);
   frmTerminal w(TerminalServices{db, chart, *reader, clock, screens});
   dialogs.setParent(&w);
   if (!w.Form_Load()) return 1;
   QObject::connect(&w, &frmTerminal::quitRequested, [&closing] { closing.requestQuit(); });
+  QObject::connect(&w, &frmTerminal::queryClose, [&closing](int mode) { closing.queryClose(mode); });
 
-  CloseWatcher watcher(closing);
-  w.installEventFilter(&watcher);
   w.show();
   const int rc = app.exec();
-  w.removeEventFilter(&watcher);
   dialogs.setParent(nullptr);
   if (!closing.queryCloseDone()) closing.queryClose(1);
 
-  CompactionProgress progress;
-  if (closing.closeMainScreen(progress) == StartupSequence::Outcome::Stop) return 1;
+  if (closing.closeMainScreen([] { return CompactInProgressBar(nullptr); }) == StartupSequence::Outcome::Stop)
+    return 1;
   return rc;
 }
 

@@ -1179,6 +1179,7 @@ void frmTerminal::closeEvent(QCloseEvent* event) {
     event->ignore();
     return;
   }
+  Q_EMIT queryClose(qApp->isSavingSession() ? 1 : 0);
   Trace0(QStringLiteral("Form_Unload Start"));
   deleteChartFiles();
   timerPolling->stop();

@@ -27,9 +27,9 @@ class QToolButton;
 
 // The screens that other parts of the program supply: the user screens and the
 // questions of a receive. The desktop shows the real dialogs; tests script them.
-class UserScreens {
+class TerminalScreens {
  public:
-  virtual ~UserScreens() = default;
+  virtual ~TerminalScreens() = default;
   // frmUserRegist: the new user's USER_ID, "" when cancelled.
   virtual QString registerUser(QWidget* parent) = 0;
   // frmUserModify of the user: true when saved.
@@ -70,7 +70,7 @@ struct TerminalServices {
   ChartMaker& chart;
   TavoReader& reader;
   DeviceClock& clock;
-  UserScreens& screens;
+  TerminalScreens& screens;
 };
 
 class frmTerminal : public QMainWindow {
@@ -183,6 +183,10 @@ class frmTerminal : public QMainWindow {
   // The user asked to stop (Quit menu or the window's close button): the closing
   // stages compact the database and finish the chart library.
   void quitRequested();
+  // The window is closing (mode 0: closed by the user, 1: by the session ending): the
+  // closing stages close the working connection. Not sent while a receive runs, since
+  // the window does not close then.
+  void queryClose(int mode);
   // The screen has drawn a chart (tests and benchmarks wait on it).
   void chartDrawn(int kind, int result);
 

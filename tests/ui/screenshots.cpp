@@ -31,7 +31,7 @@ void Save(QWidget* w, const QString& name) {
   if (!w->grab().save(path)) std::fprintf(stderr, "screenshots: could not write %s\n", qPrintable(path));
 }
 
-class Answers : public UserScreens, public ReceiveQuestions {
+class Answers : public TerminalScreens, public ReceiveQuestions {
  public:
   explicit Answers(VtDatabase& db) : db_(db) {}
   QString registerUser(QWidget*) override { return QString(); }

@@ -22,7 +22,7 @@
 #include "test_installation.h"
 
 // Answers the questions from fields and records what was asked.
-class ScriptedScreens : public UserScreens, public ReceiveQuestions {
+class ScriptedScreens : public TerminalScreens, public ReceiveQuestions {
  public:
   // frmUserRegist: registers this name (empty: cancelled). duringRegist runs while the
   // screen is "open" (ModalFormOpen set, as the real screen does).
