@@ -13,6 +13,7 @@
 
 #include "chartmaker.h"
 #include "config.h"
+#include "desktop_screens.h"
 #include "frmTerminal.h"
 #include "readers.h"
 #include "receive_screens.h"
@@ -116,8 +117,11 @@ class TerminalTest : public ::testing::Test {
   }
 
   // Builds the window and runs its preparation, as the program does at start.
-  frmTerminal& open() {
-    window = std::make_unique<frmTerminal>(TerminalServices{db, chart, *reader, clock, screens});
+  // realScreens: the desktop's own user screens and receive dialogs instead of the script.
+  frmTerminal& open(bool realScreens = false) {
+    if (realScreens) desktopScreens = std::make_unique<QtUserScreens>(db);
+    TerminalScreens& used = realScreens ? static_cast<TerminalScreens&>(*desktopScreens) : screens;
+    window = std::make_unique<frmTerminal>(TerminalServices{db, chart, *reader, clock, used});
     EXPECT_TRUE(window->Form_Load());
     window->show();
     return *window;
@@ -159,5 +163,6 @@ class TerminalTest : public ::testing::Test {
   std::unique_ptr<EmulatedReader> reader;
   EventLoopDeviceClock clock{0.0};
   ScriptedScreens screens;
+  std::unique_ptr<QtUserScreens> desktopScreens;
   std::unique_ptr<frmTerminal> window;
 };

@@ -10,6 +10,8 @@
 #include <QStackedWidget>
 #include <QToolButton>
 
+#include <QLineEdit>
+
 #include "fake_reader.h"
 #include "sample_user.h"
 #include "terminal_fixture.h"
@@ -79,6 +81,38 @@ TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUse
   EXPECT_EQ(GetScreenState(), kStateJob);
   EXPECT_EQ(w.rangeState().dtDateEnd, kLastDay.addDays(3)) << inst.traceText().right(3000).toStdString();
   EXPECT_TRUE(inst.dialog().shown.empty());
+}
+
+TEST_F(TerminalTest, TheNewRecorderQuestionAnsweredOnTheRealScreensRegistersAndDrawsTheWeek) {
+  frmTerminal& w = open(true);
+  // A person answering: create a user, type the name, register. The receive's own two
+  // screens are left to work.
+  QStringList answered;
+  QTimer person;
+  QObject::connect(&person, &QTimer::timeout, [&] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (!modal || !modal->isVisible()) return;
+    const QString name = modal->objectName();
+    if (name == QLatin1String("frmRecvMsgNewCPU")) {
+      answered << name;
+      modal->findChild<QPushButton*>(QStringLiteral("btnCreateUser"))->click();
+    } else if (name == QLatin1String("frmUserRegist")) {
+      answered << name;
+      modal->findChild<QLineEdit*>(QStringLiteral("txtFN"))->insert(QStringLiteral("森 さくら"));
+      modal->findChild<QPushButton*>(QStringLiteral("btnUserRegist"))->click();
+    }
+  });
+  person.start(20);
+  placeRecorder(Recorder(8, kLastDay));
+  ASSERT_TRUE(WaitUntil([] { return GetScreenState() == kStateJob && !GetReceiveRunning(); }))
+      << answered.join(u',').toStdString();
+  person.stop();
+  EXPECT_EQ(answered, QStringList({QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("frmUserRegist")}));
+  EXPECT_EQ(w.lblUserNickName->text(), QStringLiteral("森 さくら"));
+  EXPECT_EQ(daysOf(GetCurrentUserId()), 8);
+  EXPECT_FALSE(w.pictureContents->image().isNull());
+  EXPECT_EQ(w.rangeState().chartKind, 100);
+  EXPECT_EQ(w.rangeState().dtDateEnd, kLastDay);
 }
 
 TEST_F(TerminalTest, CancelDuringThePagesStoresNothingAndTheWindowStaysOnItsFace) {
