@@ -75,6 +75,8 @@ int Run(QApplication& app, QtDialog& dialogs) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Fractional screen scales as they are: the chart is drawn at the device pixel ratio.
+  QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
   QApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("vantora"));
   QApplication::setApplicationVersion(QStringLiteral(VANTORA_VERSION));

@@ -785,6 +785,10 @@ void frmTerminal::EnterJobScreen(bool fromDoubleClick) {
   if (fromDoubleClick) Trace0(QStringLiteral("Select UserID = ") + GetCurrentUserId());
   Ini_SetLastUserId(GetCurrentUserId());
   Ini_SetLastGroupId(GetCurrentGroupId());
+  showJobScreen();
+}
+
+void frmTerminal::showJobScreen() {
   SetScreenState(kStateJob);
   switchPanes();
   Form_Resize();
@@ -823,13 +827,7 @@ void frmTerminal::mnuBack_Click() {
 void frmTerminal::refreshJobScreen() {
   // The newest days were just stored: the view ends on them.
   ChangeMenu(GetCurrentUserId(), true);
-  SetScreenState(kStateJob);
-  switchPanes();
-  Form_Resize();
-  InitChartState();
-  UpdateButtonState();
-  UpdateMenuState(QString());
-  checkData();
+  showJobScreen();
 }
 
 // ---------------------------------------------------------------- user screens

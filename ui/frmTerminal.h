@@ -209,6 +209,7 @@ class frmTerminal : public QMainWindow {
   void automaticReceive();
   bool runReceive();
   void refreshJobScreen();
+  void showJobScreen();
 
   void mnuNewUser_Click();
   void mnuEditUser_Click();

@@ -274,6 +274,13 @@ TEST_F(NavigationTest, AnUnchangedChartReusesItsFilesAndAChangedUserRebuildsThem
   ASSERT_FALSE(header.isEmpty());
   w.btnDateUpdate->click();
   EXPECT_EQ(w.headerFile(), header) << "same kind and range: the files are used again";
+  // A bigger window paints the chart again at its new size, without new files.
+  w.resize(w.width() + 200, w.height() + 100);
+  ASSERT_TRUE(WaitUntil([&w] {
+    return w.pictureContents->image().size() ==
+           (QSizeF(w.pictureContents->size()) * w.pictureContents->devicePixelRatioF()).toSize();
+  }, 3000));
+  EXPECT_EQ(w.headerFile(), header);
   w.btnUserEdit->click();
   EXPECT_EQ(screens.asked.last(), QStringLiteral("frmUserModify ") + kUser);
   EXPECT_FALSE(QFileInfo::exists(header)) << "the old files go when the chart is made anew";
