@@ -22,6 +22,7 @@
 
 #include "catalogue.h"
 #include "chart_result.h"
+#include "form_look.h"
 #include "config.h"
 #include "helpers.h"
 #include "ini_picture.h"
@@ -439,12 +440,13 @@ QWidget* frmTerminal::buildJobScreen() {
   // The wait notice floats over the chart while one is being made.
   WaitPicture = new QWidget(picGraph);
   WaitPicture->setObjectName(QStringLiteral("WaitPicture"));
-  WaitPicture->setAutoFillBackground(true);
+  WaitPicture->setAttribute(Qt::WA_StyledBackground);
+  WaitPicture->setStyleSheet(QStringLiteral("#WaitPicture { background: white; border: 1px solid #b9c6d3; border-radius: 6px; }"));
   auto* wait = new QHBoxLayout(WaitPicture);
   wait->setContentsMargins(16, 12, 16, 12);
   auto* waitIcon = new QLabel(WaitPicture);
   waitIcon->setObjectName(QStringLiteral("imgWait"));
-  SetIniPicture(*waitIcon, QStringLiteral("VB_COMMON"), QStringLiteral("IMAGE_WAIT"));
+  SetIniPicture(*waitIcon, kSection, QStringLiteral("IMAGE_WAIT"));
   lblWait = new QLabel(Caption("CAPTION_LBLWAIT"), WaitPicture);
   lblWait->setObjectName(QStringLiteral("lblWait"));
   wait->addWidget(waitIcon);
@@ -501,17 +503,7 @@ void frmTerminal::buildPanes() {
 }
 
 void frmTerminal::applyCommonLook() {
-  QPalette pal = palette();
-  const std::uint32_t back = GetCommonFormBackColor();
-  if (back != 0) pal.setColor(QPalette::Window, FromVbColor(back));
-  setPalette(pal);
-  setAutoFillBackground(true);
-  const QString font = GetCommonFontName();
-  if (!font.isEmpty()) {
-    QFont f = this->font();
-    f.setFamily(font);
-    setFont(f);
-  }
+  ApplyCommonFormLook(*this);
   // The pickers show their whole date at any window width.
   for (QDateEdit* d : {dtDateStart, dtDateEnd}) {
     d->ensurePolished();

@@ -15,6 +15,7 @@
 #include <cmath>
 
 #include "catalogue.h"
+#include "form_look.h"
 #include "trace.h"
 
 // ---------------------------------------------------------------- clock
@@ -43,6 +44,7 @@ ReceiveScreen::ReceiveScreen(const QString& name, const QString& section, QWidge
   setWindowTitle(GetIniCaption(section, QStringLiteral("CAPTION_TITLE")));
   const QString icon = GetIniPicturePath(QStringLiteral("VB_COMMON"), QStringLiteral("FORM_ICON"));
   if (!icon.isEmpty()) setWindowIcon(QIcon(icon));
+  ApplyCommonFormLook(*this);
 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(24, 20, 24, 18);

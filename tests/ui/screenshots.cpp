@@ -135,6 +135,12 @@ int main(int argc, char** argv) {
   QApplication::processEvents();
   Save(&w, QStringLiteral("09-job-week-1280"));
   w.resize(1024, 768);
+  QApplication::processEvents();
+  w.WaitPicture->adjustSize();
+  w.WaitPicture->move(w.picGraph->rect().center() - w.WaitPicture->rect().center());
+  w.WaitPicture->show();
+  Save(&w, QStringLiteral("09b-wait-notice"));
+  w.WaitPicture->hide();
   w.btnBack->click();
   QApplication::processEvents();
   Save(&w, QStringLiteral("10-user-list"));
