@@ -13,7 +13,7 @@ const QString kSection = QStringLiteral("USERDELETE");
 }
 
 frmUserDelete::frmUserDelete(VtDatabase& db, QWidget* parent)
-    : ModalScreen(QStringLiteral("frmUserDelete"), parent), logic_(db) {
+    : UserNameScreen(QStringLiteral("frmUserDelete"), parent), logic_(db) {
   setWindowTitle(GetIniCaption(kSection, QStringLiteral("CAPTION_TITLE")));
   const bool loaded = logic_.load();
 
@@ -24,22 +24,7 @@ frmUserDelete::frmUserDelete(VtDatabase& db, QWidget* parent)
   lblMessage->setWordWrap(true);
   outer->addWidget(lblMessage);
 
-  auto* who = new QHBoxLayout;
-  who->setSpacing(16);
-  who->addWidget(userIconLabel("imgUserIcon", logic_.user().ICONINDEX), 0, Qt::AlignTop);
-  std::array<QLabel*, 3> captions{};
-  std::array<QLabel*, 3> values{};
-  who->addWidget(nameRows(kSection, {"lblFN", "lblMN", "lblLN"}, {"CAPTION_LBLFN", "CAPTION_LBLMN", "CAPTION_LBLLN"},
-                          {"lblFNData", "lblMNData", "lblLNData"}, logic_.names(), captions, values),
-                 1, Qt::AlignVCenter);
-  lblFN = captions[0];
-  lblMN = captions[1];
-  lblLN = captions[2];
-  lblFNData = values[0];
-  lblMNData = values[1];
-  lblLNData = values[2];
-  lblSama = captionLabel("lblSama", kSection, QStringLiteral("CAPTION_LBLSAMA"));
-  lblSama->hide();
+  QHBoxLayout* who = nameRowsOf(kSection, logic_.user().ICONINDEX, logic_.names());
   outer->addLayout(who);
   outer->addStretch(1);
 

@@ -10,7 +10,7 @@
 class QLabel;
 class QPushButton;
 
-class frmUserDelete : public ModalScreen {
+class frmUserDelete : public UserNameScreen {
   Q_OBJECT
 
  public:
@@ -20,13 +20,6 @@ class frmUserDelete : public ModalScreen {
   QStringList deletedUserIds() const { return deleted_; }
 
   QLabel* lblMessage = nullptr;
-  QLabel* lblFN = nullptr;
-  QLabel* lblMN = nullptr;
-  QLabel* lblLN = nullptr;
-  QLabel* lblFNData = nullptr;
-  QLabel* lblMNData = nullptr;
-  QLabel* lblLNData = nullptr;
-  QLabel* lblSama = nullptr;
   QPushButton* btnUserDelete = nullptr;
   QPushButton* btnUserDeleteCancel = nullptr;
 

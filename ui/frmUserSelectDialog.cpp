@@ -75,11 +75,14 @@ frmUserSelectDialog::frmUserSelectDialog(VtDatabase& db, const QString& callerFo
   lvUserList->setMovement(QListView::Static);
   lvUserList->setResizeMode(QListView::Adjust);
   lvUserList->setIconSize(QSize(80, 80));
-  lvUserList->setGridSize(QSize(170, 140));
+  lvUserList->setGridSize(QSize(170, 160));
+  lvUserList->setStyleSheet(QStringLiteral("QListView { padding-top: 10px; background: palette(base); }"));
   lvUserList->setWordWrap(true);
-  lvUserList->setUniformItemSizes(true);
   lvUserList->setSelectionMode(QAbstractItemView::SingleSelection);
-  lvUserList->setMinimumSize(560, 320);
+  lvUserList->setMinimumSize(560, 350);
+  QFont names = lvUserList->font();
+  names.setPointSizeF(names.pointSizeF() * 1.15);
+  lvUserList->setFont(names);
   outer->addWidget(lvUserList, 1);
 
   btnCancel = captionButton("btnCancel", kSection, QStringLiteral("CAPTION_BTNCANCEL"));
@@ -88,7 +91,8 @@ frmUserSelectDialog::frmUserSelectDialog(VtDatabase& db, const QString& callerFo
   fillList();
   connect(lvUserList, &QListWidget::currentRowChanged, this, [this](int row) {
     const QString text = logic_.click(row);
-    const int room = qMax(100, lblUserNickName->width());
+    // Before the first layout the label has no width yet; the panel's width is the room.
+    const int room = lblUserNickName->width() > 150 ? lblUserNickName->width() : width() - 80;
     lblNameLength->setText(text);
     lblUserNickName->setText(lblNameLength->fontMetrics().elidedText(text, Qt::ElideRight, room));
   });
@@ -99,7 +103,7 @@ frmUserSelectDialog::frmUserSelectDialog(VtDatabase& db, const QString& callerFo
     WriteTrace(QStringLiteral("0"), objectName(), QStringLiteral("btnCancel_Click Start"));
     reject();
   });
-  resize(640, 520);
+  resize(660, 580);
 }
 
 frmUserSelectDialog::~frmUserSelectDialog() { logic_.unload(); }
@@ -108,7 +112,10 @@ void frmUserSelectDialog::fillList() {
   for (const UserInfo& u : logic_.users()) {
     QPixmap picture;
     LoadIniPicture(QStringLiteral("VB_COMMON"), QStringLiteral("IMAGE_USERICON_%1").arg(u.ICONINDEX), picture);
-    auto* item = new QListWidgetItem(QIcon(picture), u.DisplayName.trimmed(), lvUserList);
+    // The picture stays as it is when its user is selected: the face is how people find themselves.
+    QIcon icon(picture);
+    icon.addPixmap(picture, QIcon::Selected);
+    auto* item = new QListWidgetItem(icon, u.DisplayName.trimmed(), lvUserList);
     item->setData(Qt::UserRole, u.USER_ID);
     item->setToolTip(u.DisplayName.trimmed());
     item->setTextAlignment(Qt::AlignHCenter | Qt::AlignTop);

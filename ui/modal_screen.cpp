@@ -1,5 +1,6 @@
 #include "modal_screen.h"
 
+#include <QApplication>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QIcon>
@@ -97,20 +98,30 @@ QLabel* ModalScreen::userIconLabel(const char* name, int iconIndex) {
   QLabel* label = dataLabel(name);
   label->setFixedSize(80, 80);
   label->setAlignment(Qt::AlignCenter);
-  QPixmap picture;
-  if (iconIndex >= 1 &&
-      LoadIniPicture(QStringLiteral("VB_COMMON"), QStringLiteral("IMAGE_USERICON_%1").arg(iconIndex), picture))
-    label->setPixmap(picture.scaled(72, 72, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+  const QPixmap picture = userIcon(iconIndex, 72);
+  if (!picture.isNull()) label->setPixmap(picture);
   return label;
 }
 
-QWidget* ModalScreen::nameRows(const QString& section, const std::array<const char*, 3>& captionNames,
-                               const std::array<const char*, 3>& captionKeys,
-                               const std::array<const char*, 3>& dataNames, const NameRows& names,
-                               std::array<QLabel*, 3>& captions, std::array<QLabel*, 3>& values) {
-  auto* box = new QWidget(this);
-  auto* grid = new QGridLayout(box);
-  grid->setContentsMargins(0, 0, 0, 0);
+QPixmap ModalScreen::userIcon(int iconIndex, int size) {
+  QPixmap picture;
+  if (iconIndex < 1 ||
+      !LoadIniPicture(QStringLiteral("VB_COMMON"), QStringLiteral("IMAGE_USERICON_%1").arg(iconIndex), picture))
+    return QPixmap();
+  const qreal ratio = qApp->devicePixelRatio();
+  const int pixels = qRound(size * ratio);
+  picture = picture.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+  picture.setDevicePixelRatio(ratio);
+  return picture;
+}
+
+QHBoxLayout* ModalScreen::userNameRows(const QString& section, const NameRowNames& spec, int iconIndex,
+                                       const NameRows& names, const std::array<QLabel**, 3>& captions,
+                                       const std::array<QLabel**, 3>& values) {
+  auto* row = new QHBoxLayout;
+  row->setSpacing(16);
+  row->addWidget(userIconLabel(spec.icon, iconIndex), 0, Qt::AlignVCenter);
+  auto* grid = new QGridLayout;
   grid->setHorizontalSpacing(16);
   grid->setVerticalSpacing(8);
   const std::array<QString, 3> texts{names.first, names.middle, names.last};
@@ -118,18 +129,33 @@ QWidget* ModalScreen::nameRows(const QString& section, const std::array<const ch
   QFont big = font();
   big.setPointSizeF(big.pointSizeF() * 1.25);
   big.setBold(true);
-  for (int i = 0; i < 3; ++i) {
-    captions[i] = captionLabel(captionNames[i], section, QLatin1String(captionKeys[i]));
-    values[i] = dataLabel(dataNames[i]);
-    values[i]->setText(texts[i]);
-    values[i]->setFont(big);
-    grid->addWidget(captions[i], i, 0, Qt::AlignLeft | Qt::AlignVCenter);
-    grid->addWidget(values[i], i, 1, Qt::AlignLeft | Qt::AlignVCenter);
-    captions[i]->setVisible(visible[i]);
-    values[i]->setVisible(visible[i]);
+  for (size_t i = 0; i < 3; ++i) {
+    QLabel* caption = captionLabel(spec.captions[i], section, QLatin1String(spec.captionKeys[i]));
+    QLabel* value = dataLabel(spec.values[i]);
+    value->setText(texts[i]);
+    value->setFont(big);
+    grid->addWidget(caption, static_cast<int>(i), 0, Qt::AlignLeft | Qt::AlignBaseline);
+    grid->addWidget(value, static_cast<int>(i), 1, Qt::AlignLeft | Qt::AlignBaseline);
+    caption->setVisible(visible[i]);
+    value->setVisible(visible[i]);
+    *captions[i] = caption;
+    *values[i] = value;
   }
   grid->setColumnStretch(1, 1);
-  return box;
+  row->addLayout(grid, 1);
+  return row;
+}
+
+QHBoxLayout* UserNameScreen::nameRowsOf(const QString& section, int iconIndex, const NameRows& names) {
+  static const NameRowNames kNames{"imgUserIcon",
+                                   {"lblFN", "lblMN", "lblLN"},
+                                   {"CAPTION_LBLFN", "CAPTION_LBLMN", "CAPTION_LBLLN"},
+                                   {"lblFNData", "lblMNData", "lblLNData"}};
+  // The honorific is part of the laid-out name; its own label stays out of sight.
+  lblSama = captionLabel("lblSama", section, QStringLiteral("CAPTION_LBLSAMA"));
+  lblSama->hide();
+  return userNameRows(section, kNames, iconIndex, names, {&lblFN, &lblMN, &lblLN},
+                      {&lblFNData, &lblMNData, &lblLNData});
 }
 
 QWidget* ModalScreen::buttonRow(std::initializer_list<QPushButton*> buttons) {

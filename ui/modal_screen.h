@@ -10,6 +10,7 @@
 
 #include "receive.h"
 
+class QHBoxLayout;
 class QLabel;
 class QPushButton;
 
@@ -33,13 +34,21 @@ class ModalScreen : public QDialog {
   QLabel* dataLabel(const char* name);
   // A user's icon (ICONINDEX 1..6) at the size of a list entry; empty when unknown.
   QLabel* userIconLabel(const char* name, int iconIndex);
-  // The three name rows of the receive and delete screens: caption labels named
-  // captionNames with captions from captionKeys, data labels named dataNames with the
-  // laid-out names; rows the edition hides are hidden. Returns the grid's widget.
-  QWidget* nameRows(const QString& section, const std::array<const char*, 3>& captionNames,
-                    const std::array<const char*, 3>& captionKeys,
-                    const std::array<const char*, 3>& dataNames, const NameRows& names,
-                    std::array<QLabel*, 3>& captions, std::array<QLabel*, 3>& values);
+  // The picture of a user's icon, size logical pixels square, sharp on high-density
+  // screens; null when it can't be read.
+  static QPixmap userIcon(int iconIndex, int size);
+  // One user as the receive and delete screens show them: the icon, then rows of caption
+  // and name (rows the edition hides are hidden). The controls' names come from spec;
+  // captions[i] and values[i] receive the labels.
+  struct NameRowNames {
+    const char* icon;
+    std::array<const char*, 3> captions;
+    std::array<const char*, 3> captionKeys;
+    std::array<const char*, 3> values;
+  };
+  QHBoxLayout* userNameRows(const QString& section, const NameRowNames& spec, int iconIndex,
+                            const NameRows& names, const std::array<QLabel**, 3>& captions,
+                            const std::array<QLabel**, 3>& values);
   // The row of buttons at the bottom right.
   QWidget* buttonRow(std::initializer_list<QPushButton*> buttons);
 
@@ -49,4 +58,24 @@ class ModalScreen : public QDialog {
   bool flagRaised_ = false;
   bool previousFlag_ = false;
   bool unloaded_ = false;
+};
+
+// A screen that shows one user's names in the rows lblFN/lblFNData, lblMN/lblMNData and
+// lblLN/lblLNData, with the honorific caption in lblSama.
+class UserNameScreen : public ModalScreen {
+  Q_OBJECT
+
+ public:
+  QLabel* lblFN = nullptr;
+  QLabel* lblMN = nullptr;
+  QLabel* lblLN = nullptr;
+  QLabel* lblFNData = nullptr;
+  QLabel* lblMNData = nullptr;
+  QLabel* lblLNData = nullptr;
+  QLabel* lblSama = nullptr;
+
+ protected:
+  UserNameScreen(const QString& name, QWidget* parent) : ModalScreen(name, parent) {}
+  // The icon and name rows of a user into the members above.
+  QHBoxLayout* nameRowsOf(const QString& section, int iconIndex, const NameRows& names);
 };

@@ -65,29 +65,14 @@ frmRecvMsgNewCPU::frmRecvMsgNewCPU(const RecvMsgNewCPU& logic, QWidget* parent)
 // ---------------------------------------------------------------- frmRecvMsgNewCPUSelectUser
 
 frmRecvMsgNewCPUSelectUser::frmRecvMsgNewCPUSelectUser(const RecvMsgNewCPUSelectUser& logic, QWidget* parent)
-    : ModalScreen(QStringLiteral("frmRecvMsgNewCPUSelectUser"), parent) {
+    : UserNameScreen(QStringLiteral("frmRecvMsgNewCPUSelectUser"), parent) {
   const QString& sec = kSectionNewCpuSelectUser;
   setWindowTitle(GetIniCaption(sec, QStringLiteral("CAPTION_TITLE")));
   QVBoxLayout* outer = Frame(this);
   lblRegist = Wrapped(captionLabel("lblRegist", sec, QStringLiteral("CAPTION_LBLREGIST")));
   outer->addWidget(lblRegist);
-  auto* who = new QHBoxLayout;
-  who->setSpacing(16);
-  who->addWidget(userIconLabel("imgUserIcon", logic.currentUser().ICONINDEX));
-  std::array<QLabel*, 3> captions{};
-  std::array<QLabel*, 3> values{};
-  who->addWidget(nameRows(sec, {"lblFN", "lblMN", "lblLN"}, {"CAPTION_LBLFN", "CAPTION_LBLMN", "CAPTION_LBLLN"},
-                          {"lblFNData", "lblMNData", "lblLNData"}, logic.names(), captions, values),
-                 1);
-  lblFN = captions[0];
-  lblMN = captions[1];
-  lblLN = captions[2];
-  lblFNData = values[0];
-  lblMNData = values[1];
-  lblLNData = values[2];
+  QHBoxLayout* who = nameRowsOf(sec, logic.currentUser().ICONINDEX, logic.names());
   outer->addLayout(who);
-  lblSama = captionLabel("lblSama", sec, QStringLiteral("CAPTION_LBLSAMA"));
-  lblSama->hide();
   outer->addStretch(1);
   btnReceive = captionButton("btnReceive", sec, QStringLiteral("CAPTION_BTNRECEIVE"));
   btnCancel = captionButton("btnCancel", sec, QStringLiteral("CAPTION_BTNCANCEL"));
@@ -100,31 +85,16 @@ frmRecvMsgNewCPUSelectUser::frmRecvMsgNewCPUSelectUser(const RecvMsgNewCPUSelect
 // ---------------------------------------------------------------- frmRecvMsgAlertUser
 
 frmRecvMsgAlertUser::frmRecvMsgAlertUser(const RecvMsgAlertUser& logic, QWidget* parent)
-    : ModalScreen(QStringLiteral("frmRecvMsgAlertUser"), parent) {
+    : UserNameScreen(QStringLiteral("frmRecvMsgAlertUser"), parent) {
   const QString& sec = kSectionAlertUser;
   setWindowTitle(GetIniCaption(sec, QStringLiteral("CAPTION_TITLE")));
   QVBoxLayout* outer = Frame(this);
-  std::array<QLabel*, 3> captions{};
-  std::array<QLabel*, 3> values{};
-
   frameReceiving = new QGroupBox(GetIniCaption(sec, QStringLiteral("CAPTION_FRAMERECEIVING")), this);
   frameReceiving->setObjectName(QStringLiteral("frameReceiving"));
   auto* owner = new QVBoxLayout(frameReceiving);
   lblRegist = Wrapped(captionLabel("lblRegist", sec, QStringLiteral("CAPTION_LBLREGIST")));
   owner->addWidget(lblRegist);
-  auto* ownerRow = new QHBoxLayout;
-  ownerRow->setSpacing(16);
-  ownerRow->addWidget(userIconLabel("imgOwnerIcon", logic.owner().ICONINDEX));
-  ownerRow->addWidget(nameRows(sec, {"lblFN", "lblMN", "lblLN"}, {"CAPTION_LBLFN", "CAPTION_LBLMN", "CAPTION_LBLLN"},
-                               {"lblFNData", "lblMNData", "lblLNData"}, logic.ownerNames(), captions, values),
-                      1);
-  owner->addLayout(ownerRow);
-  lblFN = captions[0];
-  lblMN = captions[1];
-  lblLN = captions[2];
-  lblFNData = values[0];
-  lblMNData = values[1];
-  lblLNData = values[2];
+  owner->addLayout(nameRowsOf(sec, logic.owner().ICONINDEX, logic.ownerNames()));
   outer->addWidget(frameReceiving);
 
   frameChange = new QGroupBox(GetIniCaption(sec, QStringLiteral("CAPTION_FRAMECHANGE")), this);
@@ -132,24 +102,13 @@ frmRecvMsgAlertUser::frmRecvMsgAlertUser(const RecvMsgAlertUser& logic, QWidget*
   auto* current = new QVBoxLayout(frameChange);
   lblChange = Wrapped(captionLabel("lblChange", sec, QStringLiteral("CAPTION_LBLCHANGE")));
   current->addWidget(lblChange);
-  auto* currentRow = new QHBoxLayout;
-  currentRow->setSpacing(16);
-  currentRow->addWidget(userIconLabel("imgCurrentIcon", logic.currentUser().ICONINDEX));
-  currentRow->addWidget(nameRows(sec, {"lblChangeFN", "lblChangeMN", "lblChangeLN"},
-                                 {"CAPTION_LBLCHGFN", "CAPTION_LBLCHGMN", "CAPTION_LBLCHGLN"},
-                                 {"lblCFNData", "lblCMNData", "lblCLNData"}, logic.currentNames(), captions, values),
-                        1);
-  current->addLayout(currentRow);
-  lblChangeFN = captions[0];
-  lblChangeMN = captions[1];
-  lblChangeLN = captions[2];
-  lblCFNData = values[0];
-  lblCMNData = values[1];
-  lblCLNData = values[2];
+  static const NameRowNames kCurrent{"imgCurrentIcon",
+                                     {"lblChangeFN", "lblChangeMN", "lblChangeLN"},
+                                     {"CAPTION_LBLCHGFN", "CAPTION_LBLCHGMN", "CAPTION_LBLCHGLN"},
+                                     {"lblCFNData", "lblCMNData", "lblCLNData"}};
+  current->addLayout(userNameRows(sec, kCurrent, logic.currentUser().ICONINDEX, logic.currentNames(),
+                                  {&lblChangeFN, &lblChangeMN, &lblChangeLN}, {&lblCFNData, &lblCMNData, &lblCLNData}));
   outer->addWidget(frameChange);
-
-  lblSama = captionLabel("lblSama", sec, QStringLiteral("CAPTION_LBLSAMA"));
-  lblSama->hide();
   outer->addStretch(1);
   btnReceive = captionButton("btnReceive", sec, QStringLiteral("CAPTION_BTNRECEIVE"));
   btnUsingAlertCancel = captionButton("btnUsingAlertCancel", sec, QStringLiteral("CAPTION_BTNUSINGALERTCANCEL"));
@@ -163,31 +122,15 @@ frmRecvMsgAlertUser::frmRecvMsgAlertUser(const RecvMsgAlertUser& logic, QWidget*
 // ---------------------------------------------------------------- frmRecvMsgAlertReset
 
 frmRecvMsgAlertReset::frmRecvMsgAlertReset(const RecvMsgAlertReset& logic, QWidget* parent)
-    : ModalScreen(QStringLiteral("frmRecvMsgAlertReset"), parent) {
+    : UserNameScreen(QStringLiteral("frmRecvMsgAlertReset"), parent) {
   const QString& sec = kSectionAlertReset;
   setWindowTitle(GetIniCaption(sec, QStringLiteral("CAPTION_TITLE")));
   QVBoxLayout* outer = Frame(this);
   lblRegist = Wrapped(captionLabel("lblRegist", sec, QStringLiteral("CAPTION_LBLREGIST")));
   outer->addWidget(lblRegist);
-  auto* who = new QHBoxLayout;
-  who->setSpacing(16);
-  who->addWidget(userIconLabel("imgUserIcon", logic.owner().ICONINDEX));
-  std::array<QLabel*, 3> captions{};
-  std::array<QLabel*, 3> values{};
-  who->addWidget(nameRows(sec, {"lblFN", "lblMN", "lblLN"}, {"CAPTION_LBLFN", "CAPTION_LBLMN", "CAPTION_LBLLN"},
-                          {"lblFNData", "lblMNData", "lblLNData"}, logic.ownerNames(), captions, values),
-                 1);
-  lblFN = captions[0];
-  lblMN = captions[1];
-  lblLN = captions[2];
-  lblFNData = values[0];
-  lblMNData = values[1];
-  lblLNData = values[2];
-  outer->addLayout(who);
+  outer->addLayout(nameRowsOf(sec, logic.owner().ICONINDEX, logic.ownerNames()));
   lblChange = Wrapped(captionLabel("lblChange", sec, QStringLiteral("CAPTION_LBLCHANGE")));
   outer->addWidget(lblChange);
-  lblSama = captionLabel("lblSama", sec, QStringLiteral("CAPTION_LBLSAMA"));
-  lblSama->hide();
   outer->addStretch(1);
   btnReceive = captionButton("btnReceive", sec, QStringLiteral("CAPTION_BTNRECEIVE"));
   btnUsingAlertCancel = captionButton("btnUsingAlertCancel", sec, QStringLiteral("CAPTION_BTNUSINGALERTCANCEL"));

@@ -29,26 +29,19 @@ class frmRecvMsgNewCPU : public ModalScreen {
 };
 
 // frmRecvMsgNewCPUSelectUser: a new recorder while a user is open.
-class frmRecvMsgNewCPUSelectUser : public ModalScreen {
+class frmRecvMsgNewCPUSelectUser : public UserNameScreen {
   Q_OBJECT
 
  public:
   explicit frmRecvMsgNewCPUSelectUser(const RecvMsgNewCPUSelectUser& logic, QWidget* parent = nullptr);
 
   QLabel* lblRegist = nullptr;
-  QLabel* lblFN = nullptr;
-  QLabel* lblMN = nullptr;
-  QLabel* lblLN = nullptr;
-  QLabel* lblFNData = nullptr;
-  QLabel* lblMNData = nullptr;
-  QLabel* lblLNData = nullptr;
-  QLabel* lblSama = nullptr;
   QPushButton* btnReceive = nullptr;
   QPushButton* btnCancel = nullptr;
 };
 
 // frmRecvMsgAlertUser: the recorder belongs to another user than the one open.
-class frmRecvMsgAlertUser : public ModalScreen {
+class frmRecvMsgAlertUser : public UserNameScreen {
   Q_OBJECT
 
  public:
@@ -57,12 +50,6 @@ class frmRecvMsgAlertUser : public ModalScreen {
   QGroupBox* frameReceiving = nullptr;
   QGroupBox* frameChange = nullptr;
   QLabel* lblRegist = nullptr;
-  QLabel* lblFN = nullptr;
-  QLabel* lblMN = nullptr;
-  QLabel* lblLN = nullptr;
-  QLabel* lblFNData = nullptr;
-  QLabel* lblMNData = nullptr;
-  QLabel* lblLNData = nullptr;
   QLabel* lblChange = nullptr;
   QLabel* lblChangeFN = nullptr;
   QLabel* lblChangeMN = nullptr;
@@ -70,13 +57,12 @@ class frmRecvMsgAlertUser : public ModalScreen {
   QLabel* lblCFNData = nullptr;
   QLabel* lblCMNData = nullptr;
   QLabel* lblCLNData = nullptr;
-  QLabel* lblSama = nullptr;
   QPushButton* btnReceive = nullptr;
   QPushButton* btnUsingAlertCancel = nullptr;
 };
 
 // frmRecvMsgAlertReset: the recorder may have been reset since its owner's last receive.
-class frmRecvMsgAlertReset : public ModalScreen {
+class frmRecvMsgAlertReset : public UserNameScreen {
   Q_OBJECT
 
  public:
@@ -84,13 +70,6 @@ class frmRecvMsgAlertReset : public ModalScreen {
 
   QLabel* lblRegist = nullptr;
   QLabel* lblChange = nullptr;
-  QLabel* lblFN = nullptr;
-  QLabel* lblMN = nullptr;
-  QLabel* lblLN = nullptr;
-  QLabel* lblFNData = nullptr;
-  QLabel* lblMNData = nullptr;
-  QLabel* lblLNData = nullptr;
-  QLabel* lblSama = nullptr;
   QPushButton* btnReceive = nullptr;
   QPushButton* btnUsingAlertCancel = nullptr;
 };

@@ -8,15 +8,15 @@
 #include <QMouseEvent>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <functional>
 
 #include "catalogue.h"
-#include "ini_picture.h"
 
 namespace {
 
 // Applies a filter on every change of a field's text, keeping the cursor near where it was.
-void FilterOnChange(QLineEdit* edit, QString (*filter)(const QString&)) {
-  QObject::connect(edit, &QLineEdit::textChanged, edit, [edit, filter](const QString& text) {
+void FilterOnChange(QLineEdit* edit, std::function<QString(const QString&)> filter) {
+  QObject::connect(edit, &QLineEdit::textChanged, edit, [edit, filter = std::move(filter)](const QString& text) {
     const QString kept = filter(text);
     if (kept == text) return;
     const int cursor = edit->cursorPosition() - static_cast<int>(text.size() - kept.size());
@@ -78,9 +78,8 @@ void UserFormDialog::build() {
     imgUserIcon[i]->setFixedSize(80, 80);
     imgUserIcon[i]->setAlignment(Qt::AlignCenter);
     imgUserIcon[i]->setCursor(Qt::PointingHandCursor);
-    QPixmap picture;
-    if (LoadIniPicture(QStringLiteral("VB_COMMON"), QStringLiteral("IMAGE_USERICON_%1").arg(i + 1), picture))
-      imgUserIcon[i]->setPixmap(picture.scaled(72, 72, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    const QPixmap picture = userIcon(i + 1, 72);
+    if (!picture.isNull()) imgUserIcon[i]->setPixmap(picture);
     imgUserIcon[i]->installEventFilter(this);
     optUserIcon[i] = new QRadioButton(frameSelectIcon);
     optUserIcon[i]->setObjectName(QStringLiteral("optUserIcon_%1").arg(i));
@@ -102,6 +101,9 @@ void UserFormDialog::build() {
     edit = new QLineEdit(this);
     edit->setObjectName(QString::fromLatin1(editName));
     edit->setAlignment(Qt::AlignRight);
+    // Figures are typed without the input method (names keep it on).
+    edit->setAttribute(Qt::WA_InputMethodEnabled, false);
+    edit->setInputMethodHints(Qt::ImhPreferNumbers);
     edit->setFixedWidth(110);
     edit->installEventFilter(this);
     grid->addWidget(edit, row, 1);
@@ -129,6 +131,10 @@ void UserFormDialog::build() {
   frameTarget->setVisible(logic_.targetsShown());
   outer->addWidget(frameTarget);
 
+  for (auto [edit, column] : {std::pair{txtFN, "FIRST_NAME"}, {txtMN, "MIDDLE_NAME"}, {txtLN, "LAST_NAME"}}) {
+    const int width = NameWidth(column);
+    if (width > 0) FilterOnChange(edit, [width](const QString& text) { return LimitCharacters(text, width); });
+  }
   FilterOnChange(txtActCalData, FilterWholeNumber);
   FilterOnChange(txtStepData, FilterWholeNumber);
   FilterOnChange(txtExerciseDate, FilterDecimalNumber);

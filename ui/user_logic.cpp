@@ -3,6 +3,7 @@
 #include "catalogue.h"
 #include "config.h"
 #include "helpers.h"
+#include "schema.h"
 #include "shared_values.h"
 #include "trace.h"
 #include "vbformat.h"
@@ -72,6 +73,19 @@ bool IsExerciseNumber(const QString& text) {
 QString FormatExerciseText(const QString& text) {
   if (!IsExerciseNumber(text)) return text;
   return Format(Val(text), QStringLiteral("#0.0"));
+}
+
+QString LimitCharacters(const QString& text, int maxCharacters) {
+  qsizetype end = 0;
+  for (int chars = 0; end < text.size() && chars < maxCharacters; ++chars) {
+    const bool pair = text[end].isHighSurrogate() && end + 1 < text.size() && text[end + 1].isLowSurrogate();
+    end += pair ? 2 : 1;
+  }
+  return text.left(end);
+}
+
+int NameWidth(const char* column) {
+  return ColumnWidth(QStringLiteral("USER"), QLatin1String(column));
 }
 
 // ---------------------------------------------------------------- registration / change

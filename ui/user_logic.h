@@ -24,6 +24,12 @@ bool IsExerciseNumber(const QString& text);
 // The exercise text as shown after leaving the field ("#0.0"); invalid text stays.
 QString FormatExerciseText(const QString& text);
 
+// The first maxCharacters characters of text; a character outside the basic plane counts
+// once, as a person sees it. The name fields keep to their columns' widths this way.
+QString LimitCharacters(const QString& text, int maxCharacters);
+// Width in characters of a name column of USER ("FIRST_NAME", "MIDDLE_NAME", "LAST_NAME").
+int NameWidth(const char* column);
+
 // The fields a check can send the focus to.
 enum class UserField { None, FirstName, ActCal, Step, Exercise };
 

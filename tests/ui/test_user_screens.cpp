@@ -103,6 +103,8 @@ TEST_F(UserScreens, TheRegistrationFormFiltersItsFiguresAndFocusesTheFieldThatFa
   screen.txtFN->setFocus();  // leaving the exercise field gives it its form
   EXPECT_EQ(screen.txtExerciseDate->text(), QStringLiteral("3.5"));
 
+  typeInto(&screen, "txtFN", QStringLiteral("あいうえおかきくけこさしすせそたちつてとな"));
+  EXPECT_EQ(screen.txtFN->text(), QStringLiteral("あいうえおかきくけこさしすせそたちつてと"));  // 20 characters
   typeInto(&screen, "txtFN", QStringLiteral("田中 三郎"));
   QTest::mouseClick(screen.imgUserIcon[3], Qt::LeftButton);  // the picture selects its option
   EXPECT_TRUE(screen.optUserIcon[3]->isChecked());
@@ -122,33 +124,25 @@ TEST_F(UserScreens, TheRegistrationFormFiltersItsFiguresAndFocusesTheFieldThatFa
   EXPECT_EQ(u.FIRST_NAME, QStringLiteral("田中 三郎"));
   EXPECT_EQ(u.ICONINDEX, 4);
   EXPECT_EQ(u.TARGET_STEP, QStringLiteral("2000"));
+  EXPECT_EQ(u.EXTRA1, QStringLiteral("3.5"));
+  EXPECT_EQ(u.EXTRA3, QStringLiteral("0"));
+  EXPECT_EQ(GetCurrentUserId(), screen.newUserId());
   const QString trace = inst->traceText();
   EXPECT_TRUE(trace.contains(QStringLiteral("frmUserRegist")) && trace.contains(QStringLiteral("Form_Load Start")) &&
               trace.contains(QStringLiteral("Form_Unload Start")));
 }
 
-TEST_F(UserScreens, TheEnglishFormHasThreeNamesAndNoTargets) {
-  setUpEdition(QStringLiteral("en"));
-  const QString id = addUser(QStringLiteral("Anna Maria Lee"), 2);
-  frmUserModify screen(*db, id);
-  open(screen);
-  EXPECT_FALSE(screen.frameTarget->isVisibleTo(&screen));
-  EXPECT_TRUE(screen.txtMN->isVisibleTo(&screen));
-  EXPECT_EQ(screen.txtMN->text(), QStringLiteral("Maria"));
-  EXPECT_TRUE(screen.optUserIcon[1]->isChecked());
-  typeInto(&screen, "txtLN", QString());
-  click(&screen, "btnUserModify");
-  EXPECT_TRUE(screen.isVisible());
-  EXPECT_TRUE(wasShown(QStringLiteral("UEDT-W-0005")));
-  typeInto(&screen, "txtLN", QStringLiteral("Park"));
-  click(&screen, "btnUserModify");
-  EXPECT_EQ(screen.result(), QDialog::Accepted);
-  UserInfo u;
-  ASSERT_TRUE(GetUserInfo(*db, u, id));
-  EXPECT_EQ(u.LAST_NAME, QStringLiteral("Park"));
-}
-
-TEST_F(UserScreens, DeletionClosesAfterThePressAndSaysWhomItDeleted) {
+TEST_F(UserScreens, DeletionAsksOnlyForAUserWithDaysAndClosesAfterThePress) {
+  const QString empty = addUser(QStringLiteral("記録 無し"));
+  SetCurrentUserId(empty);
+  {
+    frmUserDelete screen(*db);
+    open(screen);
+    click(&screen, "btnUserDelete");
+    EXPECT_EQ(screen.result(), QDialog::Accepted);
+    EXPECT_EQ(screen.deletedUserIds(), QStringList{empty});
+    EXPECT_TRUE(inst->dialog().shown.empty());  // no question
+  }
   const QString keep = addUser(QStringLiteral("記録 有り"));
   ASSERT_TRUE(StoreRecorderDays(*db, keep, recorder(4)).isEmpty());
   SetCurrentUserId(keep);
@@ -163,6 +157,7 @@ TEST_F(UserScreens, DeletionClosesAfterThePressAndSaysWhomItDeleted) {
     EXPECT_EQ(screen.result(), QDialog::Rejected);
     EXPECT_TRUE(screen.deletedUserIds().isEmpty());
   }
+  EXPECT_TRUE(wasShown(QStringLiteral("UDEL-W-0001")));
   EXPECT_EQ(days(keep), 4);
 
   inst->dialog().queueAnswer(kAnswerYes);
@@ -195,17 +190,25 @@ TEST_F(UserScreens, ANewRecorderWithNoUsersIsReceivedForAUserRegisteredOnTheSpot
 }
 
 TEST_F(UserScreens, CancellingTheNewRecorderQuestionStoresNothing) {
+  const QString before = addUser(QStringLiteral("前 から"));
   addUser(QStringLiteral("誰 か"));
+  SetCurrentUserId(before);
   place(recorder(3));
   ScreenScript script;
   script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnSelectUser"); });
-  script.then(QStringLiteral("frmUserSelectDialog"), [](QDialog* s) { click(s, "btnCancel"); });
+  script.then(QStringLiteral("frmUserSelectDialog"), [&](QDialog* s) {
+    auto* list = child<QListWidget>(s, "lvUserList");
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(0)).center());
+    EXPECT_NE(GetCurrentUserId(), before);
+    click(s, "btnCancel");
+  });
   script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnNewCPUCancel"); });
   const ReceiveReport r = receive(script);
   EXPECT_EQ(r.ending, ReceiveEnding::Cancelled);
   EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 0);
   EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM RECEIVE_HISTORY")), 0);
   EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM CPU_TABLE")), 0);
+  EXPECT_EQ(GetCurrentUserId(), before);  // a click in the selection does not outlast its cancel
 }
 
 TEST_F(UserScreens, ADoubleClickOnAUserInTheSelectionTakesThatUser) {
