@@ -3,5 +3,6 @@
 
 #include "csv_batch.h"
 #include "csv_export.h"
+#include "csv_forms.h"
 #include "csv_import.h"
 #include "progress_driver.h"

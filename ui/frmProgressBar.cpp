@@ -42,13 +42,14 @@ frmProgressBar::frmProgressBar(VtDatabase* db, QWidget* parent) : QDialog(parent
 
   driver_.setView(this);
   stateChanged();
+  modalBefore_ = GetModalFormOpen();
   SetModalFormOpen(true);
 }
 
 frmProgressBar::~frmProgressBar() {
   driver_.setView(nullptr);
   WriteTrace(QStringLiteral("0"), objectName(), QStringLiteral("Form_Unload Start"));
-  SetModalFormOpen(false);
+  SetModalFormOpen(modalBefore_);
 }
 
 void frmProgressBar::stateChanged() {

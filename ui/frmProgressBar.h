@@ -85,4 +85,5 @@ class frmProgressBar : public QDialog, private ProgressView {
 
   ProgressDriver driver_;
   bool started_ = false;
+  bool modalBefore_ = false;  // ModalFormOpen as it was, put back on closing
 };

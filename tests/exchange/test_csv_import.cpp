@@ -1,6 +1,8 @@
 // Reading CSV files back: the older layouts from hand-made samples, the round trip of
 // every kind in both editions, bad files refused whole, and the rules of file names.
 #include <QDir>
+#include <QFileInfo>
+#include <map>
 
 #include "exchange_fixture.h"
 
@@ -207,4 +209,181 @@ TEST_F(JapaneseImport, OlderLayoutsReadWithTheirScaleAndDateOrder) {
   EXPECT_TRUE(s.log.startsWith(QStringLiteral("フォルダ=")));
   EXPECT_TRUE(s.log.contains(QStringLiteral("CSVインポート成功@ファイル名=old12_Kate Moss_20090405.csv@利用者新規登録 "
                                             "ログインID=old12,氏名=Kate Moss,識別番号=U")));
+}
+
+namespace {
+
+// A good export of the sample user, as text, to be spoiled by the tests below.
+QString GoodExport(ExchangeTest& t, VtDatabase& db, TestInstallation& inst, const UserInfo& user) {
+  const QString path = inst.path(QStringLiteral("temp/good.csv"));
+  CsvExportOptions options;
+  options.encoding = CsvEncoding::Utf8;
+  QString error;
+  if (!MakeCSVData2(db, kCsvUser, QStringLiteral("20240624"), QStringLiteral("20240630"), QStringLiteral("20240630"),
+                    path, user, -1, 0, options, error))
+    return QString();
+  (void)t;
+  return QString::fromUtf8(ReadBytes(path));
+}
+
+void WriteFile(const QString& path, const QByteArray& bytes) {
+  QFile f(path);
+  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+  f.write(bytes);
+}
+
+}  // namespace
+
+// Each spoiled file is refused with the line at fault, stores nothing (not even its new
+// user), and the batch goes on to the next file.
+TEST_F(JapaneseImport, BadFilesAreRefusedWholeAndTheBatchGoesOn) {
+  StoreRecorder();
+  const QString good = GoodExport(*this, db_, *inst_, user_);
+  ASSERT_FALSE(good.isEmpty());
+  OpenFreshDatabase();
+  const QString folder = inst_->path(QStringLiteral("temp/bad"));
+  QDir().mkpath(folder);
+  QStringList lines = good.split(QStringLiteral("\r\n"));
+  auto spoiled = [&](int lineIndex, const QString& from, const QString& to) {
+    QStringList copy = lines;
+    copy[lineIndex].replace(from, to);
+    return copy.join(QStringLiteral("\r\n")).toUtf8();
+  };
+  struct Bad {
+    const char* file;
+    QByteArray bytes;
+    int line;
+  };
+  const std::vector<Bad> bad = {
+      {"a1_Kt_20240701.csv", spoiled(0, QStringLiteral("BRIO-JP"), QStringLiteral("Kt014")), 1},
+      {"a2_Date_20240701.csv", spoiled(4, QStringLiteral("2024/06/25"), QStringLiteral("2024/13/25")), 5},
+      {"a3_Minus_20240701.csv", spoiled(5, QStringLiteral(",4,9,"), QStringLiteral(",4,-9,")), 6},
+      {"a4_Huge_20240701.csv", spoiled(5, QStringLiteral(",4,9,"), QStringLiteral(",4,9123456789,")), 6},
+      {"a5_Cut_20240701.csv", good.left(good.indexOf(QStringLiteral("\r\n12:00,"))).toUtf8(), 378},
+      {"a6_Binary_20240701.csv", QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16), 1},
+      {"a7_Profile_20240701.csv", spoiled(30, QStringLiteral(","), QStringLiteral(",x")), 31},
+      {"a8_Empty_20240701.csv", QByteArray(), 1},
+  };
+  for (const Bad& b : bad) WriteFile(folder + u'/' + QString::fromUtf8(b.file), b.bytes);
+  WriteFile(folder + QStringLiteral("/z9_Good_20240701.csv"), good.toUtf8());
+
+  const CsvImportSummary s = Import(fresh_, {folder});
+  ASSERT_EQ(s.files.size(), bad.size() + 1);
+  for (size_t i = 0; i < bad.size(); ++i) {
+    SCOPED_TRACE(bad[i].file);
+    EXPECT_FALSE(s.files[i].imported);
+    EXPECT_EQ(s.files[i].errorLine, bad[i].line) << s.files[i].reason.toStdString();
+    EXPECT_TRUE(s.files[i].logLine.contains(QString::fromUtf8(bad[i].file)));
+    EXPECT_TRUE(s.files[i].logLine.contains(QStringLiteral("エラー行=%1行目").arg(bad[i].line)));
+  }
+  EXPECT_TRUE(s.files.back().imported) << s.files.back().logLine.toStdString();
+  EXPECT_EQ(s.filesImported, 1);
+  // Only the good file's user and days are there.
+  std::vector<UserInfo> users;
+  GetUserList(fresh_, kDefaultGroupId, users);
+  ASSERT_EQ(users.size(), 1u);
+  EXPECT_EQ(users[0].LOGIN_ID, QStringLiteral("z9"));
+  EXPECT_EQ(CountRows(fresh_, "DAY_MEASUREMENT"), 7);
+  EXPECT_EQ(CountRows(fresh_, "TIME_MEASUREMENT_BLOCK"), 7);
+}
+
+// Importing a file twice gives two receptions of the same user; the second one wins.
+TEST_F(JapaneseImport, ReimportAddsAReceptionThatWins) {
+  StoreRecorder();
+  const QString good = GoodExport(*this, db_, *inst_, user_);
+  OpenFreshDatabase();
+  const QString file = inst_->path(QStringLiteral("temp/hana_山田_20240701.csv"));
+  WriteFile(file, good.toUtf8());
+  ASSERT_EQ(Import(fresh_, {file}).filesImported, 1);
+  const CsvImportSummary again = Import(fresh_, {file});
+  ASSERT_EQ(again.filesImported, 1);
+  EXPECT_FALSE(again.files[0].userCreated);
+  EXPECT_TRUE(again.log.contains(QStringLiteral("@利用者更新 ログインID=hana,氏名=山田")));
+  std::vector<CsvRow> rows;
+  ASSERT_EQ(VTDB_GetChartDataForCSV(fresh_, again.files[0].userId, QStringLiteral("20240624"),
+                                    QStringLiteral("20240624"), rows),
+            2);
+  EXPECT_TRUE(rows[0].NewestOfDay);
+  EXPECT_EQ(rows[0].RECEIVE_ID, QStringLiteral("R000000002"));
+}
+
+TEST_F(JapaneseImport, FileNamesAndLoginIds) {
+  QString login;
+  QString name;
+  EXPECT_TRUE(ParseCsvFileName(QStringLiteral("/x/abc_Hana Mori_20070402.csv"), login, name));
+  EXPECT_EQ(login + u'|' + name, QStringLiteral("abc|Hana Mori"));
+  EXPECT_TRUE(ParseCsvFileName(QStringLiteral("Hana_20070402.CSV"), login, name));
+  EXPECT_EQ(login + u'|' + name, QStringLiteral("|Hana"));
+  EXPECT_FALSE(ParseCsvFileName(QStringLiteral("Hana_2007042.csv"), login, name));
+  EXPECT_FALSE(IsFileCsv(QStringLiteral("a.txt")));
+  EXPECT_TRUE(IsLoginIdText(QStringLiteral("ab-c")));
+  EXPECT_TRUE(IsLoginIdText(QStringLiteral("ａｂ")));
+  EXPECT_FALSE(IsLoginIdText(QStringLiteral("Ab09")));
+  for (const char* yes : {"0", "0.5", "10", "12.25"}) EXPECT_TRUE(IsNumericText(QString::fromLatin1(yes))) << yes;
+  for (const char* no : {"", "01", "1.", "1.2.3", "-1", "1e3", " 1"}) EXPECT_FALSE(IsNumericText(QString::fromLatin1(no))) << no;
+
+  // Names of 20 and login ids of 10 characters pass; one more is refused before reading.
+  StoreRecorder();
+  const QString good = GoodExport(*this, db_, *inst_, user_);
+  OpenFreshDatabase();
+  const QString dir = inst_->path(QStringLiteral("temp/names"));
+  QDir().mkpath(dir);
+  const QString name20 = QString(20, u'名');
+  for (const QString& f : {QStringLiteral("abcdefghij_") + name20, QStringLiteral("abcdefghijk_x"),
+                           QStringLiteral("k1_") + name20 + u'名', QStringLiteral("ログイン_x"), QString()})
+    WriteFile(dir + u'/' + f + QStringLiteral("_20240701.csv"), good.toUtf8());
+  const CsvImportSummary s = Import(fresh_, {dir});
+  ASSERT_EQ(s.files.size(), 5u);
+  std::map<QString, QString> reasons;
+  for (const auto& r : s.files) reasons[QFileInfo(r.path).fileName()] = r.imported ? QStringLiteral("ok") : r.reason;
+  EXPECT_EQ(reasons[QStringLiteral("abcdefghij_") + name20 + QStringLiteral("_20240701.csv")], QStringLiteral("ok"));
+  EXPECT_EQ(reasons[QStringLiteral("abcdefghijk_x_20240701.csv")], QStringLiteral("ファイル名のログインIDまたは氏名が長すぎます"));
+  EXPECT_EQ(reasons[QStringLiteral("k1_") + name20 + QStringLiteral("名_20240701.csv")],
+            QStringLiteral("ファイル名のログインIDまたは氏名が長すぎます"));
+  EXPECT_EQ(reasons[QStringLiteral("ログイン_x_20240701.csv")], QStringLiteral("ログインIDに使用できない文字があります"));
+  EXPECT_EQ(reasons[QStringLiteral("_20240701.csv")], QStringLiteral("氏名がファイル名にありません"));
+
+  // Without a login id one is made from the prefix and the counter, which is kept.
+  const QString plain = inst_->path(QStringLiteral("temp/Hana_20240701.csv"));
+  WriteFile(plain, good.toUtf8());
+  const CsvImportSummary made = Import(fresh_, {plain});
+  ASSERT_EQ(made.filesImported, 1) << made.log.toStdString();
+  EXPECT_EQ(made.files[0].loginId, Ini_GetCsvLoginIdPrefix().right(4) + QStringLiteral("%1").arg(Ini_GetCsvLoginIdMax().toInt(), 6, 10, QLatin1Char('0')));
+  const int counter = Ini_GetCsvLoginIdMax().toInt();
+  ASSERT_EQ(Import(fresh_, {plain}).filesImported, 1);
+  EXPECT_EQ(Ini_GetCsvLoginIdMax().toInt(), counter + 1);
+
+  // The instructor's login id is refused.
+  const QString instructor = inst_->path(QStringLiteral("temp/INSTRUCTOR_x_20240701.csv"));
+  WriteFile(instructor, good.toUtf8());
+  UserRecord teacher = SampleUser(kInstructorUserId);
+  teacher.GROUP_ID = kInstructorGroupId;
+  teacher.LOGIN_ID = QStringLiteral("INSTRUCTOR");
+  teacher.FIRST_NAME = QStringLiteral("先生");
+  VTDB_SetUserInfo(fresh_, teacher);
+  const CsvImportSummary refused = Import(fresh_, {instructor});
+  EXPECT_EQ(refused.files[0].reason, QStringLiteral("指導者と同じログインIDです"));
+}
+
+// A store failure in the middle of a file (the fifth day cannot be written) takes back
+// the whole file, the user it registered included.
+TEST_F(JapaneseImport, AStoreFailureMidFileTakesBackTheUserToo) {
+  StoreRecorder();
+  const QString good = GoodExport(*this, db_, *inst_, user_);
+  OpenFreshDatabase();
+  fresh_.exec(QStringLiteral("CREATE TRIGGER refuse_day BEFORE INSERT ON DAY_MEASUREMENT "
+                             "WHEN NEW.MEASUREMENT_DAY = '20240628' BEGIN SELECT RAISE(ABORT, 'disk says no'); END"));
+  const QString file = inst_->path(QStringLiteral("temp/hana_山田_20240701.csv"));
+  WriteFile(file, good.toUtf8());
+  const CsvImportSummary s = Import(fresh_, {file});
+  ASSERT_EQ(s.filesImported, 0);
+  EXPECT_EQ(s.files[0].reason, QStringLiteral("不正なデータがありました"));
+  EXPECT_EQ(VTDB_SearchUserIdFromLoginID(fresh_, QStringLiteral("hana")), QString());
+  EXPECT_EQ(CountRows(fresh_, "DAY_MEASUREMENT"), 0);
+  EXPECT_EQ(CountRows(fresh_, "TIME_MEASUREMENT_BLOCK"), 0);
+  EXPECT_EQ(CountRows(fresh_, "RECEIVE_HISTORY_DATE"), 0);
+  // Once the store takes days again the same file goes in whole.
+  fresh_.exec(QStringLiteral("DROP TRIGGER refuse_day"));
+  EXPECT_EQ(Import(fresh_, {file}).filesImported, 1);
+  EXPECT_EQ(CountRows(fresh_, "DAY_MEASUREMENT"), 7);
 }

@@ -1,1 +1,146 @@
+// The progress driver: its bar, its cancel between users, and the operations it runs.
+#include <QDir>
+
 #include "exchange_fixture.h"
+
+namespace {
+
+// Stands in for the screen: records what it was asked to show and presses Cancel once
+// the bar has reached a given value.
+class ScriptedView : public ProgressView {
+ public:
+  explicit ScriptedView(ProgressDriver& d, int cancelAt = -1) : driver_(d), cancelAt_(cancelAt) {}
+  void stateChanged() override { values.push_back(driver_.value()); }
+  void processEvents() override {
+    ++pumps;
+    if (cancelAt_ >= 0 && driver_.value() >= cancelAt_) driver_.cancelClicked();
+  }
+  std::vector<int> values;
+  int pumps = 0;
+
+ private:
+  ProgressDriver& driver_;
+  int cancelAt_;
+};
+
+class ProgressTest : public ExchangeTest {
+ protected:
+  void SetUp() override {
+    SetUpEdition(QStringLiteral("ja"));
+    StoreRecorder();
+    for (const char* id : {"U000000002", "U000000003"}) {
+      UserRecord u = SampleUser(QString::fromLatin1(id));
+      u.LOGIN_ID = QString::fromLatin1(id).right(4);
+      u.FIRST_NAME = QStringLiteral("利用者") + u.LOGIN_ID;
+      u.NICK_NAME.clear();
+      ASSERT_TRUE(VTDB_SetUserInfo(db_, u));
+      RecorderImageOptions o;
+      o.kind = PMKIND_BRIO_ZR;
+      o.days = 3;
+      ASSERT_TRUE(StoreRecorderDays(db_, QString::fromLatin1(id), o).isEmpty());
+    }
+  }
+};
+
+}  // namespace
+
+TEST_F(ProgressTest, BarStaysWithinItsMaximumAndEveryStepLetsEventsThrough) {
+  ProgressDriver d;
+  ScriptedView view(d);
+  d.setView(&view);
+  d.ProcSetParam(QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"), 10, 8, true);
+  d.CntUpProgressbar(1);
+  d.CntUpProgressbar(5);
+  EXPECT_EQ(d.value(), 10);
+  d.SetProgressbarValue(-3);
+  EXPECT_EQ(d.value(), 0);
+  d.SetProgressbarValueMax();
+  EXPECT_EQ(d.value(), 10);
+  EXPECT_EQ(view.pumps, 4);
+  // Operation 0 runs nothing: the caller drives the bar itself.
+  EXPECT_EQ(d.run(), 0);
+  EXPECT_FALSE(d.hasRun());
+}
+
+TEST_F(ProgressTest, CancelDuringExportEndsAfterTheCurrentUserAndKeepsItsFile) {
+  const QString folder = inst_->path(QStringLiteral("temp/cancel"));
+  QDir().mkpath(folder);
+  ProgressDriver d(&db_);
+  ScriptedView view(d, 1);
+  d.setView(&view);
+  d.ProcSetExecParam(ProgressDriver::kCsvExport, QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"), 3, 0,
+                     true);
+  d.ProcSetCSVExportParam(QStringLiteral("20240101"), QStringLiteral("20241231"), 0, folder,
+                          {kCsvUser, QStringLiteral("U000000002"), QStringLiteral("U000000003")});
+  d.run();
+  int written = 0;
+  QString log;
+  int result = 0;
+  d.ProcGetCSVExportParam(written, log, result);
+  EXPECT_TRUE(d.ProcGetCancelParam());
+  EXPECT_EQ(written, 1);
+  EXPECT_EQ(QDir(folder).entryList(QDir::Files).size(), 1);
+  EXPECT_NE(result, 0);
+}
+
+TEST_F(ProgressTest, ImportRunsThroughTheDriverAndReportsItsCounts) {
+  const QString folder = inst_->path(QStringLiteral("temp/roundtrip"));
+  QDir().mkpath(folder);
+  NullProgress none;
+  QString log;
+  ASSERT_EQ(CSVBatchExport(db_, QStringLiteral("20240101"), QStringLiteral("20241231"), 1, folder,
+                           {QStringLiteral("U000000002"), QStringLiteral("U000000003")}, none, log),
+            2);
+  ASSERT_EQ(DeleteUser(db_, QStringLiteral("U000000002"), true), 0);
+  ProgressDriver d(&db_);
+  d.ProcSetExecParam(ProgressDriver::kCsvImport, QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"), 1, 0,
+                     true);
+  d.ProcSetCSVImportParam(folder);
+  EXPECT_EQ(d.run(), 0);
+  int read = 0;
+  int imported = 0;
+  int result = -1;
+  d.ProcGetCSVImportParam(read, imported, log, result);
+  EXPECT_EQ(read, 2);
+  EXPECT_EQ(imported, 2);
+  EXPECT_TRUE(log.contains(QStringLiteral("利用者新規登録 ログインID=0002")));
+  EXPECT_TRUE(log.contains(QStringLiteral("利用者更新 ログインID=0003")));
+}
+
+TEST_F(ProgressTest, DeleteGroupRemovesItsUsersThenTheGroup) {
+  GroupInfo g;
+  ASSERT_TRUE(GetGroupInfo(db_, g, kDefaultGroupId));
+  ProgressDriver d(&db_);
+  ScriptedView view(d);
+  d.setView(&view);
+  d.ProcSetExecParam(ProgressDriver::kDeleteGroup, QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"), 1,
+                     0, false);
+  d.ProcSetGroupId(kDefaultGroupId);
+  EXPECT_EQ(d.run(), 0);
+  std::vector<UserInfo> users;
+  GetUserList(db_, kDefaultGroupId, users);
+  EXPECT_TRUE(users.empty());
+  EXPECT_EQ(d.value(), d.maximum());
+  EXPECT_GE(view.pumps, 3);  // once per user at least
+}
+
+TEST_F(ProgressTest, CompactionRunsOnTheClosedFileAndFillsTheBar) {
+  db_.close();
+  ProgressDriver d;
+  ScriptedView view(d);
+  d.setView(&view);
+  d.ProcSetExecParam(ProgressDriver::kCompact, QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"),
+                     kCompactProgressMaximum, 0, false);
+  d.ProcSetCompactDB(inst_->dbFile());
+  EXPECT_EQ(d.run(), 0);
+  EXPECT_EQ(d.value(), kCompactProgressMaximum);
+  // The compacted file still holds the user's days.
+  db_.open(inst_->dbFile(), kDefaultDbPassword);
+  std::vector<CsvRow> rows;
+  EXPECT_EQ(VTDB_GetChartDataForCSV(db_, kCsvUser, QStringLiteral("20240101"), QStringLiteral("20241231"), rows), 8);
+  // A missing file gives -1.
+  ProgressDriver missing;
+  missing.ProcSetExecParam(ProgressDriver::kCompact, QString(), QString(), QString(), 100, 0, false);
+  missing.ProcSetCompactDB(inst_->path(QStringLiteral("data/mdb/none.db")));
+  EXPECT_EQ(missing.run(), -1);
+}
