@@ -206,6 +206,9 @@ void frmTerminal::buildMenus() {
   menu(mnuMenuJob, "mnuMenuJob", "MENU_JOB");
   entry(mnuMenuJob, mnuReceive, "mnuReceive", "MENU_JOB_DOWNLOAD");
   entry(mnuMenuJob, mnuReport, "mnuReport", "MENU_JOB_REPORT");
+  mnuMenuJob->addSeparator();
+  entry(mnuMenuJob, mnuCsvExport, "mnuCsvExport", "MENU_JOB_CSV_EXPORT");
+  entry(mnuMenuJob, mnuCsvImport, "mnuCsvImport", "MENU_JOB_CSV_IMPORT");
 
   menu(mnuMenuMove, "mnuMenuMove", "MENU_MOVE");
   entry(mnuMenuMove, mnuUserList, "mnuUserList", "MENU_MOVE_USERLIST");
@@ -228,6 +231,16 @@ void frmTerminal::buildMenus() {
     ReceiveFromMenu();
   });
   connect(mnuReport, &QAction::triggered, this, [this] { mnuReport_Click(false); });
+  connect(mnuCsvExport, &QAction::triggered, this, [this] {
+    Trace0(QStringLiteral("mnuCsvExport_Click Start"));
+    if (actions_.csvExport) actions_.csvExport();
+  });
+  connect(mnuCsvImport, &QAction::triggered, this, [this] {
+    Trace0(QStringLiteral("mnuCsvImport_Click Start"));
+    if (!actions_.csvImport) return;
+    actions_.csvImport();
+    if (GetScreenState() == kStateUserSelect) FillUserList(GetCurrentGroupId(), true);
+  });
   connect(mnuUserList, &QAction::triggered, this, [this] {
     Trace0(QStringLiteral("mnuUserList_Click Start"));
     LeaveJobScreen();
@@ -617,6 +630,11 @@ void frmTerminal::UpdateMenuState(const QString& dataState) {
   mnuReport->setEnabled(m.report && static_cast<bool>(actions_.print));
   mnuUserList->setEnabled(m.userList);
   mnuBack->setEnabled(m.back);
+  // Export needs a user to write; import registers users, so it belongs to the list.
+  const bool userList = GetScreenState() == kStateUserSelect;
+  mnuCsvExport->setEnabled(static_cast<bool>(actions_.csvExport) &&
+                           ((userList && groupHasUsers_) || GetScreenState() == kStateJob));
+  mnuCsvImport->setEnabled(static_cast<bool>(actions_.csvImport) && userList);
   mnuHelp->setEnabled(static_cast<bool>(actions_.help));
   mnuVersion->setEnabled(static_cast<bool>(actions_.version));
   mnuHealthyDiary->setEnabled(static_cast<bool>(actions_.healthyDiary));

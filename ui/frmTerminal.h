@@ -108,6 +108,8 @@ class frmTerminal : public QMainWindow {
     std::function<void()> version;               // mnuVersion
     std::function<void()> healthyDiary;          // mnuHealthyDiary
     std::function<void()> simulation;            // btnSimulation
+    std::function<void()> csvExport;             // mnuCsvExport (the current user, if any)
+    std::function<void()> csvImport;             // mnuCsvImport; the list is filled again after it
   };
   void setActions(Actions actions);
 
@@ -129,6 +131,8 @@ class frmTerminal : public QMainWindow {
   QMenu* mnuMenuJob = nullptr;
   QAction* mnuReceive = nullptr;
   QAction* mnuReport = nullptr;
+  QAction* mnuCsvExport = nullptr;
+  QAction* mnuCsvImport = nullptr;
   QMenu* mnuMenuMove = nullptr;
   QAction* mnuUserList = nullptr;
   QAction* mnuBack = nullptr;

@@ -43,6 +43,16 @@ TEST_F(TerminalTest, AFirstStartShowsTheEmptyUserListWithOnlyRegistrationOffered
   EXPECT_EQ(w.minimumSize(), QSize(800, 600));
   EXPECT_EQ(w.maximumSize(), QSize(1600, 1200));
   EXPECT_TRUE(w.timerPolling->isActive());
+  // Entries whose screens come from elsewhere wait for their action.
+  EXPECT_FALSE(w.mnuCsvImport->isEnabled());
+  int imports = 0;
+  frmTerminal::Actions actions;
+  actions.csvImport = [&imports] { ++imports; };
+  w.setActions(actions);
+  EXPECT_TRUE(w.mnuCsvImport->isEnabled());
+  EXPECT_FALSE(w.mnuCsvExport->isEnabled()) << "nobody to export";
+  w.mnuCsvImport->trigger();
+  EXPECT_EQ(imports, 1);
 }
 
 TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUserWithoutQuestions) {
