@@ -53,6 +53,21 @@ TEST_F(TerminalTest, AFirstStartShowsTheEmptyUserListWithOnlyRegistrationOffered
   EXPECT_FALSE(w.mnuCsvExport->isEnabled()) << "nobody to export";
   w.mnuCsvImport->trigger();
   EXPECT_EQ(imports, 1);
+
+  // Quit: a stop asked for by the user, the working connection closed, polling ended.
+  QSignalSpy quit(&w, &frmTerminal::quitRequested);
+  QSignalSpy closing(&w, &frmTerminal::queryClose);
+  SetReceiveRunning(true);
+  w.close();
+  EXPECT_TRUE(w.isVisible()) << "no closing in the middle of a receive";
+  EXPECT_EQ(closing.count(), 0);
+  SetReceiveRunning(false);
+  w.mnuQuit->trigger();
+  EXPECT_FALSE(w.isVisible());
+  EXPECT_EQ(quit.count(), 1);
+  ASSERT_EQ(closing.count(), 1);
+  EXPECT_EQ(closing.first().at(0).toInt(), 0);
+  EXPECT_FALSE(w.timerPolling->isActive());
 }
 
 TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUserWithoutQuestions) {
