@@ -2,19 +2,20 @@
 // which makes bin/ the working directory, so that ACTA.res, menu.res and the
 // relative paths of config.cnf are found.
 #include <QApplication>
-#include <QEvent>
 #include <QFont>
 #include <QMessageBox>
 #include <QPixmap>
-#include <QProgressDialog>
 #include <QSplashScreen>
 
 #include "catalogue.h"
 #include "chartmaker.h"
 #include "config.h"
+#include "csv_dialogs.h"
 #include "frmTerminal.h"
 #include "helpers.h"
+#include "desktop_screens.h"
 #include "qt_dialog.h"
+#include "receive_screens.h"
 #include "shared_values.h"
 #include "startup.h"
 #include "store.h"
@@ -29,46 +30,6 @@ void ShowSplash() {
   QApplication::processEvents();
   splash.close();
 }
-
-// Tells the closing stages how the main window was closed: by the user (mode 0) or by
-// the session ending.
-class CloseWatcher : public QObject {
- public:
-  explicit CloseWatcher(ClosingStages& closing) : closing_(closing) {}
-
- protected:
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() == QEvent::Close && !closing_.queryCloseDone()) {
-      closing_.queryClose(qApp->isSavingSession() ? 1 : 0);
-    }
-    return QObject::eventFilter(watched, event);
-  }
-
- private:
-  ClosingStages& closing_;
-};
-
-// The modal bar of the compaction at the end of the run.
-class CompactionProgress : public ProgressInterface {
- public:
-  CompactionProgress() {
-    bar_.setWindowModality(Qt::ApplicationModal);
-    bar_.setCancelButton(nullptr);
-    bar_.setMinimumDuration(0);
-    bar_.setWindowTitle(QApplication::applicationName());
-  }
-  void setMaximum(int maximum) override { bar_.setMaximum(maximum); }
-  void setValue(int value) override {
-    bar_.setValue(value);
-    QApplication::processEvents();
-  }
-  void setStatus(const QString& caption) override { bar_.setLabelText(caption); }
-  bool cancelRequested() override { return false; }
-  void yield() override { QApplication::processEvents(); }
-
- private:
-  QProgressDialog bar_;
-};
 
 void ApplyCommonFont() {
   const QString family = GetCommonFontName();
@@ -93,28 +54,34 @@ int Run(QApplication& app, QtDialog& dialogs) {
 
   VtDatabase db;
   ClosingStages closing(db, chart);
-  frmTerminal w;
+  std::unique_ptr<TavoReader> reader = CreateConfiguredReader();
+  EventLoopDeviceClock clock;
+  QtUserScreens screens(db);
+  frmTerminal w(TerminalServices{db, chart, *reader, clock, screens});
   dialogs.setParent(&w);
-  if (!OpenWorkingDatabase(db)) return 1;
-  // The closing stages write the sort order back, so it has to hold the stored one.
-  SetUserSortOrder(static_cast<std::int16_t>(Ini_GetSortOrder()));
+  if (!w.Form_Load()) return 1;
+  frmTerminal::Actions actions;
+  actions.csvExport = [&db, &w] { ShowCsvExport(db, GetCurrentUserId(), &w); };
+  actions.csvImport = [&db, &w] { ShowCsvImport(db, &w); };
+  w.setActions(std::move(actions));
+  QObject::connect(&w, &frmTerminal::quitRequested, [&closing] { closing.requestQuit(); });
+  QObject::connect(&w, &frmTerminal::queryClose, [&closing](int mode) { closing.queryClose(mode); });
 
-  CloseWatcher watcher(closing);
-  w.installEventFilter(&watcher);
   w.show();
   const int rc = app.exec();
-  w.removeEventFilter(&watcher);
   dialogs.setParent(nullptr);
   if (!closing.queryCloseDone()) closing.queryClose(1);
 
-  CompactionProgress progress;
-  if (closing.closeMainScreen(progress) == StartupSequence::Outcome::Stop) return 1;
+  if (closing.closeMainScreen([] { return CompactInProgressBar(nullptr); }) == StartupSequence::Outcome::Stop)
+    return 1;
   return rc;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Fractional screen scales as they are: the chart is drawn at the device pixel ratio.
+  QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
   QApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("vantora"));
   QApplication::setApplicationVersion(QStringLiteral(VANTORA_VERSION));

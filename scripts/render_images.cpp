@@ -169,7 +169,7 @@ void writeGif(const std::vector<QImage>& frames, const std::vector<QColor>& pale
     out.append(static_cast<char>(c.green()));
     out.append(static_cast<char>(c.blue()));
   }
-  out.append(QByteArray::fromHex("21FF0B4E45545343415045322E3003010000"));  // loop forever
+  out.append(QByteArray::fromHex("21FF0B4E45545343415045322E300301000000"));  // loop forever
   for (const QImage& f : frames) {
     out.append(QByteArray::fromHex("21F904"));
     out.append('\x04');

@@ -1,49 +1,174 @@
 #include "frmTerminal.h"
 
 #include <QAction>
+#include <QActionGroup>
+#include <QApplication>
 #include <QCloseEvent>
+#include <QDateEdit>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QHBoxLayout>
 #include <QIcon>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QListWidget>
 #include <QMenuBar>
-#include <QPalette>
-#include <QPixmap>
+#include <QPainter>
+#include <QScreen>
+#include <QStackedWidget>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include "catalogue.h"
+#include "chart_result.h"
+#include "form_look.h"
+#include "config.h"
+#include "helpers.h"
+#include "ini_picture.h"
+#include "make_chart.h"
+#include "receive_screens.h"
 #include "shared_values.h"
+#include "startup.h"
 #include "trace.h"
 
 namespace {
 
-QString title() {
-  const auto rec = FindMessage(QStringLiteral("TITL-I-0001"));
-  return rec ? rec->text1 : QString();
-}
+const QString kSection = QStringLiteral("USERSELECTION");
+const QString kFormName = QStringLiteral("frmTerminal");
 
-QColor fromVbColor(std::uint32_t c) {
+QString Caption(const char* key) { return GetIniCaption(kSection, QString::fromLatin1(key)); }
+
+void Trace0(const QString& text) { WriteTrace(QStringLiteral("0"), kFormName, text); }
+
+QColor FromVbColor(std::uint32_t c) {
   return QColor(static_cast<int>(c & 0xff), static_cast<int>((c >> 8) & 0xff),
                 static_cast<int>((c >> 16) & 0xff));
 }
 
+void Fill(QWidget* w, const QString& colourKey) {
+  const std::uint32_t c = GetIniBackColor(kSection, colourKey);
+  if (c == 0) return;
+  QPalette pal = w->palette();
+  pal.setColor(QPalette::Window, FromVbColor(c));
+  w->setPalette(pal);
+  w->setAutoFillBackground(true);
+}
+
+// The window size class of a work area: "2" from 1280x1024, "1" from 1024x768, else "0".
+QString ScreenClassOf(const QSize& area) {
+  if (area.width() >= 1280 && area.height() >= 1024) return QStringLiteral("2");
+  if (area.width() >= 1024 && area.height() >= 768) return QStringLiteral("1");
+  return QStringLiteral("0");
+}
+
+QString ScreenClassSuffix() {
+  const QString c = GetScreenClass();
+  if (c == QLatin1String("2")) return QStringLiteral("SXGA");
+  if (c == QLatin1String("1")) return QStringLiteral("XGA");
+  return QStringLiteral("SVGA");
+}
+
+// A date as the screen shows it. The configured form escapes literal characters with a
+// backslash ("yyyy\/MM\/dd"); Qt quotes them.
+QString ScreenDate(const QDate& date) {
+  const QString configured = GetCommonScreenDateFormat();
+  if (configured.isEmpty()) return date.toString(QStringLiteral("yyyy/MM/dd"));
+  QString format;
+  for (qsizetype i = 0; i < configured.size(); ++i) {
+    if (configured[i] == QLatin1Char('\\') && i + 1 < configured.size()) {
+      format += QLatin1Char('\'') + configured[++i] + QLatin1Char('\'');
+    } else {
+      format += configured[i];
+    }
+  }
+  return date.toString(format);
+}
+
+// A button with an up and a down picture: the down picture shows while it is checked.
+QToolButton* PictureButton(QWidget* parent, const char* name, const QString& caption,
+                           const QString& tooltip, int iconSize) {
+  auto* b = new QToolButton(parent);
+  b->setObjectName(QString::fromLatin1(name));
+  b->setText(caption);
+  if (!tooltip.isEmpty()) b->setToolTip(tooltip);
+  b->setToolButtonStyle(caption.isEmpty() ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextUnderIcon);
+  b->setIconSize(QSize(iconSize, iconSize));
+  b->setAutoRaise(true);
+  b->setFocusPolicy(Qt::StrongFocus);
+  return b;
+}
+
+void SetPictures(QToolButton* b, const QString& upKey, const QString& downKey) {
+  QPixmap up;
+  QPixmap down;
+  const bool hasUp = LoadIniPicture(kSection, upKey, up);
+  const bool hasDown = LoadIniPicture(kSection, downKey, down);
+  if (!hasUp && !hasDown) return;
+  QIcon icon;
+  if (hasUp) icon.addPixmap(up, QIcon::Normal, QIcon::Off);
+  icon.addPixmap(hasDown ? down : up, QIcon::Normal, QIcon::On);
+  b->setIcon(icon);
+}
+
+void SetDown(QToolButton* b, bool down) {
+  b->setCheckable(true);
+  b->setChecked(down);
+}
+
 }  // namespace
 
-frmTerminal::frmTerminal(QWidget* parent) : QMainWindow(parent) {
-  setObjectName(QStringLiteral("frmTerminal"));
-  WriteTrace(QStringLiteral("0"), objectName(), QStringLiteral("Form_Load Start"));
-  setWindowTitle(title());
-  const QString icon = GetIniPicturePath(QStringLiteral("VB_COMMON"), QStringLiteral("FORM_ICON"));
-  if (!icon.isEmpty()) setWindowIcon(QIcon(icon));
-  setMinimumSize(800, 600);
-  setMaximumSize(1600, 1200);
-  resize(1024, 768);
-  buildMenus();
-  buildWelcome();
-  applyCommonLook();
+// ---------------------------------------------------------------- chart view
+
+ChartView::ChartView(ChartMaker& maker, QWidget* parent) : QWidget(parent), maker_(maker) {
+  setObjectName(QStringLiteral("pictureContents"));
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setMinimumSize(320, 200);
 }
 
-void frmTerminal::closeEvent(QCloseEvent* event) {
-  WriteTrace(QStringLiteral("0"), objectName(), QStringLiteral("Form_Unload Start"));
-  QMainWindow::closeEvent(event);
+ChartView::~ChartView() { maker_.forgetSurface(this); }
+
+void ChartView::showChart(const QImage& image) {
+  image_ = image;
+  if (!painting_) update();
 }
+
+void ChartView::clearChart() {
+  maker_.forgetSurface(this);
+  image_ = QImage();
+  update();
+}
+
+void ChartView::paintEvent(QPaintEvent*) {
+  const QSize wanted = (QSizeF(size()) * devicePixelRatioF()).toSize();
+  if (maker_.hasChart(this) && image_.size() != wanted) {
+    // The library keeps the last chart: paint it again at the new size.
+    painting_ = true;
+    ChartReMakePersonal(maker_, *this);
+    painting_ = false;
+  }
+  QPainter p(this);
+  p.fillRect(rect(), Qt::white);
+  if (!image_.isNull()) p.drawImage(QPoint(0, 0), image_);
+}
+
+// ---------------------------------------------------------------- construction
+
+frmTerminal::frmTerminal(const TerminalServices& services, QWidget* parent)
+    : QMainWindow(parent), s_(services) {
+  setObjectName(kFormName);
+  const QString icon = GetIniPicturePath(QStringLiteral("VB_COMMON"), QStringLiteral("FORM_ICON"));
+  if (!icon.isEmpty()) setWindowIcon(QIcon(icon));
+  setWindowTitle(Caption("CAPTION_TITLE"));
+  buildMenus();
+  buildPanes();
+  applyCommonLook();
+  timerPolling = new QTimer(this);
+  timerPolling->setObjectName(QStringLiteral("timerPolling"));
+  connect(timerPolling, &QTimer::timeout, this, [this] { timerPolling_Timer(); });
+}
+
+frmTerminal::~frmTerminal() { deleteChartFiles(); }
 
 void frmTerminal::buildMenus() {
   auto menu = [this](QMenu*& m, const char* name, const char* key) {
@@ -66,67 +191,1008 @@ void frmTerminal::buildMenus() {
   entry(mnuDisplay, mnuNameDescend, "mnuNameDescend", "MENU_DISPLAY_ALPHABET_DESC");
   entry(mnuDisplay, mnuRegistAscend, "mnuRegistAscend", "MENU_DISPLAY_REG_ASC");
   entry(mnuDisplay, mnuRegistDescend, "mnuRegistDescend", "MENU_DISPLAY_REG_DESC");
-  for (QAction* a : {mnuNameAscend, mnuNameDescend, mnuRegistAscend, mnuRegistDescend}) {
-    a->setCheckable(true);
+  sortGroup_ = new QActionGroup(this);
+  const std::array<std::pair<QAction*, int>, 4> sorts{{{mnuRegistAscend, kSortRegistAscend},
+                                                       {mnuRegistDescend, kSortRegistDescend},
+                                                       {mnuNameAscend, kSortNameAscend},
+                                                       {mnuNameDescend, kSortNameDescend}}};
+  for (const auto& [action, order] : sorts) {
+    action->setCheckable(true);
+    action->setData(order);
+    sortGroup_->addAction(action);
+    connect(action, &QAction::triggered, this, [this, order = order] { mnuSort_Click(order); });
   }
 
   menu(mnuMenuJob, "mnuMenuJob", "MENU_JOB");
   entry(mnuMenuJob, mnuReceive, "mnuReceive", "MENU_JOB_DOWNLOAD");
   entry(mnuMenuJob, mnuReport, "mnuReport", "MENU_JOB_REPORT");
+  mnuMenuJob->addSeparator();
+  entry(mnuMenuJob, mnuCsvExport, "mnuCsvExport", "MENU_JOB_CSV_EXPORT");
+  entry(mnuMenuJob, mnuCsvImport, "mnuCsvImport", "MENU_JOB_CSV_IMPORT");
 
   menu(mnuMenuMove, "mnuMenuMove", "MENU_MOVE");
   entry(mnuMenuMove, mnuUserList, "mnuUserList", "MENU_MOVE_USERLIST");
+  // mnuBack has no caption of its own: the back button's, reached by the Back key.
+  mnuBack = new QAction(Caption("CAPTION_BTNBACK"), this);
+  mnuBack->setObjectName(QStringLiteral("mnuBack"));
+  mnuBack->setShortcut(QKeySequence::Back);
+  addAction(mnuBack);
 
   menu(mnuMenuHelp, "mnuMenuHelp", "MENU_HELP");
   entry(mnuMenuHelp, mnuHelp, "mnuHelp", "MENU_HELP_HELP");
   entry(mnuMenuHelp, mnuHealthyDiary, "mnuHealthyDiary", "MENU_HEALTHYDIARY");
   entry(mnuMenuHelp, mnuVersion, "mnuVersion", "MENU_HELP_VERSION");
 
-  // Nothing behind these entries yet except leaving.
-  for (QAction* a : {mnuNewUser, mnuEditUser, mnuDeleteUser, mnuReceive, mnuReport, mnuUserList}) {
-    a->setEnabled(false);
-  }
-  connect(mnuQuit, &QAction::triggered, this, [this] {
-    WriteTrace(QStringLiteral("0"), objectName(), QStringLiteral("mnuQuit_Click Start"));
-    close();
+  connect(mnuNewUser, &QAction::triggered, this, [this] { mnuNewUser_Click(); });
+  connect(mnuEditUser, &QAction::triggered, this, [this] { mnuEditUser_Click(); });
+  connect(mnuDeleteUser, &QAction::triggered, this, [this] { mnuDeleteUser_Click(); });
+  connect(mnuReceive, &QAction::triggered, this, [this] {
+    Trace0(QStringLiteral("mnuReceive_Click Start"));
+    ReceiveFromMenu();
   });
+  connect(mnuReport, &QAction::triggered, this, [this] { mnuReport_Click(false); });
+  connect(mnuCsvExport, &QAction::triggered, this, [this] {
+    Trace0(QStringLiteral("mnuCsvExport_Click Start"));
+    if (actions_.csvExport) actions_.csvExport();
+  });
+  connect(mnuCsvImport, &QAction::triggered, this, [this] {
+    Trace0(QStringLiteral("mnuCsvImport_Click Start"));
+    if (!actions_.csvImport) return;
+    actions_.csvImport();
+    if (GetScreenState() == kStateUserSelect) FillUserList(GetCurrentGroupId(), true);
+  });
+  connect(mnuUserList, &QAction::triggered, this, [this] {
+    Trace0(QStringLiteral("mnuUserList_Click Start"));
+    LeaveJobScreen();
+  });
+  connect(mnuBack, &QAction::triggered, this, [this] { mnuBack_Click(); });
+  connect(mnuHelp, &QAction::triggered, this, [this] {
+    Trace0(QStringLiteral("mnuHelp_Click Start"));
+    if (actions_.help) actions_.help();
+  });
+  connect(mnuVersion, &QAction::triggered, this, [this] {
+    Trace0(QStringLiteral("mnuVersion_Click Start"));
+    if (actions_.version) actions_.version();
+  });
+  connect(mnuHealthyDiary, &QAction::triggered, this, [this] {
+    Trace0(QStringLiteral("mnuHealthyDiary_Click Start"));
+    if (actions_.healthyDiary) actions_.healthyDiary();
+  });
+  connect(mnuQuit, &QAction::triggered, this, [this] { RequestQuit(); });
 }
 
-void frmTerminal::buildWelcome() {
-  auto* central = new QWidget(this);
-  central->setObjectName(QStringLiteral("picGraph"));
-  auto* layout = new QVBoxLayout(central);
-  layout->addStretch(1);
+QWidget* frmTerminal::buildButtonBar() {
+  auto* bar = new QWidget(this);
+  bar->setObjectName(QStringLiteral("picButtonBar"));
+  auto* row = new QHBoxLayout(bar);
+  row->setContentsMargins(10, 6, 10, 6);
+  row->setSpacing(6);
+  btnBack = PictureButton(bar, "btnBack", Caption("CAPTION_BTNBACK"), Caption("CAPTION_TOOLTIP_BACK"), 40);
+  btnUserNew = PictureButton(bar, "btnUserNew", Caption("CAPTION_BTNUSERNEW"), Caption("CAPTION_TOOLTIP_USERNEW"), 40);
+  btnUserEdit = PictureButton(bar, "btnUserEdit", Caption("CAPTION_BTNUSEREDIT"), Caption("CAPTION_TOOLTIP_USEREDIT"), 40);
+  btnReceive = PictureButton(bar, "btnReceive", Caption("CAPTION_BTNRECEIVE"), Caption("CAPTION_TOOLTIP_RECEIVE"), 40);
+  btnPrint = PictureButton(bar, "btnPrint", Caption("CAPTION_BTNPRINT"), Caption("CAPTION_TOOLTIP_PRINT"), 40);
+  for (QToolButton* b : {btnBack, btnUserNew, btnUserEdit, btnReceive, btnPrint}) {
+    b->setMinimumWidth(84);
+    row->addWidget(b);
+  }
+  row->addStretch(1);
+  connect(btnBack, &QToolButton::clicked, this, [this] { mnuBack_Click(); });
+  connect(btnUserNew, &QToolButton::clicked, this, [this] { mnuNewUser_Click(); });
+  connect(btnUserEdit, &QToolButton::clicked, this, [this] { mnuEditUser_Click(); });
+  connect(btnReceive, &QToolButton::clicked, this, [this] {
+    Trace0(QStringLiteral("btnReceive_Click Start"));
+    ReceiveFromMenu();
+  });
+  connect(btnPrint, &QToolButton::clicked, this, [this] { mnuReport_Click(true); });
+  return bar;
+}
 
-  auto* logo = new QLabel(central);
-  logo->setObjectName(QStringLiteral("imgLogo"));
-  logo->setAlignment(Qt::AlignCenter);
-  const QString splash = GetIniPicturePath(QStringLiteral("SPLASH"), QStringLiteral("IMAGE_BACK"));
-  if (!splash.isEmpty()) logo->setPixmap(QPixmap(splash));
-  layout->addWidget(logo);
-
-  lblWelcome = new QLabel(central);
+QWidget* frmTerminal::buildNameLine() {
+  nameLine_ = new QWidget(this);
+  nameLine_->setObjectName(QStringLiteral("picNameLine"));
+  Fill(nameLine_, QStringLiteral("BKCOLOUR_NAMELINE"));
+  auto* row = new QHBoxLayout(nameLine_);
+  row->setContentsMargins(16, 6, 16, 6);
+  row->setSpacing(6);
+  lblUserNickName = new QLabel(nameLine_);
+  lblUserNickName->setObjectName(QStringLiteral("lblUserNickName"));
+  QFont big = lblUserNickName->font();
+  big.setPointSizeF(big.pointSizeF() * 1.6);
+  big.setBold(true);
+  lblUserNickName->setFont(big);
+  // The line cuts the name to the width it has; the label never asks for more.
+  lblUserNickName->setMinimumWidth(1);
+  lblSama = new QLabel(Caption("CAPTION_LBLSAMA"), nameLine_);
+  lblSama->setObjectName(QStringLiteral("lblSama"));
+  QFont sama = lblSama->font();
+  sama.setPointSizeF(sama.pointSizeF() * 1.3);
+  lblSama->setFont(sama);
+  lblWelcome = new QLabel(Caption("CAPTION_LBLWELCOME"), nameLine_);
   lblWelcome->setObjectName(QStringLiteral("lblWelcome"));
-  lblWelcome->setAlignment(Qt::AlignCenter);
-  lblWelcome->setWordWrap(true);
-  lblWelcome->setText(GetIniCaption(QStringLiteral("USERSELECTION"), QStringLiteral("CAPTION_LBLWELCOME")));
-  QFont f = lblWelcome->font();
-  f.setPointSizeF(f.pointSizeF() * 1.3);
-  lblWelcome->setFont(f);
-  layout->addWidget(lblWelcome);
-  layout->addStretch(2);
+  lblWelcome->setMinimumWidth(1);
+  QFont welcome = lblWelcome->font();
+  welcome.setPointSizeF(welcome.pointSizeF() * 1.15);
+  lblWelcome->setFont(welcome);
+  row->addWidget(lblUserNickName, 0);
+  row->addWidget(lblSama, 0, Qt::AlignBottom);
+  row->addWidget(lblWelcome, 1);
+  row->addStretch(1);
+  lblSama->hide();
+  return nameLine_;
+}
+
+QWidget* frmTerminal::buildJobScreen() {
+  auto* job = new QWidget(this);
+  job->setObjectName(QStringLiteral("picJob"));
+  auto* outer = new QHBoxLayout(job);
+  outer->setContentsMargins(0, 0, 0, 0);
+  outer->setSpacing(0);
+
+  // Graph pane on the left.
+  picGraphBtn = new QWidget(job);
+  picGraphBtn->setObjectName(QStringLiteral("picGraphBtn"));
+  Fill(picGraphBtn, QStringLiteral("BKCOLOUR_GRAPHBTN"));
+  auto* graphs = new QVBoxLayout(picGraphBtn);
+  graphs->setContentsMargins(8, 10, 8, 10);
+  graphs->setSpacing(4);
+  const char* graphNames[7] = {"btnGraph1", "btnGraph2", "btnGraph3", "btnGraph4",
+                               "btnGraph5", "btnGraph6", "btnGraph7"};
+  const int graphIndexes[7] = {0, 1, 2, 3, 4, 5, 7};
+  for (int i = 0; i < 7; ++i) {
+    const QString caption = Caption(QStringLiteral("CAPTION_BTNGRAPH%1").arg(i + 1).toLatin1().constData());
+    btnGraph[i] = PictureButton(picGraphBtn, graphNames[i], caption, QString(), 32);
+    btnGraph[i]->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    btnGraph[i]->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    btnGraph[i]->setCheckable(true);
+    graphs->addWidget(btnGraph[i]);
+    connect(btnGraph[i], &QToolButton::clicked, this,
+            [this, index = graphIndexes[i]] { graphButton_Click(index); });
+  }
+  graphs->addStretch(1);
+  btnSimulation = PictureButton(picGraphBtn, "btnSimulation", Caption("CAPTION_BTNSIMULATION"), QString(), 32);
+  btnSimulation->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  btnSimulation->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  graphs->addWidget(btnSimulation);
+  connect(btnSimulation, &QToolButton::clicked, this, [this] {
+    Trace0(QStringLiteral("btnSimulation_Click Start"));
+    if (actions_.simulation) actions_.simulation();
+  });
+  outer->addWidget(picGraphBtn);
+
+  auto* right = new QVBoxLayout;
+  right->setContentsMargins(0, 0, 0, 0);
+  right->setSpacing(0);
+  outer->addLayout(right, 1);
+
+  // Period and date pane on top.
+  picPeriodArea = new QWidget(job);
+  picPeriodArea->setObjectName(QStringLiteral("picPeriodArea"));
+  Fill(picPeriodArea, QStringLiteral("BKCOLOUR_PERIODAREA"));
+  auto* period = new QHBoxLayout(picPeriodArea);
+  period->setContentsMargins(10, 4, 10, 4);
+  period->setSpacing(4);
+  btnDay = PictureButton(picPeriodArea, "btnDay", Caption("CAPTION_BTNDAY"), QString(), 28);
+  btnWeek = PictureButton(picPeriodArea, "btnWeek", Caption("CAPTION_BTNWEEK"), QString(), 28);
+  btnMonth = PictureButton(picPeriodArea, "btnMonth", Caption("CAPTION_BTNMONTH"), QString(), 28);
+  btnSixMonths = PictureButton(picPeriodArea, "btnSixMonths", Caption("CAPTION_BTNSIXMONTHS"), QString(), 28);
+  const std::array<std::pair<QToolButton*, int>, 4> periods{{{btnDay, charts::kPeriodDay},
+                                                             {btnWeek, charts::kPeriodWeek},
+                                                             {btnMonth, charts::kPeriodMonth},
+                                                             {btnSixMonths, charts::kPeriodSixMonths}}};
+  for (const auto& [b, p] : periods) {
+    b->setCheckable(true);
+    b->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    period->addWidget(b);
+    connect(b, &QToolButton::clicked, this, [this, p = p] { periodButton_Click(p); });
+  }
+  period->addStretch(1);
+
+  picDateBtnArea = new QWidget(picPeriodArea);
+  picDateBtnArea->setObjectName(QStringLiteral("picDateBtnArea"));
+  auto* dates = new QHBoxLayout(picDateBtnArea);
+  dates->setContentsMargins(0, 0, 0, 0);
+  dates->setSpacing(4);
+  btnDateBack = PictureButton(picDateBtnArea, "btnDateBack", QString(), Caption("CAPTION_TOOLTIP_DATEBACK"), 28);
+  btnDateNext = PictureButton(picDateBtnArea, "btnDateNext", QString(), Caption("CAPTION_TOOLTIP_DATENEXT"), 28);
+  btnDateLatest = PictureButton(picDateBtnArea, "btnDateLatest", QString(), Caption("CAPTION_TOOLTIP_DATELATEST"), 28);
+  for (QWidget* w : std::initializer_list<QWidget*>{btnDateBack, btnDateNext, btnDateLatest}) dates->addWidget(w);
+  period->addWidget(picDateBtnArea);
+  right->addWidget(picPeriodArea);
+
+  // The range line above the chart: what is shown, and the two pickers to choose it.
+  auto* rangeLine = new QHBoxLayout;
+  rangeLine->setContentsMargins(14, 6, 14, 2);
+  rangeLine->setSpacing(6);
+  lblDispChartRange = new QLabel(job);
+  lblDispChartRange->setObjectName(QStringLiteral("lblDispChartRange"));
+  lblDispChartOneday = new QLabel(job);
+  lblDispChartOneday->setObjectName(QStringLiteral("lblDispChartOneday"));
+  rangeLine->addWidget(lblDispChartRange);
+  rangeLine->addWidget(lblDispChartOneday);
+  rangeLine->addStretch(1);
+  const QString format = GetCommonDateFormat().isEmpty() ? QStringLiteral("yyyy/MM/dd") : GetCommonDateFormat();
+  dtDateStart = new QDateEdit(job);
+  dtDateStart->setObjectName(QStringLiteral("dtDateStart"));
+  dtDateEnd = new QDateEdit(job);
+  dtDateEnd->setObjectName(QStringLiteral("dtDateEnd"));
+  for (QDateEdit* d : {dtDateStart, dtDateEnd}) {
+    d->setDisplayFormat(format);
+    d->setCalendarPopup(true);
+    d->setKeyboardTracking(false);
+  }
+  auto* to = new QLabel(Caption("CAPTION_LBLCHARTTO"), job);
+  btnDateUpdate = PictureButton(job, "btnDateUpdate", QString(), Caption("CAPTION_TOOLTIP_DATEUPDATE"), 24);
+  rangeLine->addWidget(dtDateStart);
+  rangeLine->addWidget(to);
+  rangeLine->addWidget(dtDateEnd);
+  rangeLine->addWidget(btnDateUpdate);
+  right->addLayout(rangeLine);
+
+  connect(btnDateBack, &QToolButton::clicked, this, [this] { dateButton_Click(charts::kAdjustBack); });
+  connect(btnDateNext, &QToolButton::clicked, this, [this] { dateButton_Click(charts::kAdjustNext); });
+  connect(btnDateLatest, &QToolButton::clicked, this, [this] { dateButton_Click(charts::kAdjustLatest); });
+  connect(btnDateUpdate, &QToolButton::clicked, this, [this] { btnDateUpdate_Click(); });
+  connect(dtDateEnd, &QDateEdit::dateChanged, this, [this] { dtDateEnd_Change(); });
+  connect(dtDateStart, &QDateEdit::dateChanged, this, [this] { dtDateStart_Change(); });
+
+  // The chart.
+  picGraph = new QWidget(job);
+  picGraph->setObjectName(QStringLiteral("picGraph"));
+  auto* graphBox = new QVBoxLayout(picGraph);
+  graphBox->setContentsMargins(10, 4, 10, 10);
+  pictureContena = new QWidget(picGraph);
+  pictureContena->setObjectName(QStringLiteral("pictureContena"));
+  auto* contena = new QVBoxLayout(pictureContena);
+  contena->setContentsMargins(0, 0, 0, 0);
+  pictureContents = new ChartView(s_.chart, pictureContena);
+  contena->addWidget(pictureContents);
+  graphBox->addWidget(pictureContena);
+  right->addWidget(picGraph, 1);
+
+  // The wait notice floats over the chart while one is being made.
+  WaitPicture = new QWidget(picGraph);
+  WaitPicture->setObjectName(QStringLiteral("WaitPicture"));
+  WaitPicture->setAttribute(Qt::WA_StyledBackground);
+  WaitPicture->setStyleSheet(QStringLiteral("#WaitPicture { background: white; border: 1px solid #b9c6d3; border-radius: 6px; }"));
+  auto* wait = new QHBoxLayout(WaitPicture);
+  wait->setContentsMargins(16, 12, 16, 12);
+  auto* waitIcon = new QLabel(WaitPicture);
+  waitIcon->setObjectName(QStringLiteral("imgWait"));
+  SetIniPicture(*waitIcon, kSection, QStringLiteral("IMAGE_WAIT"));
+  lblWait = new QLabel(Caption("CAPTION_LBLWAIT"), WaitPicture);
+  lblWait->setObjectName(QStringLiteral("lblWait"));
+  wait->addWidget(waitIcon);
+  wait->addWidget(lblWait);
+  WaitPicture->hide();
+  return job;
+}
+
+void frmTerminal::buildPanes() {
+  auto* central = new QWidget(this);
+  central->setObjectName(QStringLiteral("picBack"));
+  auto* column = new QVBoxLayout(central);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(buildButtonBar());
+  column->addWidget(buildNameLine());
+
+  faces_ = new QStackedWidget(central);
+  auto* listFace = new QWidget(faces_);
+  auto* listBox = new QVBoxLayout(listFace);
+  listBox->setContentsMargins(16, 12, 16, 12);
+  lvUserList = new QListWidget(listFace);
+  lvUserList->setObjectName(QStringLiteral("lvUserList"));
+  lvUserList->setViewMode(QListView::IconMode);
+  lvUserList->setIconSize(QSize(96, 96));
+  lvUserList->setGridSize(QSize(190, 170));
+  lvUserList->setResizeMode(QListView::Adjust);
+  lvUserList->setMovement(QListView::Static);
+  lvUserList->setWordWrap(true);
+  lvUserList->setSpacing(8);
+  lvUserList->setUniformItemSizes(true);
+  QFont listFont = lvUserList->font();
+  listFont.setPointSizeF(listFont.pointSizeF() * 1.5);
+  lvUserList->setFont(listFont);
+  lvUserList->viewport()->installEventFilter(this);
+  lvUserList->installEventFilter(this);
+  lblNoUser = new QLabel(Caption("CAPTION_LBLNOUSER"), listFace);
+  lblNoUser->setObjectName(QStringLiteral("lblNoUser"));
+  lblNoUser->setAlignment(Qt::AlignCenter);
+  lblNoUser->setWordWrap(true);
+  QFont hint = lblNoUser->font();
+  hint.setPointSizeF(hint.pointSizeF() * 1.3);
+  lblNoUser->setFont(hint);
+  listBox->addWidget(lblNoUser);
+  listBox->addWidget(lvUserList, 1);
+  connect(lvUserList, &QListWidget::itemClicked, this, [this](QListWidgetItem* i) { lvUserList_Click(i); });
+  connect(lvUserList, &QListWidget::itemDoubleClicked, this, [this](QListWidgetItem* i) { lvUserList_DblClick(i); });
+  connect(lvUserList, &QListWidget::currentItemChanged, this,
+          [this](QListWidgetItem* i, QListWidgetItem*) { lvUserList_Click(i); });
+  faces_->addWidget(listFace);
+  faces_->addWidget(buildJobScreen());
+  column->addWidget(faces_, 1);
   setCentralWidget(central);
 }
 
 void frmTerminal::applyCommonLook() {
-  QPalette pal = palette();
-  pal.setColor(QPalette::Window, fromVbColor(GetCommonFormBackColor()));
-  setPalette(pal);
-  setAutoFillBackground(true);
-  const QString font = GetCommonFontName();
-  if (!font.isEmpty()) {
-    QFont f = this->font();
-    f.setFamily(font);
-    setFont(f);
+  ApplyCommonFormLook(*this);
+  // The pickers show their whole date at any window width.
+  for (QDateEdit* d : {dtDateStart, dtDateEnd}) {
+    d->ensurePolished();
+    d->setMinimumWidth(d->sizeHint().width() + 6);
   }
+}
+
+void frmTerminal::loadPictures() {
+  const QString sfx = ScreenClassSuffix();
+  SetPictures(btnBack, QStringLiteral("IMAGE_BACK_UP"), QStringLiteral("IMAGE_BACK_DOWN"));
+  SetPictures(btnUserNew, QStringLiteral("IMAGE_USERNEW_UP"), QStringLiteral("IMAGE_USERNEW_DOWN"));
+  SetPictures(btnUserEdit, QStringLiteral("IMAGE_USEREDIT_UP"), QStringLiteral("IMAGE_USEREDIT_DOWN"));
+  SetPictures(btnReceive, QStringLiteral("IMAGE_RECEIVE_UP"), QStringLiteral("IMAGE_RECEIVE_DOWN"));
+  SetPictures(btnPrint, QStringLiteral("IMAGE_PRINT_UP"), QStringLiteral("IMAGE_PRINT_DOWN"));
+  SetPictures(btnDay, QStringLiteral("IMAGE_DAY_UP"), QStringLiteral("IMAGE_DAY_DOWN"));
+  SetPictures(btnWeek, QStringLiteral("IMAGE_WEEK_UP"), QStringLiteral("IMAGE_WEEK_DOWN"));
+  SetPictures(btnMonth, QStringLiteral("IMAGE_MONTH_UP"), QStringLiteral("IMAGE_MONTH_DOWN"));
+  SetPictures(btnSixMonths, QStringLiteral("IMAGE_SIXMONTHS_UP"), QStringLiteral("IMAGE_SIXMONTHS_DOWN"));
+  SetPictures(btnDateBack, QStringLiteral("IMAGE_DATEBACK_UP"), QStringLiteral("IMAGE_DATEBACK_DOWN"));
+  SetPictures(btnDateNext, QStringLiteral("IMAGE_DATENEXT_UP"), QStringLiteral("IMAGE_DATENEXT_DOWN"));
+  SetPictures(btnDateLatest, QStringLiteral("IMAGE_DATELATEST_UP"), QStringLiteral("IMAGE_DATELATEST_DOWN"));
+  SetPictures(btnDateUpdate, QStringLiteral("IMAGE_DATEUPDATE_UP"), QStringLiteral("IMAGE_DATEUPDATE_DOWN"));
+  for (int i = 0; i < 7; ++i) {
+    SetPictures(btnGraph[i], QStringLiteral("IMAGE_GRAPHBTN%1_UP_%2").arg(i + 1).arg(sfx),
+                QStringLiteral("IMAGE_GRAPHBTN%1_DOWN_%2").arg(i + 1).arg(sfx));
+  }
+  SetPictures(btnSimulation, QStringLiteral("IMAGE_SIMULATION_UP_") + sfx,
+              QStringLiteral("IMAGE_SIMULATION_DOWN_") + sfx);
+}
+
+void frmTerminal::sizeWindow() {
+  setMinimumSize(800, 600);
+  setMaximumSize(1600, 1200);
+  QScreen* screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
+  const QRect area = screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+  SetScreenClass(ScreenClassOf(area.size()));
+  const QString c = GetScreenClass();
+  const QSize size = c == QLatin1String("2") ? QSize(1280, 1024)
+                     : c == QLatin1String("1") ? QSize(1024, 768)
+                                               : QSize(800, 600);
+  resize(size.boundedTo(area.size()).expandedTo(minimumSize()));
+  move(area.topLeft());
+}
+
+// ---------------------------------------------------------------- start
+
+bool frmTerminal::Form_Load() {
+  Trace0(QStringLiteral("Form_Load Start"));
+  SetScreenState(kStateTop);
+  btnReceive->setEnabled(GetRecorderHandled());
+  if (!OpenWorkingDatabase(s_.db)) return false;
+  if (!GetStartupDone()) {
+    SetStartupDone(true);
+    SetLoginUserId(Ini_GetLastUserId());
+  } else {
+    SetLoginUserId(QString());
+  }
+  SetCurrentGroupId(kDefaultGroupId);
+  SetCurrentGroupName(GetGroupName(s_.db, kDefaultGroupId));
+  SetUserSortOrder(static_cast<std::int16_t>(Ini_GetSortOrder()));
+
+  // Files left in the temporary folder by an earlier run.
+  QDir temp(Ini_GetTempDataPath());
+  for (const QString& name : temp.entryList(QDir::Files | QDir::Hidden)) temp.remove(name);
+
+  sizeWindow();
+  loadPictures();
+  btnReceive->setEnabled(GetRecorderHandled());
+  for (QAction* a : sortGroup_->actions()) a->setChecked(a->data().toInt() == GetUserSortOrder());
+
+  UserInfo remembered;
+  const QString login = GetLoginUserId();
+  if (!login.isEmpty() && GetUserInfo(s_.db, remembered, login) && !remembered.USER_ID.isEmpty()) {
+    SetFocusState(kFocusUserSelect);
+    SetCurrentUserId(login);
+    ChangeMenu(login, true);
+    EnterJobScreen();
+  } else {
+    SetScreenState(kStateUserSelect);
+    SetFocusState(kFocusGroupSelect);
+    SetCurrentUserId(QString());
+    ChangeMenu(QString(), false);
+    switchPanes();
+    FillUserList(GetCurrentGroupId(), false);
+    UpdateButtonState();
+    UpdateMenuState(QString());
+  }
+
+  timerPolling->setInterval(std::max(1, Ini_GetPollingInterval()));
+  timerPolling->start();
+  return true;
+}
+
+void frmTerminal::setActions(Actions actions) {
+  actions_ = std::move(actions);
+  UpdateButtonState();
+  UpdateMenuState(lastDataState_);
+}
+
+// ---------------------------------------------------------------- states
+
+void frmTerminal::UpdateMenuState(const QString& dataState) {
+  lastDataState_ = dataState;
+  const MenuState m = MenuStateFor(GetScreenState(), GetFocusState(), groupHasUsers_,
+                                   GetRecorderHandled(), dataState);
+  mnuNewUser->setEnabled(m.newUser);
+  mnuEditUser->setEnabled(m.editUser);
+  mnuDeleteUser->setEnabled(m.deleteUser);
+  for (QAction* a : sortGroup_->actions()) a->setEnabled(m.sort);
+  mnuReceive->setEnabled(m.receive);
+  mnuReport->setEnabled(m.report && static_cast<bool>(actions_.print));
+  mnuUserList->setEnabled(m.userList);
+  mnuBack->setEnabled(m.back);
+  // Export needs a user to write; import registers users, so it belongs to the list.
+  const bool userList = GetScreenState() == kStateUserSelect;
+  mnuCsvExport->setEnabled(static_cast<bool>(actions_.csvExport) &&
+                           ((userList && groupHasUsers_) || GetScreenState() == kStateJob));
+  mnuCsvImport->setEnabled(static_cast<bool>(actions_.csvImport) && userList);
+  mnuHelp->setEnabled(static_cast<bool>(actions_.help));
+  mnuVersion->setEnabled(static_cast<bool>(actions_.version));
+  mnuHealthyDiary->setEnabled(static_cast<bool>(actions_.healthyDiary));
+}
+
+void frmTerminal::UpdateButtonState() {
+  const ButtonState b = ButtonStateFor(GetScreenState(), GetFocusState(), GetRecorderHandled(), hasData_);
+  btnBack->setEnabled(b.back);
+  btnUserNew->setEnabled(b.userNew);
+  btnUserEdit->setEnabled(b.userEdit);
+  btnReceive->setEnabled(b.receive);
+  btnPrint->setEnabled(b.print && static_cast<bool>(actions_.print));
+  btnSimulation->setEnabled(hasData_ && static_cast<bool>(actions_.simulation));
+}
+
+void frmTerminal::checkData() {
+  if (GetScreenState() != kStateJob) return;
+  UpdateButtonState();
+  UpdateMenuState(hasData_ ? QString() : kDataStateNoData);
+}
+
+void frmTerminal::switchPanes() {
+  const bool job = GetScreenState() == kStateJob;
+  faces_->setCurrentIndex(job ? 1 : 0);
+  if (job) {
+    setWindowTitle(Caption("CAPTION_USER_GRAPH_TITLE"));
+  } else {
+    setWindowTitle(Caption("CAPTION_USER_SELECT_TITLE"));
+  }
+}
+
+// ---------------------------------------------------------------- user list
+
+void frmTerminal::FillUserList(const QString& groupId, bool keepSelection) {
+  ++fillCounter_;
+  std::vector<UserInfo> users;
+  const int count = GetUserList(s_.db, groupId, users);
+  ApplySortOrder(users, GetUserSortOrder());
+  const QString keep = keepSelection ? GetCurrentUserId() : QString();
+  lvUserList->clear();
+  QListWidgetItem* selected = nullptr;
+  for (const UserInfo& u : users) {
+    const int icon = std::clamp<int>(u.ICONINDEX, 0, 5) + 1;
+    QPixmap picture;
+    LoadIniPicture(QStringLiteral("VB_COMMON"), QStringLiteral("IMAGE_USERICON_%1").arg(icon), picture);
+    auto* item = new QListWidgetItem(QIcon(picture), u.DisplayName, lvUserList);
+    item->setData(Qt::UserRole, u.USER_ID);
+    item->setToolTip(u.COMMENT.isEmpty() ? u.DisplayName : u.DisplayName + QLatin1Char('\n') + u.COMMENT);
+    item->setTextAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    if (!keep.isEmpty() && u.USER_ID == keep) selected = item;
+  }
+  groupHasUsers_ = count > 0;
+  lblNoUser->setVisible(!groupHasUsers_);
+  if (selected) {
+    lvUserList->setCurrentItem(selected);
+    selected->setSelected(true);
+    SetCurrentUserId(keep);
+    SetFocusState(kFocusUserSelect);
+  } else {
+    lvUserList->setCurrentItem(nullptr);
+    lvUserList->clearSelection();
+    SetCurrentUserId(QString());
+    SetFocusState(kFocusGroupSelect);
+  }
+  --fillCounter_;
+  UpdateButtonState();
+  UpdateMenuState(QString());
+}
+
+void frmTerminal::lvUserList_Click(QListWidgetItem* item) {
+  if (fillCounter_ > 0 || GetScreenState() != kStateUserSelect) return;
+  if (item) {
+    SetCurrentUserId(item->data(Qt::UserRole).toString());
+    SetFocusState(kFocusUserSelect);
+  } else {
+    SetCurrentUserId(QString());
+    SetFocusState(kFocusGroupSelect);
+  }
+  UpdateButtonState();
+  UpdateMenuState(QString());
+}
+
+void frmTerminal::lvUserList_DblClick(QListWidgetItem* item) {
+  if (fillCounter_ > 0 || !item || GetScreenState() != kStateUserSelect) return;
+  SetCurrentUserId(item->data(Qt::UserRole).toString());
+  SetFocusState(kFocusUserSelect);
+  ChangeMenu(GetCurrentUserId(), true);
+  EnterJobScreen(true);
+}
+
+bool frmTerminal::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == lvUserList->viewport() && event->type() == QEvent::MouseButtonPress) {
+    // A click on empty space clears the selected user.
+    const auto* me = static_cast<QMouseEvent*>(event);
+    if (!lvUserList->itemAt(me->position().toPoint())) {
+      lvUserList->clearSelection();
+      lvUserList->setCurrentItem(nullptr);
+      lvUserList_Click(nullptr);
+    }
+  } else if (watched == lvUserList && event->type() == QEvent::KeyPress) {
+    const auto* ke = static_cast<QKeyEvent*>(event);
+    if ((ke->key() == Qt::Key_Return || ke->key() == Qt::Key_Enter) && lvUserList->currentItem()) {
+      lvUserList_DblClick(lvUserList->currentItem());
+      return true;
+    }
+  }
+  return QMainWindow::eventFilter(watched, event);
+}
+
+void frmTerminal::mnuSort_Click(int order) {
+  static const char* names[4] = {"mnuRegistAscend_Click Start", "mnuRegistDescend_Click Start",
+                                 "mnuNameAscend_Click Start", "mnuNameDescend_Click Start"};
+  Trace0(QString::fromLatin1(names[std::clamp(order, 0, 3)]));
+  SetUserSortOrder(static_cast<std::int16_t>(order));
+  Ini_SetSortOrder(order);
+  for (QAction* a : sortGroup_->actions()) a->setChecked(a->data().toInt() == order);
+  FillUserList(GetCurrentGroupId(), true);
+}
+
+// ---------------------------------------------------------------- name line
+
+void frmTerminal::ChangeMenu(const QString& userId, bool resetDates) {
+  UserInfo user;
+  fullName_.clear();
+  if (!userId.isEmpty() && GetUserInfo(s_.db, user, userId)) {
+    fullName_ = NameLineText(user, IsEnglishEdition());
+    SetCurrentUserName(fullName_);
+  }
+  lblSama->setVisible(!fullName_.isEmpty() && !IsEnglishEdition());
+  lblUserNickName->setVisible(!fullName_.isEmpty());
+  // With no user open the line greets and tells how a receive starts.
+  lblWelcome->setVisible(fullName_.isEmpty());
+  fitNameLine();
+  if (resetDates) {
+    const QSignalBlocker b1(dtDateStart);
+    const QSignalBlocker b2(dtDateEnd);
+    dtDateStart->setDate(QDate::currentDate());
+    dtDateEnd->setDate(QDate::currentDate());
+    range_.dtDateStart = QDate::currentDate();
+    range_.dtDateEnd = QDate::currentDate();
+    picPeriodArea->hide();
+  }
+}
+
+void frmTerminal::fitNameLine() {
+  const QMargins m = nameLine_->layout()->contentsMargins();
+  int width = nameLine_->width() - m.left() - m.right();
+  if (lblSama->isVisibleTo(nameLine_)) width -= lblSama->sizeHint().width() + nameLine_->layout()->spacing();
+  const QFontMetrics fm(lblUserNickName->font());
+  const QString text = CutToWidth(fullName_, std::max(0, width),
+                                  [&fm](const QString& t) { return fm.horizontalAdvance(t); });
+  lblUserNickName->setText(text);
+}
+
+// ---------------------------------------------------------------- the two faces
+
+void frmTerminal::EnterJobScreen(bool fromDoubleClick) {
+  if (fromDoubleClick) Trace0(QStringLiteral("Select UserID = ") + GetCurrentUserId());
+  Ini_SetLastUserId(GetCurrentUserId());
+  Ini_SetLastGroupId(GetCurrentGroupId());
+  showJobScreen();
+}
+
+void frmTerminal::showJobScreen() {
+  SetScreenState(kStateJob);
+  switchPanes();
+  Form_Resize();
+  InitChartState();
+  UpdateButtonState();
+  UpdateMenuState(QString());
+  checkData();
+}
+
+void frmTerminal::LeaveJobScreen() {
+  SetScreenState(kStateUserSelect);
+  switchPanes();
+  const QString previous = GetCurrentUserId();
+  ChangeMenu(QString(), false);
+  FillUserList(GetCurrentGroupId(), false);
+  for (int i = 0; i < lvUserList->count(); ++i) {
+    QListWidgetItem* item = lvUserList->item(i);
+    if (item->data(Qt::UserRole).toString() == previous) {
+      lvUserList->setCurrentItem(item);
+      item->setSelected(true);
+      SetCurrentUserId(previous);
+      SetFocusState(kFocusUserSelect);
+      break;
+    }
+  }
+  UpdateButtonState();
+  UpdateMenuState(QString());
+  lvUserList->setFocus();
+}
+
+void frmTerminal::mnuBack_Click() {
+  Trace0(QStringLiteral("mnuBack_Click Start"));
+  if (GetScreenState() != kStateUserSelect) LeaveJobScreen();
+}
+
+void frmTerminal::refreshJobScreen() {
+  // The newest days were just stored: the view ends on them.
+  ChangeMenu(GetCurrentUserId(), true);
+  showJobScreen();
+}
+
+// ---------------------------------------------------------------- user screens
+
+void frmTerminal::mnuNewUser_Click() {
+  Trace0(QStringLiteral("mnuNewUser_Click Start"));
+  SetCurrentUserId(QString());
+  SetFocusState(kFocusGroupSelect);
+  lvUserList->clearSelection();
+  (void)s_.screens.registerUser(this);
+  FillUserList(GetCurrentGroupId(), false);
+}
+
+void frmTerminal::mnuEditUser_Click() {
+  Trace0(QStringLiteral("mnuEditUser_Click Start"));
+  const QString userId = GetCurrentUserId();
+  if (userId.isEmpty()) return;
+  const bool saved = s_.screens.modifyUser(this, userId);
+  if (GetScreenState() == kStateUserSelect) {
+    FillUserList(GetCurrentGroupId(), true);
+  } else if (saved) {
+    ChangeMenu(userId, false);
+    forceRebuild_ = true;
+    if (hasData_) ReDrawChart(range_.chartKind);
+  }
+}
+
+void frmTerminal::mnuDeleteUser_Click() {
+  Trace0(QStringLiteral("mnuDeleteUser_Click Start"));
+  (void)s_.screens.deleteUsers(this);
+  FillUserList(GetCurrentGroupId(), true);
+}
+
+void frmTerminal::mnuReport_Click(bool fromButton) {
+  Trace0(fromButton ? QStringLiteral("btnPrint_Click Start") : QStringLiteral("mnuReport_Click Start"));
+  if (actions_.print) actions_.print(fromButton);
+}
+
+// ---------------------------------------------------------------- polling and receive
+
+void frmTerminal::timerPolling_Timer() {
+  if (inTick_) return;
+  inTick_ = true;
+  try {
+    switch (PollingTick(s_.reader, s_.clock, device_, isMinimized())) {
+      case TickAction::Nothing:
+      case TickAction::Minimized:
+        break;
+      case TickAction::RecorderGone:
+        btnReceive->setEnabled(false);
+        UpdateButtonState();
+        UpdateMenuState(lastDataState_);
+        break;
+      case TickAction::MarkedSeen:
+      case TickAction::StillConnected:
+        btnReceive->setEnabled(true);
+        UpdateMenuState(lastDataState_);
+        break;
+      case TickAction::StartReceive:
+        btnReceive->setEnabled(true);
+        automaticReceive();
+        break;
+    }
+  } catch (const std::exception& e) {
+    MessageDialog(QStringLiteral("COMN-C-0001"), QStringLiteral("Polling Error: ") + QString::fromUtf8(e.what()), false);
+  }
+  inTick_ = false;
+}
+
+void frmTerminal::automaticReceive() {
+  timerPolling->stop();
+  SetReceiveRunning(true);
+  if (GetScreenState() == kStateUserSelect) ChangeMenu(QString(), false);
+  const bool received = runReceive();
+  SetReceiveRunning(false);
+  UsbClose(s_.reader, device_);
+  if (GetScreenState() == kStateUserSelect) {
+    FillUserList(GetCurrentGroupId(), false);
+  } else if (received) {
+    refreshJobScreen();
+  }
+  UpdateMenuState(lastDataState_);
+  timerPolling->start();
+}
+
+void frmTerminal::ReceiveFromMenu() {
+  const bool userList = GetScreenState() == kStateUserSelect;
+  if (userList) ChangeMenu(QString(), false);
+  else SetScreenState(kStateJob);
+  timerPolling->stop();
+  SetReceiveRunning(true);
+  const bool received = runReceive();
+  SetReceiveRunning(false);
+  timerPolling->start();
+  if (received) {
+    refreshJobScreen();
+  } else if (GetScreenState() == kStateUserSelect) {
+    FillUserList(GetCurrentGroupId(), false);
+  }
+  UpdateMenuState(lastDataState_);
+}
+
+bool frmTerminal::runReceive() {
+  ReceiveOnScreen screen(s_.db, s_.reader, s_.clock, s_.screens.receiveQuestions(this), this);
+  const ReceiveReport report = screen.run();
+  btnReceive->setEnabled(GetRecorderHandled());
+  return report.ending == ReceiveEnding::Received;
+}
+
+// ---------------------------------------------------------------- charts
+
+void frmTerminal::InitChartState() {
+  QDate first;
+  QDate last;
+  charts::ReadUserRange(s_.db, GetCurrentUserId(), first, last);
+  charts::InitChartState(range_, first, last);
+  hasData_ = !range_.noData;
+  lastKind_ = 0;
+  pictureContents->clearChart();
+  syncPickers();
+  showButtonStates();
+  setJobPanesEnabled(hasData_);
+  picPeriodArea->show();
+  if (!hasData_) {
+    lblDispChartRange->clear();
+    lblDispChartOneday->clear();
+    UpdateMenuState(kDataStateNoData);
+    return;
+  }
+  ReDrawChart(range_.chartKind);
+}
+
+void frmTerminal::setJobPanesEnabled(bool enabled) {
+  picPeriodArea->setEnabled(enabled);
+  for (QWidget* w : std::initializer_list<QWidget*>{dtDateStart, dtDateEnd, btnDateUpdate}) w->setEnabled(enabled);
+  picGraphBtn->setEnabled(enabled);
+  picGraph->setEnabled(enabled);
+  UpdateButtonState();
+}
+
+void frmTerminal::syncPickers() {
+  const QSignalBlocker b1(dtDateStart);
+  const QSignalBlocker b2(dtDateEnd);
+  if (range_.rangeFirst.isValid()) {
+    dtDateStart->setDateRange(range_.rangeFirst, range_.rangeLast);
+    dtDateEnd->setDateRange(range_.rangeFirst, range_.rangeLast);
+  } else {
+    dtDateStart->clearMinimumDate();
+    dtDateStart->clearMaximumDate();
+    dtDateEnd->clearMinimumDate();
+    dtDateEnd->clearMaximumDate();
+  }
+  dtDateStart->setDate(range_.dtDateStart);
+  dtDateEnd->setDate(range_.dtDateEnd);
+  dtDateStart->setEnabled(range_.periodKind != charts::kPeriodDay);
+}
+
+void frmTerminal::showButtonStates() {
+  SetDown(btnDay, range_.periodKind == charts::kPeriodDay);
+  SetDown(btnWeek, range_.periodKind == charts::kPeriodWeek);
+  SetDown(btnMonth, range_.periodKind == charts::kPeriodMonth);
+  SetDown(btnSixMonths, range_.periodKind == charts::kPeriodSixMonths);
+  const int indexes[7] = {0, 1, 2, 3, 4, 5, 7};
+  for (int i = 0; i < 7; ++i) {
+    SetDown(btnGraph[i], range_.periodKind != charts::kPeriodDay && range_.graphIndex == indexes[i]);
+  }
+  SetDown(btnDateLatest, hasData_ && charts::IsLatestDate(range_));
+}
+
+void frmTerminal::periodButton_Click(int period) {
+  static const char* names[5] = {"", "btnDay_Click Start", "btnWeek_Click Start", "btnMonth_Click Start",
+                                 "btnSixMonths_Click Start"};
+  Trace0(QString::fromLatin1(names[std::clamp(period, 1, 4)]));
+  const bool wasLatest = charts::SelectPeriod(range_, period);
+  SetDown(btnDateUpdate, !wasLatest);
+  SetDown(btnDateBack, false);
+  SetDown(btnDateNext, false);
+  syncPickers();
+  showButtonStates();
+  ReDrawChart(range_.chartKind);
+}
+
+void frmTerminal::graphButton_Click(int graphIndex) {
+  Trace0(charts::GraphButtonTraceLine(graphIndex));
+  charts::SelectGraph(range_, graphIndex);
+  syncPickers();
+  showButtonStates();
+  ReDrawChart(range_.chartKind);
+}
+
+void frmTerminal::dateButton_Click(int mode) {
+  const char* name = mode == charts::kAdjustBack   ? "btnDateBack_Click Start"
+                     : mode == charts::kAdjustNext ? "btnDateNext_Click Start"
+                                                   : "btnDateLatest_Click Start";
+  Trace0(QString::fromLatin1(name));
+  charts::DateAdjustment(range_, range_.periodKind, mode);
+  syncPickers();
+  showButtonStates();
+  SetDown(btnDateBack, mode == charts::kAdjustBack);
+  SetDown(btnDateNext, mode == charts::kAdjustNext);
+  SetDown(btnDateLatest, mode == charts::kAdjustLatest || charts::IsLatestDate(range_));
+  SetDown(btnDateUpdate, false);
+  ReDrawChart(range_.chartKind);
+}
+
+void frmTerminal::btnDateUpdate_Click() {
+  Trace0(QStringLiteral("btnDateUpdate_MouseDown Start"));
+  range_.dtDateStart = dtDateStart->date();
+  range_.dtDateEnd = dtDateEnd->date();
+  charts::DateAdjustment(range_, range_.periodKind, charts::kAdjustKeep);
+  syncPickers();
+  showButtonStates();
+  SetDown(btnDateUpdate, false);
+  ReDrawChart(range_.chartKind);
+}
+
+void frmTerminal::dtDateEnd_Change() {
+  Trace0(QStringLiteral("dtDateEnd_Change Start"));
+  range_.dtDateEnd = dtDateEnd->date();
+  charts::UpdateRangeStartDate(range_);
+  syncPickers();
+  SetDown(btnDateUpdate, true);
+}
+
+void frmTerminal::dtDateStart_Change() {
+  Trace0(QStringLiteral("dtDateStart_Change Start"));
+  range_.dtDateStart = dtDateStart->date();
+  charts::UpdateRangeEndDate(range_);
+  syncPickers();
+  SetDown(btnDateUpdate, true);
+}
+
+void frmTerminal::deleteChartFiles() {
+  for (QString* f : {&headerFile_, &interfaceFile_}) {
+    if (!f->isEmpty()) QFile::remove(*f);
+    f->clear();
+  }
+}
+
+void frmTerminal::centreWaitNotice() {
+  WaitPicture->adjustSize();
+  const QRect area = picGraph->rect();
+  WaitPicture->move(area.center() - WaitPicture->rect().center());
+  WaitPicture->raise();
+}
+
+void frmTerminal::ReDrawChart(int kind, bool printFlag) {
+  if (!hasData_) return;
+  centreWaitNotice();
+  const bool oneDay = range_.periodKind == charts::kPeriodDay;
+  lblDispChartOneday->setVisible(oneDay);
+  lblDispChartRange->setVisible(!oneDay);
+  if (oneDay) {
+    lblDispChartOneday->setText(ScreenDate(range_.dtDateEnd));
+  } else {
+    lblDispChartRange->setText(Caption("CAPTION_LBLCHARTFROM") + QLatin1Char(' ') +
+                               ScreenDate(range_.dtDateStart) + QLatin1Char(' ') +
+                               Caption("CAPTION_LBLCHARTTO") + QLatin1Char(' ') +
+                               ScreenDate(range_.dtDateEnd));
+  }
+  range_.dateChartFrom = range_.dtDateStart;
+  range_.dateChartTo = range_.dtDateEnd;
+
+  WaitPicture->show();
+  WaitPicture->repaint();
+  ++busyCounter_;
+  SetModalFormOpen(true);
+  int result = -1;
+  try {
+    const bool same = kind == lastKind_ && kind != 5 && range_.dateChartFrom == lastFrom_ &&
+                      range_.dateChartTo == lastTo_ && !forceRebuild_ && QFileInfo::exists(headerFile_) &&
+                      QFileInfo::exists(interfaceFile_);
+    if (!same) {
+      deleteChartFiles();
+      QString iface;
+      QString header;
+      if (!charts::MakeChartData(s_.db, kind, DateToSlash(range_.dateChartFrom), DateToSlash(range_.dateChartTo),
+                                 iface, header, GetCurrentUserId())) {
+        MessageDialog(QStringLiteral("USEL-C-0003"));
+      }
+      interfaceFile_ = iface;
+      headerFile_ = header;
+      lastKind_ = kind;
+      lastFrom_ = range_.dateChartFrom;
+      lastTo_ = range_.dateChartTo;
+      forceRebuild_ = false;
+    }
+    const bool headerThere = !headerFile_.isEmpty() && QFileInfo::exists(headerFile_);
+    const bool interfaceThere = !interfaceFile_.isEmpty() && QFileInfo::exists(interfaceFile_);
+    if (!headerThere) {
+      MessageDialog(QStringLiteral("USEL-C-0001"));
+      deleteChartFiles();
+      lastKind_ = 0;
+    } else {
+      if (!interfaceThere) MessageDialog(QStringLiteral("USEL-C-0002"));
+      if (!printFlag) {
+        result = ChartMakerPersonal(s_.chart, *pictureContents, GetAbsolutePath(interfaceFile_));
+        WriteTrace(QStringLiteral("0"), QStringLiteral("DrawChart"),
+                   QStringLiteral("lChartProcessRet = ") + QString::number(result));
+        InterpretChartResult(result);
+      } else if (actions_.print) {
+        actions_.print(false);
+      }
+    }
+    busyCounter_ = 0;
+    SetModalFormOpen(false);
+    WriteTrace(QStringLiteral("0"), QStringLiteral("DrawChart"), QStringLiteral("Normal END"));
+  } catch (const std::exception& e) {
+    busyCounter_ = 0;
+    SetModalFormOpen(false);
+    MessageDialog(QStringLiteral("USEL-C-0004"), QString::fromUtf8(e.what()));
+    WriteTrace(QStringLiteral("2"), QStringLiteral("DrawChart"), QStringLiteral("ERROR END"));
+  }
+  WaitPicture->hide();
+  checkData();
+  Q_EMIT chartDrawn(kind, result);
+}
+
+// ---------------------------------------------------------------- window
+
+void frmTerminal::Form_Resize() {
+  fitNameLine();
+  centreWaitNotice();
+}
+
+void frmTerminal::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  if (inResize_) return;
+  inResize_ = true;
+  Form_Resize();
+  inResize_ = false;
+}
+
+void frmTerminal::RequestQuit() {
+  Trace0(QStringLiteral("mnuQuit_Click Start"));
+  const QWidgetList windows = QApplication::topLevelWidgets();
+  for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
+    if (*it != this && (*it)->isVisible()) (*it)->close();
+  }
+  Q_EMIT quitRequested();
+  close();
+}
+
+void frmTerminal::closeEvent(QCloseEvent* event) {
+  // A receive under way ends through its cancel button, not by closing the window.
+  if (GetReceiveRunning()) {
+    event->ignore();
+    return;
+  }
+  Q_EMIT queryClose(qApp->isSavingSession() ? 1 : 0);
+  Trace0(QStringLiteral("Form_Unload Start"));
+  deleteChartFiles();
+  timerPolling->stop();
+  // Release the reader: a handle that can still be opened is closed.
+  const qint32 handle = s_.reader.Tavo_Open();
+  if (handle != 0) s_.reader.Tavo_Close(handle);
+  QMainWindow::closeEvent(event);
 }

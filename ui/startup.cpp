@@ -293,9 +293,7 @@ void ClosingStages::queryClose(int mode) {
 }
 
 StartupSequence::Outcome ClosingStages::closeMainScreen(ProgressInterface& progress) {
-  Ini_SetSortOrder(GetUserSortOrder());
-  if (!quitRequested_) return StartupSequence::Outcome::Continue;
-  if (Ini_GetCompactDb()) {
+  return closeMainScreen([&progress] {
     QString path = Ini_GetDbName();
     const QString password = Ini_GetDbPassword();
     int result = 0;
@@ -306,10 +304,16 @@ StartupSequence::Outcome ClosingStages::closeMainScreen(ProgressInterface& progr
     } else {
       CompactDB(path, result, progress, password);
     }
-    if (result != 0) {
-      MessageDialog(QStringLiteral("PTOP-C-0002"));
-      return StartupSequence::Outcome::Stop;
-    }
+    return result;
+  });
+}
+
+StartupSequence::Outcome ClosingStages::closeMainScreen(const std::function<int()>& compact) {
+  Ini_SetSortOrder(GetUserSortOrder());
+  if (!quitRequested_) return StartupSequence::Outcome::Continue;
+  if (Ini_GetCompactDb() && compact() != 0) {
+    MessageDialog(QStringLiteral("PTOP-C-0002"));
+    return StartupSequence::Outcome::Stop;
   }
   ChartFinishPersonal(chart_);
   return StartupSequence::Outcome::Continue;

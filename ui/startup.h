@@ -149,6 +149,9 @@ class ClosingStages {
   // when COMPACT_DB is "1" and finishes the chart library. Stop when the compaction
   // failed (PTOP-C-0002 has been shown, the chart library is left alone).
   StartupSequence::Outcome closeMainScreen(ProgressInterface& progress);
+  // The same with the compaction run by the caller (the desktop shows it in
+  // frmProgressBar): compact() compacts the file of DB_NAME and gives 0 on success.
+  StartupSequence::Outcome closeMainScreen(const std::function<int()>& compact);
 
   bool quitRequested() const { return quitRequested_; }
   bool queryCloseDone() const { return queryCloseDone_; }

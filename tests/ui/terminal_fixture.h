@@ -1,0 +1,168 @@
+// The main window on a throw-away installation, with the emulated reader over the
+// installation's reader folder and scripted user screens and receive questions. The
+// protocol's waits run the event loop without sleeping, so the receive goes through
+// its real screens quickly.
+#pragma once
+
+#include <QApplication>
+#include <QDeadlineTimer>
+#include <QTest>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+
+#include "chartmaker.h"
+#include "config.h"
+#include "desktop_screens.h"
+#include "frmTerminal.h"
+#include "readers.h"
+#include "receive_screens.h"
+#include "recorder_image.h"
+#include "shared_values.h"
+#include "store.h"
+#include "test_installation.h"
+
+// Answers the questions from fields and records what was asked.
+class ScriptedScreens : public TerminalScreens, public ReceiveQuestions {
+ public:
+  // frmUserRegist: registers this name (empty: cancelled). duringRegist runs while the
+  // screen is "open" (ModalFormOpen set, as the real screen does).
+  QString registName = QStringLiteral("山田 花子");
+  std::function<void()> duringRegist;
+  NewCpuAnswer newCpuAnswer = NewCpuAnswer::CreateUser;
+  bool answerYes = true;
+  QString selectId;
+  QStringList asked;
+  QString lastRegisteredId;
+
+  QString registerUser(QWidget*) override { return doRegister(); }
+  bool modifyUser(QWidget*, const QString& id) override {
+    asked << QStringLiteral("frmUserModify ") + id;
+    return true;
+  }
+  bool deleteUsers(QWidget*) override {
+    asked << QStringLiteral("frmUserDelete");
+    return false;
+  }
+  ReceiveQuestions& receiveQuestions(QWidget*) override { return *this; }
+  NewCpuAnswer newRecorder(const RecvMsgNewCPU&) override {
+    asked << QStringLiteral("frmRecvMsgNewCPU");
+    return newCpuAnswer;
+  }
+  bool receiveForCurrentUser(const RecvMsgNewCPUSelectUser&) override {
+    asked << QStringLiteral("frmRecvMsgNewCPUSelectUser");
+    return answerYes;
+  }
+  bool takeOverRecorder(const RecvMsgAlertUser&) override {
+    asked << QStringLiteral("frmRecvMsgAlertUser");
+    return answerYes;
+  }
+  bool receiveResetRecorder(const RecvMsgAlertReset&) override {
+    asked << QStringLiteral("frmRecvMsgAlertReset");
+    return answerYes;
+  }
+  QString registerUser(VtDatabase&) override { return doRegister(); }
+  QString selectUser(VtDatabase&) override {
+    asked << QStringLiteral("frmUserSelectDialog");
+    return selectId;
+  }
+  VtDatabase* db = nullptr;
+
+ private:
+  QString doRegister() {
+    asked << QStringLiteral("frmUserRegist");
+    SetModalFormOpen(true);
+    if (duringRegist) duringRegist();
+    QString id;
+    if (!registName.isEmpty() && RegisterUserByName(*db, registName, id) != 0) id.clear();
+    SetModalFormOpen(false);
+    lastRegisteredId = id;
+    return id;
+  }
+};
+
+// Waits, running the event loop, until pred holds or timeoutMs pass.
+inline bool WaitUntil(const std::function<bool()>& pred, int timeoutMs = 10000) {
+  QDeadlineTimer deadline(timeoutMs);
+  while (!pred()) {
+    if (deadline.hasExpired()) return false;
+    QTest::qWait(5);
+  }
+  return true;
+}
+
+class TerminalTest : public ::testing::Test {
+ protected:
+  explicit TerminalTest(const QString& lang = QStringLiteral("ja")) : inst(lang) {}
+
+  void SetUp() override {
+    ASSERT_TRUE(inst.isValid());
+    ResetSharedValues();
+    inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("POLLING_INTERVAL"), QStringLiteral("20"));
+    inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("SHIFT_DB"), QStringLiteral("1"));
+    ASSERT_TRUE(inst.reload());
+    QString error;
+    ASSERT_TRUE(CreateDatabaseFile(inst.dbFile(), kDefaultDbPassword, &error)) << error.toStdString();
+    ChartPreparePersonal(chart, Ini_GetChartIniPath());
+    reader = std::make_unique<EmulatedReader>(inst.readerPath());
+    screens.db = &db;
+  }
+  void TearDown() override {
+    if (window) {
+      window->timerPolling->stop();
+      window.reset();
+    }
+    VTDB_Close(db);
+    ResetSharedValues();
+  }
+
+  // Builds the window and runs its preparation, as the program does at start.
+  // realScreens: the desktop's own user screens and receive dialogs instead of the script.
+  frmTerminal& open(bool realScreens = false) {
+    if (realScreens) desktopScreens = std::make_unique<QtUserScreens>(db);
+    TerminalScreens& used = realScreens ? static_cast<TerminalScreens&>(*desktopScreens) : screens;
+    window = std::make_unique<frmTerminal>(TerminalServices{db, chart, *reader, clock, used});
+    EXPECT_TRUE(window->Form_Load());
+    window->show();
+    return *window;
+  }
+
+  // Puts a generated recorder on the reader.
+  void placeRecorder(const RecorderImageOptions& o, const QString& name = QStringLiteral("recorder.img")) {
+    QString error;
+    ASSERT_TRUE(WriteRecorderImage(o, inst.readerPath() + QLatin1Char('/') + name, &error)) << error.toStdString();
+  }
+  void takeRecorder(const QString& name = QStringLiteral("recorder.img")) {
+    QFile::remove(inst.readerPath() + QLatin1Char('/') + name);
+  }
+
+  static RecorderImageOptions Recorder(int days, const QDate& lastDay, const QString& cpu = QStringLiteral("A1B2C3")) {
+    RecorderImageOptions o;
+    o.days = days;
+    o.lastDay = lastDay;
+    o.cpuNo = cpu;
+    o.seed = 7;
+    return o;
+  }
+
+  template <typename T>
+  T* find(const char* name) {
+    return window->findChild<T*>(QString::fromLatin1(name));
+  }
+
+  int daysOf(const QString& userId) {
+    QDate f;
+    QDate l;
+    charts::ReadUserRange(db, userId, f, l);
+    return f.isValid() ? static_cast<int>(f.daysTo(l)) + 1 : 0;
+  }
+
+  TestInstallation inst;
+  VtDatabase db;
+  ChartMaker chart;
+  std::unique_ptr<EmulatedReader> reader;
+  EventLoopDeviceClock clock{0.0};
+  ScriptedScreens screens;
+  std::unique_ptr<QtUserScreens> desktopScreens;
+  std::unique_ptr<frmTerminal> window;
+};

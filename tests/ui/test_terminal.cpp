@@ -1,0 +1,409 @@
+// The main window driven as a person would, offscreen, through the emulated reader:
+// first start, automatic receives, cancel, a recorder placed while a screen is open,
+// navigation of the job screen, the list's order and the name line.
+#include <QDateEdit>
+#include <QLabel>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QStackedWidget>
+#include <QToolButton>
+
+#include <QLineEdit>
+
+#include "fake_reader.h"
+#include "sample_user.h"
+#include "terminal_fixture.h"
+
+namespace {
+
+const QDate kLastDay(2024, 6, 30);
+
+QWidget* TopLevel(const char* name) {
+  for (QWidget* w : QApplication::topLevelWidgets()) {
+    if (w->objectName() == QLatin1String(name) && w->isVisible()) return w;
+  }
+  return nullptr;
+}
+
+TEST_F(TerminalTest, AFirstStartShowsTheEmptyUserListWithOnlyRegistrationOffered) {
+  frmTerminal& w = open();
+  EXPECT_EQ(GetScreenState(), kStateUserSelect);
+  EXPECT_EQ(w.lvUserList->count(), 0);
+  EXPECT_TRUE(w.lblNoUser->isVisible());
+  EXPECT_TRUE(w.mnuNewUser->isEnabled());
+  EXPECT_TRUE(w.btnUserNew->isEnabled());
+  EXPECT_FALSE(w.btnUserEdit->isEnabled());
+  EXPECT_FALSE(w.mnuEditUser->isEnabled());
+  EXPECT_FALSE(w.mnuNameAscend->isEnabled()) << "an empty group offers no sort";
+  EXPECT_FALSE(w.btnReceive->isEnabled()) << "no recorder on the reader";
+  EXPECT_FALSE(w.mnuReport->isEnabled());
+  EXPECT_FALSE(w.btnBack->isEnabled());
+  EXPECT_EQ(w.minimumSize(), QSize(800, 600));
+  EXPECT_EQ(w.maximumSize(), QSize(1600, 1200));
+  EXPECT_TRUE(w.timerPolling->isActive());
+  // Entries whose screens come from elsewhere wait for their action.
+  EXPECT_FALSE(w.mnuCsvImport->isEnabled());
+  int imports = 0;
+  frmTerminal::Actions actions;
+  actions.csvImport = [&imports] { ++imports; };
+  w.setActions(actions);
+  EXPECT_TRUE(w.mnuCsvImport->isEnabled());
+  EXPECT_FALSE(w.mnuCsvExport->isEnabled()) << "nobody to export";
+  w.mnuCsvImport->trigger();
+  EXPECT_EQ(imports, 1);
+
+  // Quit: a stop asked for by the user, the working connection closed, polling ended.
+  QSignalSpy quit(&w, &frmTerminal::quitRequested);
+  QSignalSpy closing(&w, &frmTerminal::queryClose);
+  SetReceiveRunning(true);
+  w.close();
+  EXPECT_TRUE(w.isVisible()) << "no closing in the middle of a receive";
+  EXPECT_EQ(closing.count(), 0);
+  SetReceiveRunning(false);
+  w.mnuQuit->trigger();
+  EXPECT_FALSE(w.isVisible());
+  EXPECT_EQ(quit.count(), 1);
+  ASSERT_EQ(closing.count(), 1);
+  EXPECT_EQ(closing.first().at(0).toInt(), 0);
+  EXPECT_FALSE(w.timerPolling->isActive());
+}
+
+TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUserWithoutQuestions) {
+  frmTerminal& w = open();
+  QSignalSpy drawn(&w, &frmTerminal::chartDrawn);
+  placeRecorder(Recorder(10, kLastDay));
+  ASSERT_TRUE(WaitUntil([] { return GetScreenState() == kStateJob; }));
+  EXPECT_EQ(screens.asked, QStringList({QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("frmUserRegist")}));
+  const QString userId = screens.lastRegisteredId;
+  ASSERT_FALSE(userId.isEmpty());
+  EXPECT_EQ(GetCurrentUserId(), userId);
+  EXPECT_EQ(daysOf(userId), 10);
+  // The job screen shows the user's week at once.
+  ASSERT_GE(drawn.count(), 1);
+  EXPECT_EQ(drawn.last().at(0).toInt(), 100);
+  EXPECT_FALSE(w.pictureContents->image().isNull());
+  EXPECT_EQ(w.rangeState().dtDateEnd, kLastDay);
+  EXPECT_EQ(w.rangeState().dtDateStart, kLastDay.addDays(-6));
+  EXPECT_EQ(w.lblUserNickName->text(), QStringLiteral("山田 花子"));
+  EXPECT_TRUE(w.lblSama->isVisible());
+  EXPECT_TRUE(w.btnReceive->isEnabled()) << "the recorder is still on the reader";
+  EXPECT_TRUE(GetRecorderHandled());
+  EXPECT_FALSE(GetReceiveRunning());
+  EXPECT_FALSE(GetModalFormOpen());
+
+  // Taken off: the next tick clears the mark; put back three days later: received again
+  // for the same user, no question asked.
+  takeRecorder();
+  ASSERT_TRUE(WaitUntil([] { return !GetRecorderHandled(); }));
+  EXPECT_FALSE(w.btnReceive->isEnabled());
+  screens.asked.clear();
+  placeRecorder(Recorder(13, kLastDay.addDays(3)));
+  ASSERT_TRUE(WaitUntil([&] { return daysOf(userId) == 13; }));
+  ASSERT_TRUE(WaitUntil([] { return !GetReceiveRunning(); }));
+  EXPECT_TRUE(screens.asked.isEmpty()) << screens.asked.join(u',').toStdString();
+  EXPECT_EQ(GetScreenState(), kStateJob);
+  EXPECT_EQ(w.rangeState().dtDateEnd, kLastDay.addDays(3)) << inst.traceText().right(3000).toStdString();
+  EXPECT_TRUE(inst.dialog().shown.empty());
+}
+
+TEST_F(TerminalTest, TheNewRecorderQuestionAnsweredOnTheRealScreensRegistersAndDrawsTheWeek) {
+  frmTerminal& w = open(true);
+  // A person answering: create a user, type the name, register. The receive's own two
+  // screens are left to work.
+  QStringList answered;
+  QTimer person;
+  QObject::connect(&person, &QTimer::timeout, [&] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (!modal || !modal->isVisible()) return;
+    const QString name = modal->objectName();
+    if (name == QLatin1String("frmRecvMsgNewCPU")) {
+      answered << name;
+      modal->findChild<QPushButton*>(QStringLiteral("btnCreateUser"))->click();
+    } else if (name == QLatin1String("frmUserRegist")) {
+      answered << name;
+      modal->findChild<QLineEdit*>(QStringLiteral("txtFN"))->insert(QStringLiteral("森 さくら"));
+      modal->findChild<QPushButton*>(QStringLiteral("btnUserRegist"))->click();
+    }
+  });
+  person.start(20);
+  placeRecorder(Recorder(8, kLastDay));
+  ASSERT_TRUE(WaitUntil([] { return GetScreenState() == kStateJob && !GetReceiveRunning(); }))
+      << answered.join(u',').toStdString();
+  person.stop();
+  EXPECT_EQ(answered, QStringList({QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("frmUserRegist")}));
+  EXPECT_EQ(w.lblUserNickName->text(), QStringLiteral("森 さくら"));
+  EXPECT_EQ(daysOf(GetCurrentUserId()), 8);
+  EXPECT_FALSE(w.pictureContents->image().isNull());
+  EXPECT_EQ(w.rangeState().chartKind, 100);
+  EXPECT_EQ(w.rangeState().dtDateEnd, kLastDay);
+}
+
+TEST_F(TerminalTest, CancelDuringThePagesStoresNothingAndTheWindowStaysOnItsFace) {
+  frmTerminal& w = open();
+  // Presses cancel on the data screen once three pages are in.
+  QTimer presser;
+  int pagesWhenPressed = -1;
+  QObject::connect(&presser, &QTimer::timeout, [&] {
+    auto* data = qobject_cast<ReceiveScreen*>(TopLevel("frmRecvData"));
+    if (data && pagesWhenPressed < 0 && data->progressTransfer->value() >= 3) {
+      pagesWhenPressed = data->progressTransfer->value();
+      data->btnDataReceiveCancel->click();
+    }
+  });
+  presser.start(0);
+  placeRecorder(Recorder(40, kLastDay));
+  ASSERT_TRUE(WaitUntil([&] { return !screens.lastRegisteredId.isEmpty() && !GetReceiveRunning(); }));
+  presser.stop();
+  EXPECT_GE(pagesWhenPressed, 3);
+  EXPECT_EQ(daysOf(screens.lastRegisteredId), 0) << "the cancel removes every page of the receive";
+  EXPECT_EQ(GetScreenState(), kStateUserSelect);
+  EXPECT_EQ(qobject_cast<QStackedWidget*>(w.lvUserList->parentWidget()->parentWidget())->currentIndex(), 0);
+  EXPECT_EQ(w.lvUserList->count(), 1) << "the user registered on the way stays";
+  EXPECT_EQ(TopLevel("frmRecvData"), nullptr);
+  EXPECT_EQ(TopLevel("frmRecvManagement"), nullptr);
+  // The recorder stays marked: it does not start again by itself.
+  QTest::qWait(120);
+  EXPECT_EQ(daysOf(screens.lastRegisteredId), 0);
+  EXPECT_TRUE(GetRecorderHandled());
+  EXPECT_TRUE(w.btnReceive->isEnabled());
+}
+
+TEST_F(TerminalTest, ARecorderPlacedWhileRegistrationIsOpenIsNotReceivedWhenItCloses) {
+  frmTerminal& w = open();
+  screens.registName = QStringLiteral("佐藤 一郎");
+  screens.duringRegist = [this] {
+    placeRecorder(Recorder(5, kLastDay));
+    QTest::qWait(150);  // several ticks with the screen open
+  };
+  w.btnUserNew->click();
+  ASSERT_FALSE(screens.lastRegisteredId.isEmpty());
+  EXPECT_TRUE(GetRecorderHandled()) << "seen while the screen was open";
+  QTest::qWait(150);
+  EXPECT_EQ(daysOf(screens.lastRegisteredId), 0);
+  EXPECT_EQ(screens.asked, QStringList({QStringLiteral("frmUserRegist")}));
+  EXPECT_EQ(w.lvUserList->count(), 1);
+  EXPECT_TRUE(w.btnReceive->isEnabled());
+  EXPECT_TRUE(w.mnuReceive->isEnabled());
+
+  // Taken off and placed again: now it is received.
+  takeRecorder();
+  ASSERT_TRUE(WaitUntil([] { return !GetRecorderHandled(); }));
+  screens.newCpuAnswer = ReceiveQuestions::NewCpuAnswer::SelectUser;
+  screens.selectId = screens.lastRegisteredId;
+  placeRecorder(Recorder(5, kLastDay));
+  ASSERT_TRUE(WaitUntil([&] { return daysOf(screens.selectId) == 5; }));
+}
+
+class NavigationTest : public TerminalTest {
+ protected:
+  void SetUp() override {
+    TerminalTest::SetUp();
+    VtDatabase seed;
+    seed.open(inst.dbFile(), kDefaultDbPassword);
+    ASSERT_TRUE(VTDB_SetUserInfo(seed, SampleUser(kUser)));
+    ASSERT_EQ(StoreRecorderDays(seed, kUser, Recorder(60, kLastDay)), QString());
+    VTDB_Close(seed);
+    inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("SAVE_LAST_USER"), QStringLiteral("1"));
+    inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("LAST_USER_ID"), kUser);
+  }
+  QDate start() const { return window->rangeState().dtDateStart; }
+  QDate end() const { return window->rangeState().dtDateEnd; }
+  int kind() const { return window->rangeState().chartKind; }
+  const QString kUser = QStringLiteral("U000000001");
+};
+
+TEST_F(NavigationTest, TheRememberedUserOpensOnTheWeekAndEveryButtonMovesTheWindow) {
+  frmTerminal& w = open();
+  QSignalSpy drawn(&w, &frmTerminal::chartDrawn);
+  ASSERT_EQ(GetScreenState(), kStateJob);
+  EXPECT_EQ(GetCurrentUserId(), kUser);
+  const QDate first = w.rangeState().rangeFirst;
+  const QDate last = w.rangeState().rangeLast;
+  EXPECT_EQ(last, kLastDay);
+  EXPECT_EQ(first.daysTo(last), 59);
+  EXPECT_EQ(kind(), 100);
+  EXPECT_EQ(start(), last.addDays(-6));
+  EXPECT_EQ(w.dtDateEnd->date(), last);
+  EXPECT_TRUE(w.btnDateLatest->isChecked());
+  EXPECT_TRUE(w.btnWeek->isChecked());
+  EXPECT_TRUE(w.mnuUserList->isEnabled());
+  EXPECT_FALSE(w.mnuNewUser->isEnabled());
+
+  w.btnDateBack->click();
+  EXPECT_EQ(end(), last.addDays(-1));
+  EXPECT_EQ(start(), last.addDays(-7));
+  EXPECT_FALSE(w.btnDateLatest->isChecked());
+  w.btnDateNext->click();
+  w.btnDateNext->click();
+  EXPECT_EQ(end(), last) << "next stops at the last measured day";
+
+  w.btnMonth->click();
+  EXPECT_EQ(end(), last);
+  EXPECT_EQ(start(), last.addDays(-34));
+  EXPECT_EQ(kind(), 101);
+  w.btnDateBack->click();
+  EXPECT_EQ(end(), last.addDays(-7)) << "a month moves by one week";
+  w.btnDateLatest->click();
+  EXPECT_EQ(end(), last);
+
+  w.btnGraph[1]->click();
+  EXPECT_EQ(kind(), 201);
+  w.btnSixMonths->click();
+  EXPECT_EQ(kind(), 202);
+  EXPECT_EQ(start(), first) << "sixty days do not fill six spans";
+
+  w.btnDay->click();
+  EXPECT_EQ(kind(), 5);
+  EXPECT_EQ(start(), end());
+  EXPECT_FALSE(w.dtDateStart->isEnabled());
+  EXPECT_TRUE(w.lblDispChartOneday->isVisible());
+  w.btnDateBack->click();
+  EXPECT_EQ(end(), last.addDays(-1));
+  w.btnGraph[4]->click();
+  EXPECT_EQ(kind(), 400) << "a graph from the day view goes to a week";
+  EXPECT_TRUE(w.btnWeek->isChecked());
+
+  // Back at the left edge a week keeps its seven days.
+  for (int i = 0; i < 70; ++i) w.btnDateBack->click();
+  EXPECT_EQ(start(), first);
+  EXPECT_EQ(end(), first.addDays(6));
+
+  // A chosen end date in the picker takes effect with btnDateUpdate.
+  w.dtDateEnd->setDate(first.addDays(20));
+  EXPECT_EQ(start(), first.addDays(14));
+  w.btnDateUpdate->click();
+  EXPECT_EQ(end(), first.addDays(20));
+  EXPECT_TRUE(w.lblDispChartRange->text().contains(first.addDays(14).toString(QStringLiteral("yyyy/MM/dd"))));
+
+  for (const QList<QVariant>& d : drawn) EXPECT_EQ(d.at(1).toInt(), 0) << "every chart drew";
+  EXPECT_GE(drawn.count(), 15);
+  EXPECT_TRUE(inst.dialog().shown.empty());
+
+  // Back to the list with the user still selected; double click opens it again.
+  w.btnBack->click();
+  EXPECT_EQ(GetScreenState(), kStateUserSelect);
+  ASSERT_EQ(w.lvUserList->count(), 1);
+  EXPECT_TRUE(w.lvUserList->item(0)->isSelected());
+  EXPECT_TRUE(w.btnUserEdit->isEnabled());
+  EXPECT_TRUE(w.mnuDeleteUser->isEnabled());
+  Q_EMIT w.lvUserList->itemDoubleClicked(w.lvUserList->item(0));
+  EXPECT_EQ(GetScreenState(), kStateJob);
+  EXPECT_EQ(Ini_GetLastUserId(), kUser);
+}
+
+TEST_F(NavigationTest, AnUnchangedChartReusesItsFilesAndAChangedUserRebuildsThem) {
+  frmTerminal& w = open();
+  const QString header = w.headerFile();
+  ASSERT_FALSE(header.isEmpty());
+  w.btnDateUpdate->click();
+  EXPECT_EQ(w.headerFile(), header) << "same kind and range: the files are used again";
+  // A bigger window paints the chart again at its new size, without new files.
+  w.resize(w.width() + 200, w.height() + 100);
+  ASSERT_TRUE(WaitUntil([&w] {
+    return w.pictureContents->image().size() ==
+           (QSizeF(w.pictureContents->size()) * w.pictureContents->devicePixelRatioF()).toSize();
+  }, 3000));
+  EXPECT_EQ(w.headerFile(), header);
+  w.btnUserEdit->click();
+  EXPECT_EQ(screens.asked.last(), QStringLiteral("frmUserModify ") + kUser);
+  EXPECT_FALSE(QFileInfo::exists(header)) << "the old files go when the chart is made anew";
+  EXPECT_TRUE(QFileInfo::exists(w.headerFile()));
+  w.close();
+  EXPECT_FALSE(QFileInfo::exists(w.headerFile())) << "closing removes the chart on show";
+}
+
+TEST_F(TerminalTest, SortOrdersAreStoredAtOnceAndALongNameIsCutBeforeTheHonorific) {
+  VtDatabase seed;
+  seed.open(inst.dbFile(), kDefaultDbPassword);
+  QString a;
+  QString b;
+  QString c;
+  ASSERT_EQ(RegisterUserByName(seed, QStringLiteral("かとう"), a), 0);
+  ASSERT_EQ(RegisterUserByName(seed, QStringLiteral("あべ"), b), 0);
+  ASSERT_EQ(RegisterUserByName(seed, QString(200, QChar(u'長')), c), 0);
+  VTDB_Close(seed);
+  frmTerminal& w = open();
+  auto names = [&w] {
+    QStringList n;
+    for (int i = 0; i < w.lvUserList->count(); ++i) n << w.lvUserList->item(i)->data(Qt::UserRole).toString();
+    return n;
+  };
+  EXPECT_EQ(names(), QStringList({a, b, c}));
+  w.mnuRegistDescend->trigger();
+  EXPECT_EQ(names(), QStringList({c, b, a}));
+  EXPECT_EQ(Ini_GetSortOrder(), 1);
+  w.mnuNameAscend->trigger();
+  EXPECT_EQ(names().first(), b);
+  EXPECT_EQ(Ini_GetSortOrder(), 2);
+  EXPECT_TRUE(w.mnuNameAscend->isChecked());
+  EXPECT_FALSE(w.mnuRegistDescend->isChecked());
+
+  // The user with the long name: cut character by character, honorific kept.
+  w.lvUserList->setCurrentRow(names().indexOf(c));
+  Q_EMIT w.lvUserList->itemDoubleClicked(w.lvUserList->currentItem());
+  const QString shown = w.lblUserNickName->text();
+  EXPECT_FALSE(shown.isEmpty());
+  EXPECT_LT(shown.size(), 200);
+  EXPECT_TRUE(QString(200, QChar(u'長')).startsWith(shown));
+  EXPECT_TRUE(w.lblSama->isVisible());
+  EXPECT_LE(w.lblSama->geometry().right(), w.width());
+  EXPECT_FALSE(w.btnPrint->isEnabled()) << "a user without data has nothing to print";
+  EXPECT_FALSE(w.picGraphBtn->isEnabled());
+  EXPECT_FALSE(w.mnuReport->isEnabled());
+}
+
+// ---- the decisions without a window ----
+
+TEST(TerminalLogicTest, PollingMarksSeenWhileAScreenIsOpenAndForgetsARemovedRecorder) {
+  ResetSharedValues();
+  FakeReader reader;
+  NoWaitClock clock;
+  DeviceState state;
+  reader.openResult = 0;
+  EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::Nothing);
+  reader.openResult = 5;
+  EXPECT_EQ(PollingTick(reader, clock, state, true), TickAction::Minimized);
+  EXPECT_FALSE(GetRecorderHandled()) << "minimized: not marked as seen";
+  EXPECT_EQ(reader.count(QStringLiteral("Tavo_Close")), 1);
+  SetModalFormOpen(true);
+  EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::MarkedSeen);
+  EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::StillConnected);
+  SetModalFormOpen(false);
+  EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::StillConnected);
+  reader.openResult = 0;
+  EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::RecorderGone);
+  EXPECT_FALSE(GetRecorderHandled());
+  reader.openResult = 6;
+  EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::StartReceive);
+  EXPECT_EQ(clock.totalWaitedMs(), 7 * 100) << "each tick pauses 100 ms before asking";
+  ResetSharedValues();
+}
+
+TEST(TerminalLogicTest, NoDataTurnsTheReportOffAndTheNameCutKeepsWholeCharacters) {
+  const MenuState job = MenuStateFor(kStateJob, kFocusUserSelect, true, false, QString());
+  EXPECT_TRUE(job.report);
+  EXPECT_FALSE(MenuStateFor(kStateJob, kFocusUserSelect, true, false, kDataStateNoData).report);
+  EXPECT_FALSE(MenuStateFor(kStateUserSelect, kFocusGroupSelect, true, true, QString()).editUser);
+  EXPECT_TRUE(MenuStateFor(kStateUserSelect, kFocusGroupSelect, true, true, QString()).receive);
+  EXPECT_FALSE(ButtonStateFor(kStateJob, kFocusUserSelect, false, false).print);
+
+  auto width = [](const QString& t) { return static_cast<int>(t.size()) * 10; };
+  EXPECT_EQ(CutToWidth(QStringLiteral("abcdef"), 35, width), QStringLiteral("abc"));
+  EXPECT_EQ(CutToWidth(QStringLiteral("abc"), 100, width), QStringLiteral("abc"));
+  EXPECT_EQ(CutToWidth(QStringLiteral("abc"), 0, width), QString());
+  // A character outside the basic plane is never split in two.
+  const QString smile = QStringLiteral("ab") + QString::fromUcs4(U"\U0001F600");
+  EXPECT_EQ(CutToWidth(smile, 30, width), QStringLiteral("ab"));
+
+  UserInfo u;
+  u.FIRST_NAME = QStringLiteral("Anne");
+  u.LAST_NAME = QStringLiteral("Lee");
+  EXPECT_EQ(NameLineText(u, true), QStringLiteral("Anne Lee"));
+  u.MIDDLE_NAME = QStringLiteral("M");
+  EXPECT_EQ(NameLineText(u, true), QStringLiteral("Anne M Lee"));
+  EXPECT_EQ(NameLineText(u, false), QStringLiteral("Anne"));
+}
+
+}  // namespace
