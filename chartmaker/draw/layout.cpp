@@ -37,15 +37,16 @@ std::vector<int> DatedSlots(const std::vector<Span>& labels, int every, double m
   const int n = static_cast<int>(labels.size());
   std::vector<int> dated;
   if (n == 0) return dated;
-  for (int i = 0; i < n; i += std::max(1, every)) dated.push_back(i);
-  if (dated.back() != n - 1) dated.push_back(n - 1);
-  auto at = [&](int i) { return labels[static_cast<size_t>(i)]; };
-  while (dated.size() >= 2 && at(dated[dated.size() - 2]).right + minGap > at(dated.back()).left) {
-    if (dated.size() > 2)
-      dated.erase(dated.end() - 2);
-    else
-      dated.pop_back();
-  }
+  auto clearOf = [&](int a, int b) {
+    return labels[static_cast<size_t>(a)].right + minGap <= labels[static_cast<size_t>(b)].left;
+  };
+  // A label pushed inwards at the area's edge may reach its neighbour: it then gives way.
+  for (int i = 0; i < n - 1; i += std::max(1, every))
+    if (dated.empty() || clearOf(dated.back(), i)) dated.push_back(i);
+  if (dated.empty()) return {n - 1};
+  // The last day always has its label; the ones before it give way, all but the first.
+  while (!clearOf(dated.back(), n - 1) && dated.size() > 1) dated.pop_back();
+  if (clearOf(dated.back(), n - 1)) dated.push_back(n - 1);
   return dated;
 }
 

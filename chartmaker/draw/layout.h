@@ -32,8 +32,9 @@ struct Span {
 double ClampedLabelLeft(double centre, double w, double areaLeft, double areaRight);
 // Every how many slots a date label fits.
 int LabelEvery(double widestLabel, double padding, double slotWidth);
-// The slots that carry a date label: every `every` from the first, and always the last;
-// the one before the last gives way while the two are closer than minGap.
+// The slots that carry a date label: every `every` from the first, and the last. No two
+// are closer than minGap: a label that would be gives way, except the first; the last
+// gives way only to the first.
 std::vector<int> DatedSlots(const std::vector<Span>& labels, int every, double minGap);
 
 // Box of a plate whose text measures textW x textH: anchored at the bottom, aligned left,
