@@ -8,18 +8,13 @@ double ActivityTimeAxisMax(const ChartSettings& s, const InterfaceFile& d) {
 }
 
 BarChart ActivityTimeChart(const ChartSettings& s, const InterfaceFile& d) {
-  BarChart c;
-  c.title = s.text(QStringLiteral("CHART_400"));
-  c.subtitle = PeriodText(s, d);
-  c.unit = QStringLiteral("(") + s.text(QStringLiteral("UNIT_MIN")) + QStringLiteral(")");
+  BarChart c = NewBarChart(s, d, QStringLiteral("CHART_400"), s.text(QStringLiteral("UNIT_MIN")));
   c.axisMax = ActivityTimeAxisMax(s, d);
   c.axisDecimals = 0;
   const QColor mod = s.colour(QStringLiteral("MODERATE")), vig = s.colour(QStringLiteral("VIGOROUS"));
   std::optional<double> lastTarget;
   for (const auto& l : d.lines) {
-    Slot slot;
-    slot.label = SlotLabel(s, d, l);
-    slot.state = l.state;
+    Slot slot = NewSlot(s, d, l);
     if (l.hasFigures()) {
       double total = 0;
       for (int level = d.moderateFrom; level <= 9; ++level) {

@@ -43,6 +43,10 @@ void DrawBarChart(Ctx& x, const QRectF& area, const BarChart& c);
 // The builders of the bar charts from the chart file's lines. axisMax is the configured
 // maximum of the value axis (0: none).
 QStringList SlotLabel(const ChartSettings& s, const InterfaceFile& d, const ChartLine& l);
+// A chart titled by the settings' text under titleKey, with the period and "(unit)".
+BarChart NewBarChart(const ChartSettings& s, const InterfaceFile& d, const QString& titleKey, const QString& unit);
+// The slot of a line: its date label and state, no figures yet.
+Slot NewSlot(const ChartSettings& s, const InterfaceFile& d, const ChartLine& l);
 BarChart SingleSeries(const ChartSettings& s, const InterfaceFile& d, const char* titleKey, const char* unitKey,
                       int field, const QColor& colour, int targetField, std::optional<double> mean, double axisMax,
                       int decimals, const QString& seriesCaption);

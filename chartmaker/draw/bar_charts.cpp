@@ -10,6 +10,21 @@ QStringList SlotLabel(const ChartSettings& s, const InterfaceFile& d, const Char
   return {s.mda(l.first), QStringLiteral("- ") + s.mda(l.last)};
 }
 
+BarChart NewBarChart(const ChartSettings& s, const InterfaceFile& d, const QString& titleKey, const QString& unit) {
+  BarChart c;
+  c.title = s.text(titleKey);
+  c.subtitle = PeriodText(s, d);
+  c.unit = QStringLiteral("(") + unit + QStringLiteral(")");
+  return c;
+}
+
+Slot NewSlot(const ChartSettings& s, const InterfaceFile& d, const ChartLine& l) {
+  Slot slot;
+  slot.label = SlotLabel(s, d, l);
+  slot.state = l.state;
+  return slot;
+}
+
 void FinishLegend(BarChart& c, const ChartSettings& s, std::optional<double> mean, int decimals) {
   if (mean && *mean > 0) {
     c.mean = mean;
@@ -23,17 +38,12 @@ void FinishLegend(BarChart& c, const ChartSettings& s, std::optional<double> mea
 BarChart SingleSeries(const ChartSettings& s, const InterfaceFile& d, const char* titleKey, const char* unitKey,
                       int field, const QColor& colour, int targetField, std::optional<double> mean, double axisMax,
                       int decimals, const QString& seriesCaption) {
-  BarChart c;
-  c.title = s.text(QLatin1String(titleKey));
-  c.subtitle = PeriodText(s, d);
-  c.unit = QStringLiteral("(") + s.text(QLatin1String(unitKey)) + QStringLiteral(")");
+  BarChart c = NewBarChart(s, d, QLatin1String(titleKey), s.text(QLatin1String(unitKey)));
   c.axisMax = axisMax;
   c.axisDecimals = decimals;
   std::optional<double> lastTarget;
   for (const auto& l : d.lines) {
-    Slot slot;
-    slot.label = SlotLabel(s, d, l);
-    slot.state = l.state;
+    Slot slot = NewSlot(s, d, l);
     if (l.hasFigures()) {
       const double v = l.value(field);
       slot.segs.push_back({v, colour});
@@ -65,16 +75,11 @@ BarChart SingleSeries(const ChartSettings& s, const InterfaceFile& d, const char
 }
 
 BarChart TotalCalChart(const ChartSettings& s, const InterfaceFile& d) {
-  BarChart c;
-  c.title = s.text(QStringLiteral("CHART_500"));
-  c.subtitle = PeriodText(s, d);
-  c.unit = QStringLiteral("(") + s.text(QStringLiteral("UNIT_KCAL")) + QStringLiteral(")");
+  BarChart c = NewBarChart(s, d, QStringLiteral("CHART_500"), s.text(QStringLiteral("UNIT_KCAL")));
   c.axisMax = ConfiguredMax(s.axisMaxima.totalCal, d.fixedMax[3]);
   const QColor act = s.colour(QStringLiteral("ACTIVITY_CAL")), rest = s.colour(QStringLiteral("TOTAL_CAL"));
   for (const auto& l : d.lines) {
-    Slot slot;
-    slot.label = SlotLabel(s, d, l);
-    slot.state = l.state;
+    Slot slot = NewSlot(s, d, l);
     if (l.hasFigures()) {
       const double total = l.value(13), a = std::min(l.value(12), total);
       slot.segs.push_back({a, act});
@@ -91,13 +96,11 @@ BarChart TotalCalChart(const ChartSettings& s, const InterfaceFile& d) {
 
 BarChart ExerciseChart(const ChartSettings& s, const InterfaceFile& d) {
   const int family = ChartFamily(d.type);
-  BarChart c;
-  c.title = s.text(QStringLiteral("CHART_900"));
+  BarChart c = NewBarChart(s, d, QStringLiteral("CHART_900"), s.text(QStringLiteral("UNIT_EX")));
   c.subtitle = (family == 0   ? s.text(QStringLiteral("PERIOD_0"))
                 : family == 1 ? s.text(QStringLiteral("WEEK_TOTAL"))
                               : s.text(QStringLiteral("MEAN_WEEK_TOTAL"))) +
                QStringLiteral("   ") + DateRangeText(s, d.start, d.end);
-  c.unit = QStringLiteral("(") + s.text(QStringLiteral("UNIT_EX")) + QStringLiteral(")");
   std::optional<double> target = d.exerciseTarget;
   // The target is a weekly one; a daily chart shows its share of one day.
   if (target && family == 0) target = *target / 7.0;
@@ -106,9 +109,7 @@ BarChart ExerciseChart(const ChartSettings& s, const InterfaceFile& d) {
   double sum = 0;
   int count = 0;
   for (const auto& l : d.lines) {
-    Slot slot;
-    slot.label = SlotLabel(s, d, l);
-    slot.state = l.state;
+    Slot slot = NewSlot(s, d, l);
     // Exercise counts on excluded days too; a group without figures may still carry it.
     if (l.exercise) {
       if (slot.state == LineState::AllExcluded) slot.state = LineState::Excluded;
