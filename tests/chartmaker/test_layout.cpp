@@ -2,8 +2,14 @@
 // numbers one drawing happens to produce.
 #include <gtest/gtest.h>
 
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+#include <QTemporaryDir>
 #include <cmath>
 
+#include "chart_fixtures.h"
+#include "chartdraw.h"
 #include "draw/layout.h"
 
 using namespace chartdraw;
@@ -155,4 +161,35 @@ TEST(ChartLayout, ReportTableShrinksRowsBeforeLeavingThemOff) {
   EXPECT_EQ(ReportChartHeight(500, 30, 10, false), 500);
   EXPECT_GE(ReportChartHeight(500, 300, 10, true), 500 * 0.58 - 10 * 0.8 - 1e-9);
   EXPECT_DOUBLE_EQ(ReportChartHeight(500, 1, 10, true), 500 - 10 * 1.7 * 2.5 - 8);
+}
+
+// The configured axis maximum reaches the drawing through the settings alone: a larger
+// one draws the same chart smaller, an unusable one leaves the chart's own.
+TEST(ChartAxis, ConfiguredMaximumComesWithTheSettings) {
+  if (!QGuiApplication::instance()) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static int argc = 1;
+    static char name[] = "test_chartmaker";
+    static char* argv[] = {name, nullptr};
+    static QGuiApplication app(argc, argv);
+  }
+  QTemporaryDir dir;
+  fixtures::Options o;
+  o.type = 200;
+  const QString file = dir.filePath(QStringLiteral("steps.txt"));
+  ASSERT_TRUE(fixtures::WriteInterface(file, o));
+  ChartDocument doc;
+  ASSERT_EQ(ReadInterfaceFile(file, doc.data), ChartReadStatus::Ok);
+  auto draw = [&](const QString& maxSteps) {
+    ChartSettings s;
+    s.axisMaxima.steps = maxSteps;
+    QImage img(640, 400, QImage::Format_ARGB32);
+    QPainter p(&img);
+    DrawChartDocument(p, QRectF(0, 0, 640, 400), doc, s);
+    return img;
+  };
+  const QImage own = draw(QString());
+  EXPECT_NE(draw(QStringLiteral("60000")), own);
+  EXPECT_EQ(draw(QStringLiteral("none")), own);
+  EXPECT_EQ(draw(QStringLiteral("-5")), own);
 }
