@@ -11,16 +11,16 @@
 
 namespace {
 
-RecorderImageOptions FullRing(const QString& kind) {
+RecorderImageOptions FullRing(RecorderKind kind) {
   RecorderImageOptions o;
   o.kind = kind;
   o.seed = 3;
-  o.days = RingSize(kind, PMLANG_JPN) - 1;  // every page but one holds a day
+  o.days = RingSize(kind, RecorderLang::Japanese) - 1;  // every page but one holds a day
   o.lastDay = QDate(2024, 6, 30);
   return o;
 }
 
-void DecodeRing(benchmark::State& state, const QString& kind) {
+void DecodeRing(benchmark::State& state, RecorderKind kind) {
   const RecorderImageOptions o = FullRing(kind);
   const QByteArray image = MakeRecorderImage(o);
   const int pageBytes = PageBytesOfKind(kind);
@@ -40,9 +40,9 @@ void DecodeRing(benchmark::State& state, const QString& kind) {
                                                  benchmark::Counter::kIsRate);
 }
 
-void BM_DecodeRingBrioNormal(benchmark::State& state) { DecodeRing(state, PMKIND_BRIO_NORMAL); }
-void BM_DecodeRingAL(benchmark::State& state) { DecodeRing(state, PMKIND_AL); }
-void BM_DecodeRingMets(benchmark::State& state) { DecodeRing(state, PMKIND_BRIO_METS); }
+void BM_DecodeRingBrioNormal(benchmark::State& state) { DecodeRing(state, RecorderKind::BrioNormal); }
+void BM_DecodeRingAL(benchmark::State& state) { DecodeRing(state, RecorderKind::AL); }
+void BM_DecodeRingMets(benchmark::State& state) { DecodeRing(state, RecorderKind::BrioMets); }
 
 // Management block and every page through UsbOpen / PM_RecvManage / PM_RecvData, with a
 // configuration of its own (the recorder numbers; nothing logged, no raw file).
@@ -59,7 +59,7 @@ void BM_ReadRingThroughEmulator(benchmark::State& state) {
   WriteIniString(conf, "SYSTEM", "LOG_PATH", dir.path());
   SetConfigPath(conf);
   SetLogLevel("3");
-  WriteRecorderImage(FullRing(PMKIND_BRIO_NORMAL), QDir(dir.path()).filePath("r.img"));
+  WriteRecorderImage(FullRing(RecorderKind::BrioNormal), QDir(dir.path()).filePath("r.img"));
   EmulatedReader reader(dir.path());
   NoWaitClock clock;
   size_t pages = 0;
@@ -74,7 +74,7 @@ void BM_ReadRingThroughEmulator(benchmark::State& state) {
 }
 
 void BM_MakeRecorderImageFullRing(benchmark::State& state) {
-  const RecorderImageOptions o = FullRing(PMKIND_BRIO_NORMAL);
+  const RecorderImageOptions o = FullRing(RecorderKind::BrioNormal);
   for (auto _ : state) benchmark::DoNotOptimize(MakeRecorderImage(o));
 }
 

@@ -79,7 +79,7 @@ class SelectOnce : public ReceiveQuestions {
 
 RecorderImageOptions Recorder(int days, const QDate& lastDay) {
   RecorderImageOptions o;
-  o.kind = PMKIND_BRIO_NORMAL;
+  o.kind = RecorderKind::BrioNormal;
   o.days = days;
   o.lastDay = lastDay;
   o.cpuNo = QStringLiteral("B00001");

@@ -96,9 +96,9 @@ bool storeReception(VtDatabase& db, const QDate& first, int count) {
   for (int i = 0; i < count; ++i) {
     FlashData page = dayPage(first.addDays(i), i);
     if (!VTDB_SetDayMeasurement(db, receiveId, i + 1, QStringLiteral("U000000001"), i + 1, 1, page, m,
-                                PMKIND_BRIO_NORMAL))
+                                RecorderKind::BrioNormal))
       return false;
-    if (!VTDB_SetTimeMeasurementBlock(db, receiveId, i + 1, page, PMKIND_BRIO_NORMAL)) return false;
+    if (!VTDB_SetTimeMeasurementBlock(db, receiveId, i + 1, page, RecorderKind::BrioNormal)) return false;
   }
   return true;
 }

@@ -81,6 +81,8 @@ int ChartMaker::prepare(const QString& settingsPath) {
   return Guarded([&] {
     ChartSettings fresh;
     const bool found = fresh.load(settingsPath);
+    const std::array<QString, 5> max = Ini_GetMaxValues();
+    fresh.axisMaxima = {max[0], max[1], max[2], max[3]};
     *settings_ = fresh;
     last_.clear();
     return found ? chartcode::kOk : chartcode::kFileMissing;

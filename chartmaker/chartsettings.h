@@ -15,6 +15,12 @@ struct ChartSettings {
   QStringList weekdays;  // Monday first, seven names
   QHash<QString, QColor> colours;
   QHash<QString, QString> texts;  // [TITLE] and [CAPTION] keys
+  // The value axes' maxima from the configuration, as written there; a blank or
+  // non-positive one leaves the chart's own maximum. Read when the charts are prepared,
+  // never while drawing.
+  struct AxisMaxima {
+    QString steps, dayActivityMinutes, totalCal, meanActivityMinutes;
+  } axisMaxima;
 
   ChartSettings();  // the built-in defaults
   // Reads the file over the defaults; false when the file does not exist.

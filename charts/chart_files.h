@@ -2,7 +2,7 @@
 // one line per day, week or four-week span), the header file (the person and the period)
 // and the .sim file of the weight plan charts. They are the wire format to the library:
 // every field count, comma and number format here is part of the contract, including
-// the old irregularities the library expects (see the comments at each writer).
+// the irregularities the chart library expects (see the comments at each writer).
 //
 // This header holds the pure part: lines made from records. Writing them to disk and
 // gathering the records from the database is in make_chart.h.

@@ -89,8 +89,8 @@ int cmd_make_recorder(const QStringList& args) {
   LoadInstallationConfig();
   RecorderImageOptions o;
   o.numbers = RecorderNumbers::FromConfig();
-  o.kind = PmKindFromName(a.values.value("--kind"));
-  if (o.kind.isEmpty()) {
+  o.kind = KindFromName(a.values.value("--kind"));
+  if (o.kind == RecorderKind::Unknown) {
     err() << cmd << ": --kind must be AL, BRIO_NORMAL, BRIO_METS, BRIO_ZR or BRIO_KT\n";
     return 2;
   }

@@ -37,7 +37,7 @@ qint32 FlashManage_ConvertByteArray2Struct(ByteSpan block, FlashManage& out);
 // The four BRIO kinds; the ZR and KT bytes (969..971) are read only when kind is one
 // of those two.
 qint32 FlashManage_ConvertByteArray2Struct_Brio(ByteSpan block, FlashManage& out,
-                                                const QString& kind);
+                                                RecorderKind kind);
 
 // ---- data pages ----
 // Family A (496 bytes).
@@ -45,12 +45,12 @@ qint32 FlashData_ConvertByteArray2Struct(ByteSpan page, FlashData& out);
 // BRIO_NORMAL, BRIO_ZR, BRIO_KT (496 bytes); Exercise and the daily weight setting are
 // read only for ZR and KT.
 qint32 FlashData_ConvertByteArray2Struct_Brio(ByteSpan page, FlashData& out,
-                                              const QString& kind);
+                                              RecorderKind kind);
 // BRIO_METS (992 bytes); the profile lies in the last three transfer blocks, 240
 // values and 8 unread bytes each.
 qint32 FlashData_ConvertByteArray2Struct_METS(ByteSpan page, FlashData& out);
 // Picks the page decoder by kind; kDeviceUnknownKind for any other kind.
-qint32 FlashData_Decode(ByteSpan page, FlashData& out, const QString& kind);
+qint32 FlashData_Decode(ByteSpan page, FlashData& out, RecorderKind kind);
 
 // ---- profile values as shown and stored ----
 // Dump text of a slot: nibble kinds "0", "0.5", "1".."9", "" (no data);
@@ -59,9 +59,9 @@ QString ProfileSlotDumpText(quint8 raw, bool mets);
 
 // ---- dumps to the trace log (name "FLASHMANAGE" / "FLASHDATA", level 0) ----
 // level is PM_DUNP: 1 the record, 2 also the raw bytes; anything else writes nothing.
-void DumpFlashManage(const FlashManage& manage, const QString& kind, ByteSpan raw, int level);
-void DumpFlashData(const FlashData& page, const QString& kind, ByteSpan raw, int level);
+void DumpFlashManage(const FlashManage& manage, RecorderKind kind, ByteSpan raw, int level);
+void DumpFlashData(const FlashData& page, RecorderKind kind, ByteSpan raw, int level);
 // The dump lines themselves (without writing them), for tests and tools.
-QStringList FlashManageDumpLines(const FlashManage& manage, const QString& kind);
-QStringList FlashDataDumpLines(const FlashData& page, const QString& kind);
+QStringList FlashManageDumpLines(const FlashManage& manage, RecorderKind kind);
+QStringList FlashDataDumpLines(const FlashData& page, RecorderKind kind);
 QStringList RawDumpLines(ByteSpan raw);

@@ -12,19 +12,11 @@
 #include <span>
 
 #include "helpers.h"
+#include "recorder_kinds.h"
 
 // The zero date at 00:00 as a date-time. Device date-times are UTC, so no daylight
 // saving rule can shift a decoded hour.
 inline QDateTime ZeroDateTime() { return QDateTime(ZeroDate(), QTime(0, 0), Qt::UTC); }
-
-// ---- kinds and languages: held and compared as these exact texts ----
-inline const QString PMKIND_AL = QStringLiteral("PMKIND_AL");
-inline const QString PMKIND_BRIO_NORMAL = QStringLiteral("PMKIND_BRIO_NORMAL");
-inline const QString PMKIND_BRIO_METS = QStringLiteral("PMKIND_BRIO_METS");
-inline const QString PMKIND_BRIO_ZR = QStringLiteral("PMKIND_BRIO_ZR");
-inline const QString PMKIND_BRIO_KT = QStringLiteral("PMKIND_BRIO_KT");
-inline const QString PMLANG_JPN = QStringLiteral("PMLANG_JPN");
-inline const QString PMLANG_ENG = QStringLiteral("PMLANG_ENG");
 
 // The fixed text every family A record carries, whatever its block says.
 inline const QString kPmAlFixedText = QStringLiteral("12820");
@@ -180,8 +172,8 @@ struct FlashData {
 
 // The profile array that a kind fills (AL, BRIO nibble kinds, METS). Unknown kinds get
 // the AL array, which is then all zero.
-const LevelProfileArray& KindProfile(const FlashData& page, const QString& kind);
-LevelProfileArray& KindProfile(FlashData& page, const QString& kind);
+const LevelProfileArray& KindProfile(const FlashData& page, RecorderKind kind);
+LevelProfileArray& KindProfile(FlashData& page, RecorderKind kind);
 
 // The events' "no time recorded" marker: seconds 59 (00:00:59 from 0xFF bytes).
 inline bool IsNoEventTime(const QTime& t) { return t.isValid() && t.second() == 59; }
@@ -194,24 +186,24 @@ struct DeviceState {
   FlashManage manage;       // the decoded management block (tpFlashManage)
   FlashData data;           // the last decoded page (tpFlashData)
   FlashData startPage;      // the record of RecordStartPage, filled by the receive
-  QString pmKind;           // PMKIND_..., set by FlashManage_SetPMKind
-  QString pmLang;           // PMLANG_..., set by FlashManage_SetPMKind
+  RecorderKind pmKind = RecorderKind::Unknown;     // set by FlashManage_SetPMKind
+  RecorderLang pmLang = RecorderLang::Japanese;    // likewise
 };
 
 // ---- kinds, languages and the ring ----
-bool IsKnownPMKind(const QString& kind);
-bool IsNibbleKind(const QString& kind);  // AL, BRIO_NORMAL, BRIO_ZR, BRIO_KT
-bool IsZrOrKtKind(const QString& kind);
+bool IsKnownPMKind(RecorderKind kind);
+bool IsNibbleKind(RecorderKind kind);  // AL, BRIO_NORMAL, BRIO_ZR, BRIO_KT
+bool IsZrOrKtKind(RecorderKind kind);
 // Bytes per page (496 or 992) and transfer blocks per page (2 or 4); 0 for unknown kinds.
-int PageBytesOfKind(const QString& kind);
-int BlocksPerPageOfKind(const QString& kind);
+int PageBytesOfKind(RecorderKind kind);
+int BlocksPerPageOfKind(RecorderKind kind);
 // First transfer block of page p: 9 + (p - 1) * blocks per page.
-int FirstBlockOfPage(const QString& kind, int page);
+int FirstBlockOfPage(RecorderKind kind, int page);
 
-// Pages in the ring: JPN METS 120, ENG NORMAL 200, ENG METS 100, all others 240.
-qint16 RingSize(const QString& kind, const QString& lang);
+// Pages in the ring of the kind in that language.
+qint16 RingSize(RecorderKind kind, RecorderLang lang);
 // Adds the ring size to a negative difference and leaves any other value alone.
-qint16 WrapPageCount(qint16 difference, const QString& kind, const QString& lang);
+qint16 WrapPageCount(qint16 difference, RecorderKind kind, RecorderLang lang);
 inline qint16 WrapPageCount(qint16 difference, const DeviceState& state) {
   return WrapPageCount(difference, state.pmKind, state.pmLang);
 }
@@ -221,4 +213,4 @@ inline qint16 WrapPageCount(qint16 difference, const DeviceState& state) {
 // state's kind and language left as they were.
 qint32 FlashManage_SetPMKind(std::span<const quint8> block, DeviceState& state);
 // True when this installation (LANG) must refuse the recorder.
-bool IsRecorderMismatch(const QString& kind, const FlashManage& manage);
+bool IsRecorderMismatch(RecorderKind kind, const FlashManage& manage);

@@ -38,48 +38,81 @@ qint32& FlashData::level(int n) {
   }
 }
 
-const LevelProfileArray& KindProfile(const FlashData& page, const QString& kind) {
-  if (kind == PMKIND_BRIO_METS) return page.LevelProfileMets;
-  if (kind == PMKIND_BRIO_NORMAL || kind == PMKIND_BRIO_ZR || kind == PMKIND_BRIO_KT)
-    return page.LevelProfileBrio;
-  return page.LevelProfileAL;
+namespace {
+
+// The kinds of recorder. A Japanese METS recorder holds 120 days, an English one 100;
+// an English BRIO_NORMAL holds 200; all others 240.
+const KindInfo kKinds[] = {
+    {RecorderKind::Unknown, "", "", false, false, false, 0, 0},
+    {RecorderKind::AL, "PMKIND_AL", "AL", false, false, false, 240, 240},
+    {RecorderKind::BrioNormal, "PMKIND_BRIO_NORMAL", "BRIO_NORMAL", true, false, false, 240, 200},
+    {RecorderKind::BrioMets, "PMKIND_BRIO_METS", "BRIO_METS", true, false, true, 120, 100},
+    {RecorderKind::BrioZr, "PMKIND_BRIO_ZR", "BRIO_ZR", true, true, false, 240, 240},
+    {RecorderKind::BrioKt, "PMKIND_BRIO_KT", "BRIO_KT", true, true, false, 240, 240},
+};
+
+}  // namespace
+
+const KindInfo& InfoOf(RecorderKind kind) {
+  for (const KindInfo& k : kKinds)
+    if (k.kind == kind) return k;
+  return kKinds[0];
 }
 
-LevelProfileArray& KindProfile(FlashData& page, const QString& kind) {
+QString KindText(RecorderKind kind) { return QString::fromLatin1(InfoOf(kind).text); }
+
+RecorderKind KindFromText(const QString& text) {
+  for (const KindInfo& k : kKinds)
+    if (k.kind != RecorderKind::Unknown && text == QLatin1String(k.text)) return k.kind;
+  return RecorderKind::Unknown;
+}
+
+RecorderKind KindFromName(const QString& name) {
+  const QString n = name.trimmed().toUpper();
+  for (const KindInfo& k : kKinds)
+    if (k.kind != RecorderKind::Unknown && n == QLatin1String(k.name)) return k.kind;
+  return RecorderKind::Unknown;
+}
+
+QString LangText(RecorderLang lang) {
+  return lang == RecorderLang::English ? QStringLiteral("PMLANG_ENG") : QStringLiteral("PMLANG_JPN");
+}
+
+const LevelProfileArray& KindProfile(const FlashData& page, RecorderKind kind) {
+  const KindInfo& info = InfoOf(kind);
+  if (info.mets) return page.LevelProfileMets;
+  return info.brio ? page.LevelProfileBrio : page.LevelProfileAL;
+}
+
+LevelProfileArray& KindProfile(FlashData& page, RecorderKind kind) {
   return const_cast<LevelProfileArray&>(KindProfile(static_cast<const FlashData&>(page), kind));
 }
 
-bool IsKnownPMKind(const QString& kind) {
-  return kind == PMKIND_AL || kind == PMKIND_BRIO_NORMAL || kind == PMKIND_BRIO_METS ||
-         kind == PMKIND_BRIO_ZR || kind == PMKIND_BRIO_KT;
+bool IsKnownPMKind(RecorderKind kind) { return kind != RecorderKind::Unknown; }
+
+bool IsNibbleKind(RecorderKind kind) { return IsKnownPMKind(kind) && !InfoOf(kind).mets; }
+
+bool IsZrOrKtKind(RecorderKind kind) { return InfoOf(kind).zrKt; }
+
+int PageBytesOfKind(RecorderKind kind) {
+  if (!IsKnownPMKind(kind)) return 0;
+  return InfoOf(kind).mets ? kPageBytesMets : kPageBytesNibble;
 }
 
-bool IsNibbleKind(const QString& kind) { return IsKnownPMKind(kind) && kind != PMKIND_BRIO_METS; }
+int BlocksPerPageOfKind(RecorderKind kind) { return PageBytesOfKind(kind) / kTransferBlockBytes; }
 
-bool IsZrOrKtKind(const QString& kind) { return kind == PMKIND_BRIO_ZR || kind == PMKIND_BRIO_KT; }
-
-int PageBytesOfKind(const QString& kind) {
-  if (kind == PMKIND_BRIO_METS) return kPageBytesMets;
-  return IsKnownPMKind(kind) ? kPageBytesNibble : 0;
-}
-
-int BlocksPerPageOfKind(const QString& kind) { return PageBytesOfKind(kind) / kTransferBlockBytes; }
-
-int FirstBlockOfPage(const QString& kind, int page) {
+int FirstBlockOfPage(RecorderKind kind, int page) {
   return kFirstPageBlock + (page - 1) * BlocksPerPageOfKind(kind);
 }
 
-qint16 RingSize(const QString& kind, const QString& lang) {
-  if (lang == PMLANG_ENG) {
-    if (kind == PMKIND_BRIO_NORMAL) return 200;
-    if (kind == PMKIND_BRIO_METS) return 100;
-    return 240;
-  }
-  if (kind == PMKIND_BRIO_METS) return 120;
-  return 240;
+qint16 RingSize(RecorderKind kind, RecorderLang lang) {
+  const KindInfo& info = InfoOf(kind);
+  // An unknown kind counts as the common ring, so that page arithmetic never divides by none.
+  if (!IsKnownPMKind(kind)) return 240;
+  return static_cast<qint16>(lang == RecorderLang::English ? info.ringEnglish : info.ringJapanese);
 }
 
-qint16 WrapPageCount(qint16 difference, const QString& kind, const QString& lang) {
+qint16 WrapPageCount(qint16 difference, RecorderKind kind, RecorderLang lang) {
   if (difference >= 0) return difference;
   return static_cast<qint16>(difference + RingSize(kind, lang));
 }
@@ -90,30 +123,28 @@ qint32 FlashManage_SetPMKind(ByteSpan block, DeviceState& state) {
   const QString fixedText = ByteToText(block.data(), 5);
   const int versionByte = block[5];
 
-  QString kind;
-  QString lang;
+  RecorderKind kind = RecorderKind::Unknown;
+  RecorderLang lang = RecorderLang::Japanese;
   if (fixedText == Ini_GetPmAlNumber()) {
-    kind = PMKIND_AL;
-    lang = versionByte >= Ini_GetValidVersionNumber() ? PMLANG_ENG : PMLANG_JPN;
+    kind = RecorderKind::AL;
+    lang = versionByte >= Ini_GetValidVersionNumber() ? RecorderLang::English : RecorderLang::Japanese;
   } else if (fixedText == Ini_GetPmBrioEngNumber() || fixedText == Ini_GetPmBrioJpnNumber()) {
     const quint8 logic = block[967];
     if (logic == 0) {
-      kind = PMKIND_BRIO_NORMAL;
+      kind = RecorderKind::BrioNormal;
     } else if (logic == 1) {
-      kind = PMKIND_BRIO_METS;
+      kind = RecorderKind::BrioMets;
     } else {
       WriteTrace(QStringLiteral("2"), kProc, QStringLiteral("PMLogicSelectionFlagVersion ERROR"));
       return kDeviceUnknownKind;
     }
     // JPN first: when both keys hold the same text the Japanese rules win, as the table
     // of languages is read top down.
-    lang = fixedText == Ini_GetPmBrioJpnNumber() ? PMLANG_JPN : PMLANG_ENG;
+    lang = fixedText == Ini_GetPmBrioJpnNumber() ? RecorderLang::Japanese : RecorderLang::English;
   } else if (fixedText == Ini_GetPmBrioKt200Number()) {
-    kind = PMKIND_BRIO_ZR;
-    lang = PMLANG_JPN;
+    kind = RecorderKind::BrioZr;
   } else if (fixedText == Ini_GetPmBrioKt014Number()) {
-    kind = PMKIND_BRIO_KT;
-    lang = PMLANG_JPN;
+    kind = RecorderKind::BrioKt;
   } else {
     WriteTrace(QStringLiteral("2"), kProc, QStringLiteral("PMSoftVersion ERROR,Not AL or BRIO"));
     return kDeviceUnknownKind;
@@ -123,13 +154,13 @@ qint32 FlashManage_SetPMKind(ByteSpan block, DeviceState& state) {
   return kDeviceOk;
 }
 
-bool IsRecorderMismatch(const QString& kind, const FlashManage& manage) {
+bool IsRecorderMismatch(RecorderKind kind, const FlashManage& manage) {
   const bool japanese = Ini_GetLang() == 0;
-  if (kind == PMKIND_AL) {
+  if (kind == RecorderKind::AL) {
     const int valid = Ini_GetValidVersionNumber();
     return japanese ? manage.VersionNo >= valid : manage.VersionNo < valid;
   }
-  if (kind == PMKIND_BRIO_NORMAL || kind == PMKIND_BRIO_METS) {
+  if (kind == RecorderKind::BrioNormal || kind == RecorderKind::BrioMets) {
     const QString wanted = japanese ? Ini_GetPmBrioJpnNumber() : Ini_GetPmBrioEngNumber();
     return manage.FixedData.trimmed() != wanted;
   }

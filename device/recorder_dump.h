@@ -9,8 +9,8 @@
 #include "transport.h"
 
 struct RecorderContents {
-  QString kind;
-  QString language;
+  RecorderKind kind = RecorderKind::Unknown;
+  RecorderLang language = RecorderLang::Japanese;
   FlashManage manage;
   std::vector<std::pair<int, FlashData>> pages;  // page number, decoded page; ring order
 };
@@ -23,7 +23,7 @@ qint32 ReadRecorderContents(TavoReader& reader, DeviceClock& clock, RecorderCont
                             QString* error);
 
 // {"kind":..., "language":..., "manage":{...}, "pages":[{"page":n, ...}]}: keys are the
-// record fields, dates "YYYY-MM-DD", date-times "YYYY-MM-DD HH:MM:SS" (the zero date as
+// fields the kind's layout has, in the order of memory; dates "YYYY-MM-DD", date-times "YYYY-MM-DD HH:MM:SS" (the zero date as
 // ""), times "HH:MM:SS", RecordCheck as hex, LevelProfile the kind's 720 values.
 QByteArray RecorderContentsJson(const RecorderContents& contents);
 // A readable listing of the same.

@@ -13,6 +13,8 @@
 
 #include "config.h"
 #include "helpers.h"
+#include "data_convert.h"
+#include "memory_layout.h"
 #include "shared_values.h"
 
 namespace {
@@ -56,55 +58,6 @@ class Rng {
  private:
   quint64 state_;
 };
-
-quint8 ToBcd(int v) {
-  v = std::clamp(v, 0, 99);
-  return static_cast<quint8>(((v / 10) << 4) | (v % 10));
-}
-
-void PutWord(QByteArray& b, int offset, int v) {
-  v = std::clamp(v, 0, 65535);
-  b[offset] = static_cast<char>(v & 0xFF);
-  b[offset + 1] = static_cast<char>((v >> 8) & 0xFF);
-}
-
-void PutLong(QByteArray& b, int offset, qint32 v) {
-  const quint32 u = static_cast<quint32>(v);
-  for (int i = 0; i < 4; ++i) b[offset + i] = static_cast<char>((u >> (8 * i)) & 0xFF);
-}
-
-void PutByte(QByteArray& b, int offset, int v) { b[offset] = static_cast<char>(std::clamp(v, 0, 255)); }
-
-void PutText(QByteArray& b, int offset, int n, const QString& text) {
-  const QByteArray latin = text.toLatin1();
-  for (int i = 0; i < n; ++i) b[offset + i] = i < latin.size() ? latin[i] : ' ';
-}
-
-void PutBcd4Date(QByteArray& b, int offset, const QDate& d) {
-  b[offset] = static_cast<char>(ToBcd(d.year() / 100));
-  b[offset + 1] = static_cast<char>(ToBcd(d.year() % 100));
-  b[offset + 2] = static_cast<char>(ToBcd(d.month()));
-  b[offset + 3] = static_cast<char>(ToBcd(d.day()));
-}
-
-void PutBcdTime(QByteArray& b, int offset, const QTime& t) {
-  b[offset] = static_cast<char>(ToBcd(t.hour()));
-  b[offset + 1] = static_cast<char>(ToBcd(t.minute()));
-}
-
-void PutNoTime(QByteArray& b, int offset) {
-  b[offset] = static_cast<char>(0xFF);
-  b[offset + 1] = static_cast<char>(0xFF);
-}
-
-void PutBcd(QByteArray& b, int offset, int digits, int value) {
-  // digits = 4 or 6, big-endian pairs.
-  const int bytes = digits / 2;
-  for (int i = bytes - 1; i >= 0; --i) {
-    b[offset + i] = static_cast<char>(ToBcd(value % 100));
-    value /= 100;
-  }
-}
 
 // ---- the person wearing the recorder: fixed per seed and CPU number ----
 struct Person {
@@ -246,22 +199,24 @@ Day MakeDay(const RecorderImageOptions& o, const QDate& date) {
 // ---- layout of the ring ----
 QString FixedTextOf(const RecorderImageOptions& o) {
   const RecorderNumbers& n = o.numbers;
-  if (o.kind == PMKIND_AL) return n.al;
-  if (o.kind == PMKIND_BRIO_ZR) return n.kt200;
-  if (o.kind == PMKIND_BRIO_KT) return n.kt014;
-  return o.english ? n.brioEng : n.brioJpn;
+  switch (o.kind) {
+    case RecorderKind::AL: return n.al;
+    case RecorderKind::BrioZr: return n.kt200;
+    case RecorderKind::BrioKt: return n.kt014;
+    default: return o.english ? n.brioEng : n.brioJpn;
+  }
 }
 
 int VersionByteOf(const RecorderImageOptions& o) {
-  if (o.kind == PMKIND_AL)
+  if (o.kind == RecorderKind::AL)
     return o.english ? std::clamp(o.numbers.validVersion, 0, 255)
                      : std::clamp(o.numbers.validVersion - 1, 0, 255);
   return 3;
 }
 
-QString LangOf(const RecorderImageOptions& o) {
-  if (o.kind == PMKIND_BRIO_ZR || o.kind == PMKIND_BRIO_KT) return PMLANG_JPN;
-  return o.english ? PMLANG_ENG : PMLANG_JPN;
+RecorderLang LangOf(const RecorderImageOptions& o) {
+  if (IsZrOrKtKind(o.kind)) return RecorderLang::Japanese;
+  return o.english ? RecorderLang::English : RecorderLang::Japanese;
 }
 
 int RingOf(const RecorderImageOptions& o) { return RingSize(o.kind, LangOf(o)); }
@@ -312,18 +267,8 @@ RecorderNumbers RecorderNumbers::FromConfig() {
   return n;
 }
 
-QString PmKindFromName(const QString& name) {
-  const QString n = name.trimmed().toUpper();
-  if (n == QLatin1String("AL")) return PMKIND_AL;
-  if (n == QLatin1String("BRIO_NORMAL")) return PMKIND_BRIO_NORMAL;
-  if (n == QLatin1String("BRIO_METS")) return PMKIND_BRIO_METS;
-  if (n == QLatin1String("BRIO_ZR")) return PMKIND_BRIO_ZR;
-  if (n == QLatin1String("BRIO_KT")) return PMKIND_BRIO_KT;
-  return QString();
-}
-
 QString CheckRecorderImageOptions(const RecorderImageOptions& o) {
-  if (!IsKnownPMKind(o.kind)) return QStringLiteral("unknown recorder kind '%1'").arg(o.kind);
+  if (!IsKnownPMKind(o.kind)) return QStringLiteral("unknown recorder kind");
   if (o.english && IsZrOrKtKind(o.kind))
     return QStringLiteral("ZR and KT recorders are Japanese recorders only (use --lang ja)");
   const int ring = RingOf(o);
@@ -366,76 +311,58 @@ std::vector<ImagePage> RecorderImagePages(const RecorderImageOptions& o) {
 }
 
 QByteArray MakeManageBlock(const RecorderImageOptions& o) {
-  QByteArray b(kManageBlockBytes, static_cast<char>(0xFF));
   const Person person = MakePerson(o);
   const RingLayout ring = LayoutOf(o);
-  const bool brio = o.kind != PMKIND_AL;
   const int weight = WeightTenths(o, person, o.lastDay);
-  PutText(b, 0, 5, FixedTextOf(o));
-  PutByte(b, 5, VersionByteOf(o));
-  PutByte(b, 6, 0);
-  PutText(b, 7, 6, EffectiveCpu(o));
-  PutLong(b, 13, person.recorderId);
-  PutBcd4Date(b, 17, o.lastDay);
-  PutBcdTime(b, 21, o.clockTime);
-  PutByte(b, 23, person.gender);
-  PutByte(b, 24, person.age);
-  PutByte(b, 25, person.heightCm);
-  PutByte(b, 26, weight / 10);
-  PutWord(b, 27, person.targetActivity);
-  PutWord(b, 29, person.groupNo);
-  PutByte(b, 31, 0);
-  PutByte(b, 32, 0);
-  PutByte(b, 33, o.memorySetting);
-  PutByte(b, 34, o.memoryDays);
-  PutByte(b, 35, 0);
-  PutByte(b, 36, 4);
-  PutByte(b, 37, 10);
-  PutByte(b, 38, 4);
-  PutWord(b, 39, ring.start);
-  PutWord(b, 41, ring.end);
-  PutWord(b, 43, ring.recording);
-  b[45] = static_cast<char>(ToBcd(o.lastDay.year() % 100));
-  b[46] = static_cast<char>(ToBcd(o.lastDay.month()));
-  b[47] = static_cast<char>(ToBcd(o.lastDay.day()));
-  PutBcdTime(b, 48, o.clockTime);
-  PutByte(b, 50, 0);
-  const QDate first = o.lastDay.addDays(-(o.days - 1));
-  b[51] = static_cast<char>(ToBcd(first.year() % 100));
-  b[52] = static_cast<char>(ToBcd(first.month()));
-  b[53] = static_cast<char>(ToBcd(first.day()));
-  b[54] = static_cast<char>(ToBcd(0));
-  b[55] = static_cast<char>(ToBcd(0));
-  PutByte(b, 56, o.unitFlag);
-  PutWord(b, 57, static_cast<int>(std::lround(weight / 10.0 * 2.20462)));
-  if (brio) PutByte(b, 59, weight % 10);
+  FlashManage m;
+  m.FixedData = FixedTextOf(o);
+  m.VersionNo = static_cast<quint8>(VersionByteOf(o));
+  m.CpuNo = EffectiveCpu(o);
+  m.RecorderId = person.recorderId;
+  m.bcDate = o.lastDay;
+  m.bcTime = o.clockTime;
+  m.Gender = person.gender;
+  m.Age = person.age;
+  m.HeightCm = person.heightCm;
+  m.WeightKg = weight / 10;
+  m.TargetActivity = person.targetActivity;
+  m.GroupNo = person.groupNo;
+  m.MemorySetting = o.memorySetting;
+  m.MemoryDays = o.memoryDays;
+  m.IntentionalIntensity = 4;
+  m.DurationSetting = 10;
+  m.IntensityThreshold = 4;
+  m.RecordStartPage = ring.start;
+  m.RecordEndPage = ring.end;
+  m.RecordingPage = ring.recording;
+  m.bcNowDate = o.lastDay;
+  m.bcNowTime = o.clockTime;
+  m.bcMeasureStart = QDateTime(o.lastDay.addDays(-(o.days - 1)), QTime(0, 0), Qt::UTC);
+  m.UnitFlag = o.unitFlag;
+  m.WeightPound = static_cast<qint32>(std::lround(weight / 10.0 * 2.20462));
+  m.WeightFraction = weight % 10;
   // Record check: one byte a page of the ring, 1 where a day is held.
-  for (int i = 0; i < kRecordCheckBytes; ++i) b[60 + i] = 0;
   for (const ImagePage& p : RecorderImagePages(o))
-    if (!p.erased && p.page <= kRecordCheckBytes) b[60 + p.page - 1] = 1;
-  if (brio) {
-    PutByte(b, 960, 4);
-    PutByte(b, 961, 9);
-    PutByte(b, 962, person.targetTime);
-    PutByte(b, 963, person.stride);
-    PutWord(b, 964, person.targetSteps);
-    PutByte(b, 966, 0);
-    PutByte(b, 967, o.kind == PMKIND_BRIO_METS ? 1 : 0);
-    PutByte(b, 968, person.targetSelect);
-    if (IsZrOrKtKind(o.kind)) {
-      PutByte(b, 969, person.dailyWeightSelect);
-      PutBcdTime(b, 970, person.dailyWeightTime);
-    }
-  }
+    if (!p.erased && p.page <= kRecordCheckBytes) m.RecordCheck[static_cast<size_t>(p.page - 1)] = 1;
+  m.RangeLower = 4;
+  m.RangeUpper = 9;
+  m.TargetTime = person.targetTime;
+  m.Stride = person.stride;
+  m.TargetSteps = person.targetSteps;
+  m.LogicSelect = InfoOf(o.kind).mets ? 1 : 0;
+  m.TargetSelect = person.targetSelect;
+  m.DailyWeightSelect = person.dailyWeightSelect;
+  m.DailyWeightTime = person.dailyWeightTime;
+  // The bytes no field of the kind covers stay erased.
+  QByteArray b(kManageBlockBytes, static_cast<char>(0xFF));
+  layout::Encode(b, m, o.kind);
   return b;
 }
 
 QByteArray MakeDayPage(const RecorderImageOptions& o, const QDate& date, bool recording) {
-  const int size = PageBytesOfKind(o.kind);
-  QByteArray b(size, static_cast<char>(0xFF));
   const Person person = MakePerson(o);
   const Day day = MakeDay(o, date);
-  const bool mets = o.kind == PMKIND_BRIO_METS;
+  const bool mets = InfoOf(o.kind).mets;
   const int weight = WeightTenths(o, person, date);
   const int elapsedSlots =
       recording ? std::min(kProfileSlots, (o.clockTime.hour() * 60 + o.clockTime.minute()) / 2 + 1)
@@ -488,89 +415,66 @@ QByteArray MakeDayPage(const RecorderImageOptions& o, const QDate& date, bool re
   // same figure here.
   const int strideDistance = static_cast<int>(static_cast<qint64>(steps) * person.stride / 10000);
 
-  // Bytes 0..83.
-  PutByte(b, 0, VersionByteOf(o));
-  PutLong(b, 1, person.recorderId);
-  PutText(b, 5, 6, EffectiveCpu(o));
-  PutByte(b, 11, recording ? 0 : 1);
-  PutByte(b, 12, 0);
-  PutByte(b, 13, 0);
-  PutByte(b, 14, 0);
-  PutWord(b, 15, recording ? elapsedSlots * 2 : 1440);
-  PutBcd4Date(b, 17, date);
-  PutByte(b, 21, date.dayOfWeek() % 7);
-  PutByte(b, 22, person.gender);
-  PutByte(b, 23, person.age);
-  PutByte(b, 24, person.heightCm);
-  PutByte(b, 25, weight / 10);
-  PutWord(b, 26, person.targetActivity);
-  PutWord(b, 28, person.groupNo);
-  PutWord(b, 30, total);
-  PutWord(b, 32, activity);
-  PutBcd(b, 34, 6, std::min(steps, 999999));
-  for (int l = 0; l < 10; ++l) PutWord(b, 37 + 2 * l, levels[static_cast<size_t>(l)]);
-  PutWord(b, 57, small);
-  PutByte(b, 59, 4);
-  PutByte(b, 60, 10);
-  PutByte(b, 61, frequency);
-  PutWord(b, 62, 0);
+  // Values of the unsigned byte fields, kept within a byte as the recorder keeps them.
+  const auto byte = [](int v) { return static_cast<quint8>(std::clamp(v, 0, 255)); };
+  FlashData d;
+  d.VersionNo = byte(VersionByteOf(o));
+  d.RecorderId = person.recorderId;
+  d.CpuNo = EffectiveCpu(o);
+  d.SentFlag = recording ? 0 : 1;
+  d.RecordTime = recording ? elapsedSlots * 2 : 1440;
+  d.bcDate = date;
+  d.WeekDay = byte(date.dayOfWeek() % 7);
+  d.Gender = byte(person.gender);
+  d.Age = byte(person.age);
+  d.HeightCm = byte(person.heightCm);
+  d.WeightKg = byte(weight / 10);
+  d.TargetActivity = person.targetActivity;
+  d.GroupCode = person.groupNo;
+  d.TotalEnergy = total;
+  d.Activity = activity;
+  d.StepCount = std::min(steps, 999999);
+  for (int l = 0; l < 10; ++l) d.level(l) = levels[static_cast<size_t>(l)];
+  d.LevelSmall = small;
+  d.Intentional = 4;
+  d.Duration = 10;
+  d.Frequency = byte(frequency);
+  d.LowBatteryDays = 0;
   int e = 0;
   for (const QTime& t : day.events) {
     if (recording && t.hour() * 60 + t.minute() >= elapsedSlots * 2) continue;
-    PutBcdTime(b, 64 + 2 * e, t);
-    ++e;
+    d.event(++e) = t;
   }
-  for (; e < 10; ++e) PutNoTime(b, 64 + 2 * e);
+  for (++e; e <= 10; ++e) d.event(e) = NoTimeMarker();
 
-  const int weightFraction = recording && o.unsetWeight ? 255 : weight % 10;
-  const int weightPound = static_cast<int>(std::lround(w * 2.20462));
-  const int distance = std::min(strideDistance, 9999);
-  if (!mets) {
-    // 720 nibbles, the earlier slot in the high nibble; unrecorded slots are erased (15).
-    for (int i = 0; i < kProfileSlots / 2; ++i) {
-      const int a = 2 * i < elapsedSlots ? day.slots[static_cast<size_t>(2 * i)].state : 15;
-      const int c = 2 * i + 1 < elapsedSlots ? day.slots[static_cast<size_t>(2 * i + 1)].state : 15;
-      b[84 + i] = static_cast<char>((a << 4) | c);
-    }
-    if (o.kind != PMKIND_AL) {
-      if (IsZrOrKtKind(o.kind)) {
-        std::array<std::int32_t, 6> hi{};
-        for (int l = 4; l <= 9; ++l) hi[static_cast<size_t>(l - 4)] = levels[static_cast<size_t>(l)];
-        PutWord(b, 475, static_cast<int>(std::lround(ExerciseFromLevels(hi) * 10.0)));
-        PutByte(b, 477, person.dailyWeightSelect);
-        PutBcdTime(b, 478, person.dailyWeightTime);
-      }
-      PutByte(b, 480, weightFraction);
-      PutByte(b, 481, person.targetSelect);
-      PutByte(b, 482, 4);
-      PutByte(b, 483, 9);
-      PutByte(b, 484, person.targetTime);
-      PutWord(b, 485, rangeMinutes);
-      PutBcd(b, 487, 4, distance);
-      PutByte(b, 489, 0);
-      PutByte(b, 490, person.stride);
-      PutWord(b, 491, person.targetSteps);
-    }
-    PutByte(b, 493, o.unitFlag);
-    PutWord(b, 494, weightPound);
-  } else {
-    PutByte(b, 84, person.targetSelect);
-    PutByte(b, 85, 4);
-    PutByte(b, 86, 9);
-    PutByte(b, 87, person.targetTime);
-    PutWord(b, 88, rangeMinutes);
-    PutBcd(b, 90, 4, distance);
-    PutByte(b, 92, 1);
-    PutByte(b, 93, person.stride);
-    PutWord(b, 94, person.targetSteps);
-    PutByte(b, 96, o.unitFlag);
-    PutWord(b, 97, weightPound);
-    PutByte(b, 99, weightFraction);
-    for (int i = 0; i < kProfileSlots; ++i) {
-      const int offset = kTransferBlockBytes * (1 + i / 240) + i % 240;
-      b[offset] = static_cast<char>(i < elapsedSlots ? day.slots[static_cast<size_t>(i)].mets : 255);
-    }
+  // Slots not yet recorded read as erased memory: nibble 15, byte 255.
+  LevelProfileArray& profile = KindProfile(d, o.kind);
+  for (int i = 0; i < kProfileSlots; ++i) {
+    const Slot& s = day.slots[static_cast<size_t>(i)];
+    profile[static_cast<size_t>(i)] = i < elapsedSlots ? (mets ? s.mets : s.state) : (mets ? 255 : 15);
   }
+  if (IsZrOrKtKind(o.kind)) {
+    std::array<std::int32_t, 6> hi{};
+    for (int l = 4; l <= 9; ++l) hi[static_cast<size_t>(l - 4)] = levels[static_cast<size_t>(l)];
+    d.Exercise = static_cast<qint32>(std::lround(ExerciseFromLevels(hi) * 10.0));
+    d.DailyWeightSelect = byte(person.dailyWeightSelect);
+    d.DailyWeightTime = person.dailyWeightTime;
+  }
+  d.WeightFraction = byte(recording && o.unsetWeight ? 255 : weight % 10);
+  d.TargetSelect = byte(person.targetSelect);
+  d.RangeLower = 4;
+  d.RangeUpper = 9;
+  d.TargetTime = byte(person.targetTime);
+  d.RangeMinutes = rangeMinutes;
+  d.Distance = std::min(strideDistance, 9999);
+  d.LogicSelect = mets ? 1 : 0;
+  d.Stride = byte(person.stride);
+  d.TargetSteps = person.targetSteps;
+  d.UnitFlag = byte(o.unitFlag);
+  d.WeightPound = static_cast<qint32>(std::lround(w * 2.20462));
+  // The bytes no field of the kind covers stay erased.
+  QByteArray b(PageBytesOfKind(o.kind), static_cast<char>(0xFF));
+  layout::Encode(b, d, o.kind);
   return b;
 }
 

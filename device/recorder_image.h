@@ -29,7 +29,7 @@ struct RecorderNumbers {
 };
 
 struct RecorderImageOptions {
-  QString kind = PMKIND_BRIO_NORMAL;  // PMKIND_... text
+  RecorderKind kind = RecorderKind::BrioNormal;
   bool english = false;               // --lang en
   int days = 7;                       // days held, the recording day included (1..ring)
   quint32 seed = 1;
@@ -52,10 +52,6 @@ struct ImagePage {
   bool recording = false;  // the page being written now (a partial day)
   bool erased = false;     // listed in erasedPages
 };
-
-// Command-line kind names ("AL", "BRIO_NORMAL", "BRIO_METS", "BRIO_ZR", "BRIO_KT") to
-// the PMKIND_ text; empty when unknown.
-QString PmKindFromName(const QString& name);
 
 // Checks the options; empty when usable, else a message.
 QString CheckRecorderImageOptions(const RecorderImageOptions& options);

@@ -166,7 +166,7 @@ qint32 PM_RecvManage(TavoReader& reader, DeviceClock& clock, DeviceState& state,
     return code;
   }
   FlashManage manage;
-  if (state.pmKind == PMKIND_AL) {
+  if (state.pmKind == RecorderKind::AL) {
     code = FlashManage_ConvertByteArray2Struct(block, manage);
     if (code != kDeviceOk) {
       WriteTrace(kLevelError, kName, CodeText("FlashManage_ConvertByteArray2Struct ERROR", code));
@@ -208,20 +208,20 @@ qint32 PM_RecvData(TavoReader& reader, DeviceClock& clock, DeviceState& state, q
   }
   const ByteSpan bytes(buffer.data(), buffer.size());
   FlashData data;
-  if (state.pmKind == PMKIND_AL) {
+  if (state.pmKind == RecorderKind::AL) {
     code = FlashData_ConvertByteArray2Struct(bytes, data);
     if (code != kDeviceOk) {
       WriteTrace(kLevelError, kName, CodeText("FlashData_ConvertByteArray2Struct ERROR", code));
       return code;
     }
-  } else if (state.pmKind == PMKIND_BRIO_NORMAL || IsZrOrKtKind(state.pmKind)) {
+  } else if (state.pmKind == RecorderKind::BrioNormal || IsZrOrKtKind(state.pmKind)) {
     code = FlashData_ConvertByteArray2Struct_Brio(bytes, data, state.pmKind);
     if (code != kDeviceOk) {
       WriteTrace(kLevelError, kName,
                  CodeText("FlashData_ConvertByteArray2Struct_Brio ERROR", code));
       return code;
     }
-  } else if (state.pmKind == PMKIND_BRIO_METS) {
+  } else if (state.pmKind == RecorderKind::BrioMets) {
     code = FlashData_ConvertByteArray2Struct_METS(bytes, data);
     if (code != kDeviceOk) {
       WriteTrace(kLevelError, kName,

@@ -38,7 +38,7 @@ MenuCatalogue& menus() {
   return m;
 }
 
-// Reads comma-separated fields the way the old runtime's sequential input did: a field
+// Reads comma-separated fields as the message files are written: a field
 // ends at a comma or a line end, a quoted field may hold commas, blanks around an
 // unquoted field are dropped, and a record simply takes the next fields, so it may run
 // over a line end.

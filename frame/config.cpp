@@ -48,7 +48,7 @@ int readInt(const QString& section, const char* key) {
   return ReadIniInt(GetConfigPath(), section, QLatin1String(key)).toInt();
 }
 
-// A required whole number. Converted as the old runtime's CLng would, so "1000 " and
+// A required whole number. Converted with CLngVb's rules, so "1000 " and
 // "1e3" pass, while "", "abc" or a value out of range end the process with the key named.
 int readNumber(const QString& section, const char* key) {
   const QString value = read(section, key);
@@ -110,8 +110,6 @@ int Ini_GetLogLevel() { return readNumber(kSystem, "LOG_LEVEL"); }
 QString Ini_GetPdfHelpName() { return read(kSystem, "PDFHELP_NAME"); }
 QString Ini_GetHealthyDiaryAddress() { return read(kSystem, "HEALTY_DIARY_ADDRESS"); }
 QString Ini_GetChartIniPath() { return read(kSystem, "CHART_INI_PATH"); }
-QString Ini_GetResourceIniPath() { return read(kSystem, "RESORCE_INI_PATH"); }
-QString Ini_GetMetsIniPath() { return read(kSystem, "PMMETS_INI_PATH"); }
 int Ini_GetSortOrder() { return readNumber(kSystem, "SORT_ORDER"); }
 void Ini_SetSortOrder(int order) { write(kSystem, "SORT_ORDER", QString::number(order)); }
 int Ini_GetValidVersionNumber() { return readNumber(kSystem, "VALID_VERSION_NUMBER"); }

@@ -45,8 +45,6 @@ int Ini_GetLogLevel();
 QString Ini_GetPdfHelpName();
 QString Ini_GetHealthyDiaryAddress();
 QString Ini_GetChartIniPath();
-QString Ini_GetResourceIniPath();
-QString Ini_GetMetsIniPath();
 int Ini_GetSortOrder();
 void Ini_SetSortOrder(int order);
 int Ini_GetValidVersionNumber();

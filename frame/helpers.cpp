@@ -19,7 +19,8 @@
 
 namespace {
 
-// The pound divisor as the old runtime held it: 453.592 in single precision.
+// The pound divisor in single precision (453.592f), so converted weights match the
+// figures stored before to the last digit.
 constexpr double kPoundGramsSingle = static_cast<double>(453.592f);
 
 void logLevel1(const char* name, const QString& message) {

@@ -9,8 +9,8 @@
 namespace {
 
 // A number as decimal digits rounded to a number of places, halves away from zero.
-// The old runtime rounded the value's 15-digit decimal form, not the binary double,
-// so 2.675 (stored as 2.67499999...) shows as "2.68" in "#0.00"; this does the same.
+// The value's 15-digit decimal form is rounded, not the binary double, so 2.675
+// (stored as 2.67499999...) shows as "2.68" in "#0.00", as a person reading the figure expects.
 struct DecimalText {
   bool negative = false;
   std::string intDigits;   // without leading zeros; empty for zero
@@ -68,7 +68,7 @@ struct NumberScan {
   qsizetype consumed = 0;  // characters taken from the text, 0 when no digits
 };
 
-// sign, digits, optional '.', digits, optional exponent (E or D, as the old runtime took)
+// sign, digits, optional '.', digits, optional exponent (E or D)
 NumberScan scanNumber(const QString& s, bool allowThousands) {
   std::string ascii;
   qsizetype i = 0;
@@ -107,7 +107,7 @@ NumberScan scanNumber(const QString& s, bool allowThousands) {
   return {std::strtod(ascii.c_str(), nullptr), i};
 }
 
-// "&H1F" and "&O17" as the old runtime read them; nullopt-like consumed 0 when not one.
+// Hexadecimal "&H1F" and octal "&O17"; consumed 0 when the text is neither.
 NumberScan scanRadix(const QString& s) {
   if (s.size() < 3 || s[0] != u'&') return {};
   const QChar kind = s[1].toUpper();
@@ -156,8 +156,8 @@ QString Format(double value, const QString& format) {
   while (static_cast<int>(frac.size()) > minPlaces && frac.back() == '0') frac.pop_back();
 
   QString out;
-  // A negative value keeps its sign even when it shows as zero ("-0.0"), as the old
-  // runtime's Format did.
+  // A negative value keeps its sign even when it shows as zero ("-0.0"), so files
+  // written before read back the same.
   if (d.negative) out += u'-';
   out += QString::fromLatin1(intPart);
   if (dot >= 0) out += u'.' + QString::fromLatin1(frac);

@@ -1,6 +1,6 @@
-// Number formats and conversions with the rules of the old system: format strings
-// round halves away from zero, CInt and CLng round halves to even, Val reads the
-// leading number of a text.
+// Number formats and conversions with the rules the stored texts and files follow:
+// format strings round halves away from zero, CInt and CLng round halves to even, Val
+// reads the leading number of a text.
 #pragma once
 
 #include <QString>
@@ -14,7 +14,7 @@ QString Format(const QString& text, const QString& format);
 // Leading numeric part of a text: blanks skipped, "12a" is 12, "abc" and "" are 0.
 double Val(const QString& text);
 // Conversions that fail on text that is not a number (std::invalid_argument) and on
-// overflow (std::overflow_error), as the old runtime did.
+// overflow (std::overflow_error).
 std::int16_t CIntVb(double value);
 std::int16_t CIntVb(const QString& text);
 std::int32_t CLngVb(double value);

@@ -147,11 +147,11 @@ ReceiveEnding RecvManagementStage::ExecTransfer() {
     const FlashManage& manage = dev.manage;
     progress.setValue(1);
     progress.yield();
-    const QString kind = dev.pmKind;
-    if (DumpLevel()) Trace(QStringLiteral("0"), QStringLiteral("PMKind"), kind);
+    const RecorderKind kind = dev.pmKind;
+    if (DumpLevel()) Trace(QStringLiteral("0"), QStringLiteral("PMKind"), KindText(kind));
 
     // 6. acceptance
-    if (kind == PMKIND_AL && !Ini_GetPmAl()) return refusedEnding();
+    if (kind == RecorderKind::AL && !Ini_GetPmAl()) return refusedEnding();
     if (IsRecorderMismatch(kind, manage)) return refusedEnding();
 
     // 7. history row
@@ -283,7 +283,7 @@ ReceiveEnding RecvDataStage::ExecTransfer() {
     Trace(QStringLiteral("0"), kExecTransfer, QStringLiteral("frmReceiving"));
     progress.yield();
     ctx_.received = false;
-    const QString kind = dev.pmKind;
+    const RecorderKind kind = dev.pmKind;
     if (cancelled()) return cancelEnding();
 
     // 2. tie the recorder to the receive user; a recorder entered now is new and its
@@ -330,7 +330,7 @@ ReceiveEnding RecvDataStage::ExecTransfer() {
 
       // A day whose weight has not been set yet is not stored; LAST_PAGE still names it,
       // so it is fetched again next time.
-      if (kind != PMKIND_AL && page == end && dev.data.WeightFraction == 255) {
+      if (kind != RecorderKind::AL && page == end && dev.data.WeightFraction == 255) {
         Trace(QStringLiteral("1"), kExecTransfer,
               QStringLiteral("WeightErr UserID=") + ctx_.receiveUserId + QStringLiteral(":ReceiveID=") +
                   ctx_.receiveId + QStringLiteral(":PedoMeraDate=") +

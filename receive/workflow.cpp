@@ -36,8 +36,8 @@ ReceiveReport ReceiveWorkflow::Run() {
     ending = stage.ExecTransfer();
     stage.Form_Unload();
   }
-  report.kind = ctx_.device.pmKind;
-  report.lang = ctx_.device.pmLang;
+  report.kind = KindText(ctx_.device.pmKind);
+  report.lang = IsKnownPMKind(ctx_.device.pmKind) ? LangText(ctx_.device.pmLang) : QString();
   report.cpuNo = ctx_.device.manage.CpuNo;
   report.receiveId = ctx_.receiveId.isEmpty() ? ctx_.previous.receiveId : ctx_.receiveId;
 

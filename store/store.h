@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "engine.h"
+#include "recorder_kinds.h"
 #include "records.h"
 #include "schema.h"
 
@@ -111,7 +112,7 @@ bool VTDB_ChangeUserInfo(VtDatabase& db, const UserRecord& user);
 // kind and lang are the attached recorder's (DeviceState::pmKind, pmLang), for the ring.
 bool VTDB_UpdateUserData(VtDatabase& db, const QString& userId, const QString& receiveId,
                          const FlashManage& manage, const FlashData& page, bool keepTargets,
-                         const QString& kind, const QString& lang);
+                         RecorderKind kind, RecorderLang lang);
 // After an import: body data and targets of the latest imported day.
 bool VTDB_UpdateUserDataForCSV(VtDatabase& db, const QString& userId, const CsvRow& day);
 bool VTDB_DeleteUserInfo(VtDatabase& db, const QString& userId);
@@ -162,7 +163,7 @@ bool VTDB_DeleteReceiveHistoryDate(VtDatabase& db, const QString& receiveId);
 // stored with empty MEASUREMENT_DAY and RAW_MEASUREMENT_DAY.
 bool VTDB_SetDayMeasurement(VtDatabase& db, const QString& receiveId, int seqNum,
                             const QString& userId, int page, int startPage, FlashData& day,
-                            const FlashManage& manage, const QString& kind);
+                            const FlashManage& manage, RecorderKind kind);
 bool VTDB_SetDayMeasurementForCSV(VtDatabase& db, const QString& receiveId, int seqNum,
                                   const UserInfo& user, const CsvRow& row);
 // True when found.
@@ -193,9 +194,9 @@ bool VTDB_DeleteDayMeasurement(VtDatabase& db, const QString& receiveId, const Q
 bool VTDB_DeleteDayMeasurementFromPage(VtDatabase& db, const QString& receiveId,
                                        const QString& page, QString& seqNum);
 // Stores the 720 slot texts of the page's profile by the recorder kind
-// (DeviceState::pmKind); MEASUREMENT_MODE "1" for PMKIND_BRIO_METS.
+// (DeviceState::pmKind); MEASUREMENT_MODE "1" for a METS recorder.
 bool VTDB_SetTimeMeasurementBlock(VtDatabase& db, const QString& receiveId, int seqNum,
-                                  const FlashData& day, const QString& kind);
+                                  const FlashData& day, RecorderKind kind);
 bool VTDB_SetTimeMeasurementBlockForCSV(VtDatabase& db, const QString& receiveId, int seqNum,
                                         const UserInfo& user, const CsvRow& row);
 // True also with no row (record then left as it was).
@@ -207,9 +208,9 @@ bool VTDB_DeleteTimeMeasurementBlock(VtDatabase& db, const QString& receiveId,
 
 // The stored text of PEDOMERA, repaired: "0" with a stride other than "0" is "2".
 QString FixPedomeraKind(const QString& pedomera, const QString& strideCm);
-// The 720 comma-joined slot texts of a page's profile for a recorder kind (PMKIND_ text);
+// The 720 comma-joined slot texts of a page's profile for a recorder kind;
 // "" for an unknown kind.
-QString MakeActLevelBlockText(const FlashData& day, const QString& kind);
+QString MakeActLevelBlockText(const FlashData& day, RecorderKind kind);
 
 // ---- chart queries ----
 
@@ -253,7 +254,7 @@ int EditUser(VtDatabase& db, const UserInfo& user);
 // 0, or 22 on failure.
 int UpdateUserData(VtDatabase& db, const QString& userId, const QString& receiveId,
                    const FlashManage& manage, const FlashData& page, bool keepTargets,
-                   const QString& kind, const QString& lang);
+                   RecorderKind kind, RecorderLang lang);
 // 0, or 24 on failure.
 int SetGeneralData(VtDatabase& db, const QString& userId, const QString& year,
                    const QString& month, const QString& day, const QString& item,

@@ -285,7 +285,7 @@ int EditUser(VtDatabase& db, const UserInfo& user) {
 }
 
 int UpdateUserData(VtDatabase& db, const QString& userId, const QString& receiveId, const FlashManage& manage,
-                   const FlashData& page, bool keepTargets, const QString& kind, const QString& lang) {
+                   const FlashData& page, bool keepTargets, RecorderKind kind, RecorderLang lang) {
   if (!VTDB_UpdateUserData(db, userId, receiveId, manage, page, keepTargets, kind, lang)) {
     traceError(QStringLiteral("UpdateUserData"), QStringLiteral("VTDB_UpdateUserData"));
     return 22;

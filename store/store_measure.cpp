@@ -92,9 +92,9 @@ QString FixPedomeraKind(const QString& pedomera, const QString& strideCm) {
   return pedomera;
 }
 
-QString MakeActLevelBlockText(const FlashData& day, const QString& kind) {
+QString MakeActLevelBlockText(const FlashData& day, RecorderKind kind) {
   const std::array<QString, 256>* texts = nullptr;
-  if (kind == PMKIND_BRIO_METS) texts = &metsTexts();
+  if (kind == RecorderKind::BrioMets) texts = &metsTexts();
   else if (IsNibbleKind(kind)) texts = &nibbleTexts();
   if (!texts) return QString();
   const LevelProfileArray& profile = KindProfile(day, kind);
@@ -164,7 +164,7 @@ bool VTDB_DeleteReceiveHistoryDate(VtDatabase& db, const QString& receiveId) {
 
 bool VTDB_SetDayMeasurement(VtDatabase& db, const QString& receiveId, int seqNum, const QString& userId,
                             int page, int startPage, FlashData& day, const FlashManage& manage,
-                            const QString& kind) {
+                            RecorderKind kind) {
   return Guarded(db, "VTDB_SetDayMeasurement", false, [&] {
     const QString version = manage.FixedData.trimmed();
     const bool familyA = version == Ini_GetPmAlNumber();
@@ -203,7 +203,7 @@ bool VTDB_SetDayMeasurement(VtDatabase& db, const QString& receiveId, int seqNum
         day.Distance -= 665;
         day.RangeMinutes = day.RangeMinutes >= 65535 ? 0 : day.RangeMinutes + 1;
       }
-      const bool k = kind == PMKIND_BRIO_KT || kind == PMKIND_BRIO_ZR;
+      const bool k = kind == RecorderKind::BrioKt || kind == RecorderKind::BrioZr;
       QString paceFeet;
       QString paceInch;
       CmToFeetInch(num(day.Stride), paceFeet, paceInch);
@@ -217,8 +217,8 @@ bool VTDB_SetDayMeasurement(VtDatabase& db, const QString& receiveId, int seqNum
       v << (k ? num(levelSum) : num(day.RangeMinutes));
       v << km << mile;
       v << (k ? QStringLiteral("0") : (day.TargetSelect == 1 ? QStringLiteral("1") : QStringLiteral("0")));
-      v << QString() << (kind == PMKIND_BRIO_ZR ? QStringLiteral("2")
-                         : kind == PMKIND_BRIO_KT ? QStringLiteral("3")
+      v << QString() << (kind == RecorderKind::BrioZr ? QStringLiteral("2")
+                         : kind == RecorderKind::BrioKt ? QStringLiteral("3")
                                                   : QStringLiteral("1"));
       v << QString() << QString() << QString();
     }
@@ -228,7 +228,7 @@ bool VTDB_SetDayMeasurement(VtDatabase& db, const QString& receiveId, int seqNum
     v[55] = day.UnitFlag == 1 ? QStringLiteral("1") : QStringLiteral("0");
     v[57] = num(manage.MemorySetting);
     v[58] = QString();
-    const bool k = !familyA && (kind == PMKIND_BRIO_KT || kind == PMKIND_BRIO_ZR);
+    const bool k = !familyA && (kind == RecorderKind::BrioKt || kind == RecorderKind::BrioZr);
     v[59] = k ? NumberText(day.Exercise / 10.0) : computedExercise(day);
     InsertRow(db, "DAY_MEASUREMENT", v);
     return true;
@@ -496,11 +496,11 @@ bool VTDB_DeleteDayMeasurementFromPage(VtDatabase& db, const QString& receiveId,
 // ---- profiles ----
 
 bool VTDB_SetTimeMeasurementBlock(VtDatabase& db, const QString& receiveId, int seqNum, const FlashData& day,
-                                  const QString& kind) {
+                                  RecorderKind kind) {
   return Guarded(db, "VTDB_SetTimeMeasurementBlock", false, [&] {
     InsertRow(db, "TIME_MEASUREMENT_BLOCK",
               {receiveId, num(seqNum), MakeActLevelBlockText(day, kind),
-               kind == PMKIND_BRIO_METS ? QStringLiteral("1") : QStringLiteral("0")});
+               kind == RecorderKind::BrioMets ? QStringLiteral("1") : QStringLiteral("0")});
     return true;
   });
 }

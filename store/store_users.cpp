@@ -272,7 +272,7 @@ bool VTDB_ChangeUserInfo(VtDatabase& db, const UserRecord& user) {
 
 bool VTDB_UpdateUserData(VtDatabase& db, const QString& userId, const QString& receiveId,
                          const FlashManage& manage, const FlashData& page, bool keepTargets,
-                         const QString& kind, const QString& lang) {
+                         RecorderKind kind, RecorderLang lang) {
   return Guarded(db, "VTDB_UpdateUserData", false, [&] {
     QList<std::pair<const char*, QString>> c;
     const QString heightCm = QString::number(page.HeightCm);

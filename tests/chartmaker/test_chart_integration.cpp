@@ -162,7 +162,7 @@ TEST_F(ChartIntegration, DayProfileOfEachRecorderKind) {
   // the block's values, not by the day's measurement mode.
   RecorderImageOptions o;
   o.days = 3;
-  o.kind = PMKIND_BRIO_NORMAL;
+  o.kind = RecorderKind::BrioNormal;
   storeRecorder(o);
   ASSERT_TRUE(make(5));
   InterfaceFile parsed;
@@ -174,7 +174,7 @@ TEST_F(ChartIntegration, DayProfileOfEachRecorderKind) {
   ImageSurface surface(QSize(800, 500));
   EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
 
-  o.kind = PMKIND_BRIO_METS;
+  o.kind = RecorderKind::BrioMets;
   o.lastDay = o.lastDay.addDays(3);
   storeRecorder(o);
   ASSERT_TRUE(make(5));
@@ -195,7 +195,7 @@ TEST_F(EnglishChartIntegration, MixedUnitsAreReadInTheUnitOfTheLastDay) {
   // Kilograms and kilometres first, then the same recorder set to pounds and miles.
   RecorderImageOptions o;
   o.english = true;
-  o.kind = PMKIND_BRIO_METS;
+  o.kind = RecorderKind::BrioMets;
   o.days = 60;
   o.cpuNo = QStringLiteral("123456");
   o.lastDay = QDate(2024, 5, 31);

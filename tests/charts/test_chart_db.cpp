@@ -387,7 +387,7 @@ TEST_F(ChartDb, PlanWeightsAndTheSimFile) {
 
 TEST_F(ChartDb, GeneratedRecorderDays) {
   RecorderImageOptions o;
-  o.kind = PMKIND_BRIO_NORMAL;
+  o.kind = RecorderKind::BrioNormal;
   o.days = 21;
   o.lastDay = D(2024, 1, 3);  // across the year end
   o.seed = 7;

@@ -83,7 +83,7 @@ TEST(ManageDecoder, FamilyAReadsTheCommonFieldsAndCarriesTheFixedLiteral) {
 TEST(ManageDecoder, BrioReadsItsFieldsAndZrKtReadTheDailyWeight) {
   const QByteArray b = ManageBlock();
   FlashManage m;
-  ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, PMKIND_BRIO_NORMAL), 0);
+  ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, RecorderKind::BrioNormal), 0);
   EXPECT_EQ(m.FixedData, "20101");  // as read
   EXPECT_EQ(m.WeightFraction, 6);
   EXPECT_EQ(m.RangeLower, 4);
@@ -97,7 +97,7 @@ TEST(ManageDecoder, BrioReadsItsFieldsAndZrKtReadTheDailyWeight) {
   EXPECT_EQ(m.DailyWeightSelect, 0);
   EXPECT_EQ(m.DailyWeightTime, QTime(0, 0));
 
-  for (const QString& kind : {PMKIND_BRIO_ZR, PMKIND_BRIO_KT}) {
+  for (RecorderKind kind : {RecorderKind::BrioZr, RecorderKind::BrioKt}) {
     FlashManage z;
     ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), z, kind), 0);
     EXPECT_EQ(z.DailyWeightSelect, 1);
@@ -108,7 +108,7 @@ TEST(ManageDecoder, BrioReadsItsFieldsAndZrKtReadTheDailyWeight) {
 TEST(ManageDecoder, ErasedBlockDecodesWithoutError) {
   const QByteArray b = Filled(kManageBlockBytes, 0xFF);
   FlashManage m;
-  ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, PMKIND_BRIO_KT), 0);
+  ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, RecorderKind::BrioKt), 0);
   EXPECT_EQ(m.FixedData, "NoData");
   EXPECT_EQ(m.CpuNo, "NoData");
   EXPECT_EQ(m.RecorderId, -1);
@@ -128,7 +128,7 @@ TEST(ManageDecoder, ShortBlockIsARunTimeError) {
   FlashManage m;
   m.Age = 33;
   EXPECT_EQ(FlashManage_ConvertByteArray2Struct(AsBytes(b), m), kErrSubscriptOutOfRange);
-  EXPECT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, PMKIND_BRIO_NORMAL),
+  EXPECT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, RecorderKind::BrioNormal),
             kErrSubscriptOutOfRange);
   EXPECT_EQ(m.Age, 33);  // left as it was
 }
@@ -211,7 +211,7 @@ QByteArray BrioPage() {
 TEST(PageDecoder, BrioNormalLeavesTheZrKtBytesUnread) {
   const QByteArray b = BrioPage();
   FlashData d;
-  ASSERT_EQ(FlashData_ConvertByteArray2Struct_Brio(AsBytes(b), d, PMKIND_BRIO_NORMAL), 0);
+  ASSERT_EQ(FlashData_ConvertByteArray2Struct_Brio(AsBytes(b), d, RecorderKind::BrioNormal), 0);
   ExpectHead(d);
   EXPECT_EQ(d.LevelProfileBrio[0], 3);
   EXPECT_EQ(d.LevelProfileBrio[1], 4);
@@ -233,7 +233,7 @@ TEST(PageDecoder, BrioNormalLeavesTheZrKtBytesUnread) {
 
 TEST(PageDecoder, ZrAndKtReadExerciseAndDailyWeight) {
   const QByteArray b = BrioPage();
-  for (const QString& kind : {PMKIND_BRIO_ZR, PMKIND_BRIO_KT}) {
+  for (RecorderKind kind : {RecorderKind::BrioZr, RecorderKind::BrioKt}) {
     FlashData d;
     ASSERT_EQ(FlashData_Decode(AsBytes(b), d, kind), 0);
     EXPECT_EQ(d.Exercise, 42);
@@ -273,25 +273,25 @@ TEST(PageDecoder, MetsProfileLiesInTheLastThreeTransferBlocks) {
 }
 
 TEST(PageDecoder, ErasedPageShowsAsNoDay) {
-  for (const QString& kind : {PMKIND_AL, PMKIND_BRIO_NORMAL, PMKIND_BRIO_METS, PMKIND_BRIO_ZR, PMKIND_BRIO_KT}) {
+  for (RecorderKind kind : {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets, RecorderKind::BrioZr, RecorderKind::BrioKt}) {
     const QByteArray b = Filled(kPageBufferBytes, 0xFF);
     FlashData d;
-    ASSERT_EQ(FlashData_Decode(AsBytes(b), d, kind), 0) << kind.toStdString();
+    ASSERT_EQ(FlashData_Decode(AsBytes(b), d, kind), 0) << KindText(kind).toStdString();
     EXPECT_EQ(d.bcDate, ZeroDate());
     EXPECT_EQ(d.CpuNo, "NoData");
     for (int i = 1; i <= 10; ++i) EXPECT_EQ(d.event(i), QTime(0, 0, 59));
     for (quint8 v : KindProfile(d, kind))
-      ASSERT_EQ(ProfileSlotDumpText(v, kind == PMKIND_BRIO_METS), QString());
+      ASSERT_EQ(ProfileSlotDumpText(v, kind == RecorderKind::BrioMets), QString());
   }
   FlashData d;
-  EXPECT_EQ(FlashData_Decode(AsBytes(Filled(kPageBufferBytes, 0)), d, QStringLiteral("PMKIND_X")),
+  EXPECT_EQ(FlashData_Decode(AsBytes(Filled(kPageBufferBytes, 0)), d, RecorderKind::Unknown),
             kDeviceUnknownKind);
 }
 
 TEST(Dumps, ManageLinesCarryTheLabelsAndTheRecordCheckGrid) {
   FlashManage m;
-  ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(ManageBlock()), m, PMKIND_BRIO_ZR), 0);
-  const QStringList lines = FlashManageDumpLines(m, PMKIND_BRIO_ZR);
+  ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(ManageBlock()), m, RecorderKind::BrioZr), 0);
+  const QStringList lines = FlashManageDumpLines(m, RecorderKind::BrioZr);
   EXPECT_EQ(lines.first(), QString::fromUtf8("固定データ[20101]"));
   EXPECT_TRUE(lines.contains(QString::fromUtf8("日付[2024/06/30]")));
   EXPECT_TRUE(lines.contains(QString::fromUtf8("時刻[18:30]")));
@@ -302,13 +302,13 @@ TEST(Dumps, ManageLinesCarryTheLabelsAndTheRecordCheckGrid) {
   EXPECT_EQ(lines[grid + 1], "0000:0 1 2 3 4-5 6 7 8 9");
   EXPECT_EQ(lines[grid + 90], "0890:2 3 4 5 6-7 8 9 0 1");  // bytes 122..131
   EXPECT_EQ(lines.last(), QString::fromUtf8("日毎体重設定表示時刻[07:30]"));
-  EXPECT_EQ(FlashManageDumpLines(m, PMKIND_BRIO_NORMAL).size(), lines.size() - 2);
+  EXPECT_EQ(FlashManageDumpLines(m, RecorderKind::BrioNormal).size(), lines.size() - 2);
 }
 
 TEST(Dumps, PageLinesListTheProfileSlotBySlot) {
   FlashData d;
-  ASSERT_EQ(FlashData_Decode(AsBytes(BrioPage()), d, PMKIND_BRIO_NORMAL), 0);
-  const QStringList lines = FlashDataDumpLines(d, PMKIND_BRIO_NORMAL);
+  ASSERT_EQ(FlashData_Decode(AsBytes(BrioPage()), d, RecorderKind::BrioNormal), 0);
+  const QStringList lines = FlashDataDumpLines(d, RecorderKind::BrioNormal);
   const qsizetype p = lines.indexOf(QString::fromUtf8("身体活動レベル日内変動"));
   ASSERT_GE(p, 0);
   EXPECT_EQ(lines[p + 1], "00:00:2");
@@ -349,7 +349,7 @@ QList<int> AllBut(int size, std::initializer_list<std::pair<int, int>> unread) {
   return read;
 }
 
-QByteArray PageJson(const QString& kind, const QByteArray& bytes) {
+QByteArray PageJson(RecorderKind kind, const QByteArray& bytes) {
   RecorderContents c;
   c.kind = kind;
   FlashData d;
@@ -358,10 +358,10 @@ QByteArray PageJson(const QString& kind, const QByteArray& bytes) {
   return RecorderContentsJson(c);
 }
 
-QByteArray ManageJson(const QString& kind, const QByteArray& bytes) {
+QByteArray ManageJson(RecorderKind kind, const QByteArray& bytes) {
   RecorderContents c;
   c.kind = kind;
-  const qint32 code = kind == PMKIND_AL
+  const qint32 code = kind == RecorderKind::AL
                           ? FlashManage_ConvertByteArray2Struct(AsBytes(bytes), c.manage)
                           : FlashManage_ConvertByteArray2Struct_Brio(AsBytes(bytes), c.manage, kind);
   EXPECT_EQ(code, 0);
@@ -373,22 +373,22 @@ QByteArray ManageJson(const QString& kind, const QByteArray& bytes) {
 // Every byte of each layout is read exactly where the layout has a field, and the
 // unread gaps stay unread.
 TEST(Layout, EachKindReadsExactlyItsFields) {
-  const auto page = [](const QString& kind) {
+  const auto page = [](RecorderKind kind) {
     return ReadOffsets(PageBytesOfKind(kind), [&kind](const QByteArray& b) { return PageJson(kind, b); });
   };
-  EXPECT_EQ(page(PMKIND_AL), AllBut(496, {{444, 492}}));
-  EXPECT_EQ(page(PMKIND_BRIO_NORMAL), AllBut(496, {{444, 479}}));
-  EXPECT_EQ(page(PMKIND_BRIO_ZR), AllBut(496, {{444, 474}}));
-  EXPECT_EQ(page(PMKIND_BRIO_KT), AllBut(496, {{444, 474}}));
-  EXPECT_EQ(page(PMKIND_BRIO_METS), AllBut(992, {{100, 247}, {488, 495}, {736, 743}, {984, 991}}));
+  EXPECT_EQ(page(RecorderKind::AL), AllBut(496, {{444, 492}}));
+  EXPECT_EQ(page(RecorderKind::BrioNormal), AllBut(496, {{444, 479}}));
+  EXPECT_EQ(page(RecorderKind::BrioZr), AllBut(496, {{444, 474}}));
+  EXPECT_EQ(page(RecorderKind::BrioKt), AllBut(496, {{444, 474}}));
+  EXPECT_EQ(page(RecorderKind::BrioMets), AllBut(992, {{100, 247}, {488, 495}, {736, 743}, {984, 991}}));
 
-  const auto manage = [](const QString& kind) {
+  const auto manage = [](RecorderKind kind) {
     return ReadOffsets(kManageBlockBytes, [&kind](const QByteArray& b) { return ManageJson(kind, b); });
   };
   // Family A: the fixed text is the literal, whatever bytes 0 to 4 hold.
-  EXPECT_EQ(manage(PMKIND_AL), AllBut(992, {{0, 4}, {59, 59}, {960, 991}}));
-  EXPECT_EQ(manage(PMKIND_BRIO_NORMAL), AllBut(992, {{969, 991}}));
-  EXPECT_EQ(manage(PMKIND_BRIO_METS), AllBut(992, {{969, 991}}));
-  EXPECT_EQ(manage(PMKIND_BRIO_ZR), AllBut(992, {{972, 991}}));
-  EXPECT_EQ(manage(PMKIND_BRIO_KT), AllBut(992, {{972, 991}}));
+  EXPECT_EQ(manage(RecorderKind::AL), AllBut(992, {{0, 4}, {59, 59}, {960, 991}}));
+  EXPECT_EQ(manage(RecorderKind::BrioNormal), AllBut(992, {{969, 991}}));
+  EXPECT_EQ(manage(RecorderKind::BrioMets), AllBut(992, {{969, 991}}));
+  EXPECT_EQ(manage(RecorderKind::BrioZr), AllBut(992, {{972, 991}}));
+  EXPECT_EQ(manage(RecorderKind::BrioKt), AllBut(992, {{972, 991}}));
 }

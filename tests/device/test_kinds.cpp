@@ -21,8 +21,8 @@ struct KindCase {
   QString fixed;
   int version;
   int logic;
-  QString kind;
-  QString lang;
+  RecorderKind kind;
+  RecorderLang lang;
 };
 
 TEST(Kinds, FixedTextVersionAndLogicDecideKindAndLanguage) {
@@ -31,15 +31,15 @@ TEST(Kinds, FixedTextVersionAndLogicDecideKindAndLanguage) {
   const RecorderNumbers n = RecorderNumbers::FromConfig();
   const int v = n.validVersion;
   const KindCase cases[] = {
-      {n.al, v - 1, 0, PMKIND_AL, PMLANG_JPN},
-      {n.al, v, 0, PMKIND_AL, PMLANG_ENG},  // equal to the valid version: English
-      {n.al, v + 50, 7, PMKIND_AL, PMLANG_ENG},  // byte 967 does not matter for family A
-      {n.brioJpn, 1, 0, PMKIND_BRIO_NORMAL, PMLANG_JPN},
-      {n.brioJpn, 1, 1, PMKIND_BRIO_METS, PMLANG_JPN},
-      {n.brioEng, 1, 0, PMKIND_BRIO_NORMAL, PMLANG_ENG},
-      {n.brioEng, 1, 1, PMKIND_BRIO_METS, PMLANG_ENG},
-      {n.kt200, 1, 0, PMKIND_BRIO_ZR, PMLANG_JPN},  // the 200 key selects ZR
-      {n.kt014, 1, 5, PMKIND_BRIO_KT, PMLANG_JPN},  // the 014 key selects KT
+      {n.al, v - 1, 0, RecorderKind::AL, RecorderLang::Japanese},
+      {n.al, v, 0, RecorderKind::AL, RecorderLang::English},  // equal to the valid version: English
+      {n.al, v + 50, 7, RecorderKind::AL, RecorderLang::English},  // byte 967 does not matter for family A
+      {n.brioJpn, 1, 0, RecorderKind::BrioNormal, RecorderLang::Japanese},
+      {n.brioJpn, 1, 1, RecorderKind::BrioMets, RecorderLang::Japanese},
+      {n.brioEng, 1, 0, RecorderKind::BrioNormal, RecorderLang::English},
+      {n.brioEng, 1, 1, RecorderKind::BrioMets, RecorderLang::English},
+      {n.kt200, 1, 0, RecorderKind::BrioZr, RecorderLang::Japanese},  // the 200 key selects ZR
+      {n.kt014, 1, 5, RecorderKind::BrioKt, RecorderLang::Japanese},  // the 014 key selects KT
   };
   for (const KindCase& c : cases) {
     DeviceState state;
@@ -54,17 +54,17 @@ TEST(Kinds, UnknownBlocksLeaveTheEarlierKindAndLog) {
   TestInstallation inst;
   ASSERT_TRUE(inst.isValid());
   DeviceState state;
-  state.pmKind = PMKIND_BRIO_ZR;
-  state.pmLang = PMLANG_JPN;
+  state.pmKind = RecorderKind::BrioZr;
+  state.pmLang = RecorderLang::Japanese;
   const RecorderNumbers n = RecorderNumbers::FromConfig();
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(Block(n.brioJpn, 1, 2)), state), kDeviceUnknownKind);
-  EXPECT_EQ(state.pmKind, PMKIND_BRIO_ZR);
+  EXPECT_EQ(state.pmKind, RecorderKind::BrioZr);
   EXPECT_TRUE(Logged(inst, "2", "FlashManage_SetPMKind", "PMLogicSelectionFlagVersion ERROR"));
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(Block("99999", 1)), state), kDeviceUnknownKind);
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(QByteArray(kManageBlockBytes, char(0xFF))), state),
             kDeviceUnknownKind);
-  EXPECT_EQ(state.pmKind, PMKIND_BRIO_ZR);
-  EXPECT_EQ(state.pmLang, PMLANG_JPN);
+  EXPECT_EQ(state.pmKind, RecorderKind::BrioZr);
+  EXPECT_EQ(state.pmLang, RecorderLang::Japanese);
   EXPECT_TRUE(Logged(inst, "2", "FlashManage_SetPMKind", "PMSoftVersion ERROR,Not AL or BRIO"));
 }
 
@@ -74,16 +74,16 @@ TEST(Kinds, JapaneseEditionAcceptsOnlyJapaneseRecorders) {
   const RecorderNumbers n = RecorderNumbers::FromConfig();
   FlashManage m;
   m.VersionNo = static_cast<quint8>(n.validVersion - 1);
-  EXPECT_FALSE(IsRecorderMismatch(PMKIND_AL, m));
+  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::AL, m));
   m.VersionNo = static_cast<quint8>(n.validVersion);
-  EXPECT_TRUE(IsRecorderMismatch(PMKIND_AL, m));
+  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::AL, m));
   m.FixedData = n.brioJpn;
-  EXPECT_FALSE(IsRecorderMismatch(PMKIND_BRIO_NORMAL, m));
-  EXPECT_FALSE(IsRecorderMismatch(PMKIND_BRIO_METS, m));
+  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::BrioNormal, m));
+  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::BrioMets, m));
   m.FixedData = n.brioEng;
-  EXPECT_TRUE(IsRecorderMismatch(PMKIND_BRIO_NORMAL, m));
-  EXPECT_FALSE(IsRecorderMismatch(PMKIND_BRIO_ZR, m));
-  EXPECT_FALSE(IsRecorderMismatch(PMKIND_BRIO_KT, m));
+  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::BrioNormal, m));
+  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::BrioZr, m));
+  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::BrioKt, m));
 }
 
 TEST(Kinds, EnglishEditionAcceptsOnlyEnglishRecorders) {
@@ -92,42 +92,34 @@ TEST(Kinds, EnglishEditionAcceptsOnlyEnglishRecorders) {
   const RecorderNumbers n = RecorderNumbers::FromConfig();
   FlashManage m;
   m.VersionNo = static_cast<quint8>(n.validVersion - 1);
-  EXPECT_TRUE(IsRecorderMismatch(PMKIND_AL, m));
+  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::AL, m));
   m.VersionNo = static_cast<quint8>(n.validVersion);
-  EXPECT_FALSE(IsRecorderMismatch(PMKIND_AL, m));
+  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::AL, m));
   m.FixedData = n.brioEng + " ";  // compared trimmed
-  EXPECT_FALSE(IsRecorderMismatch(PMKIND_BRIO_METS, m));
+  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::BrioMets, m));
   m.FixedData = n.brioJpn;
-  EXPECT_TRUE(IsRecorderMismatch(PMKIND_BRIO_METS, m));
-  EXPECT_TRUE(IsRecorderMismatch(PMKIND_BRIO_ZR, m));
-  EXPECT_TRUE(IsRecorderMismatch(PMKIND_BRIO_KT, m));
+  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::BrioMets, m));
+  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::BrioZr, m));
+  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::BrioKt, m));
 }
 
-TEST(Kinds, RingSizesAndWrap) {
-  EXPECT_EQ(RingSize(PMKIND_BRIO_METS, PMLANG_JPN), 120);
-  EXPECT_EQ(RingSize(PMKIND_BRIO_NORMAL, PMLANG_JPN), 240);
-  EXPECT_EQ(RingSize(PMKIND_AL, PMLANG_JPN), 240);
-  EXPECT_EQ(RingSize(PMKIND_BRIO_NORMAL, PMLANG_ENG), 200);
-  EXPECT_EQ(RingSize(PMKIND_BRIO_METS, PMLANG_ENG), 100);
-  EXPECT_EQ(RingSize(PMKIND_AL, PMLANG_ENG), 240);
-  EXPECT_EQ(WrapPageCount(0, PMKIND_BRIO_NORMAL, PMLANG_JPN), 0);
-  EXPECT_EQ(WrapPageCount(-1, PMKIND_BRIO_METS, PMLANG_ENG), 99);
-  EXPECT_EQ(WrapPageCount(-189, PMKIND_AL, PMLANG_JPN), 51);
-  EXPECT_EQ(WrapPageCount(17, PMKIND_AL, PMLANG_JPN), 17);
+// Page counts wrap round the ring of the kind and language in force.
+TEST(Kinds, NegativePageCountsWrapRoundTheRing) {
+  EXPECT_EQ(WrapPageCount(0, RecorderKind::BrioNormal, RecorderLang::Japanese), 0);
+  EXPECT_EQ(WrapPageCount(17, RecorderKind::AL, RecorderLang::Japanese), 17);
+  for (RecorderKind kind : {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets, RecorderKind::BrioZr})
+    for (RecorderLang lang : {RecorderLang::Japanese, RecorderLang::English})
+      EXPECT_EQ(WrapPageCount(-1, kind, lang), RingSize(kind, lang) - 1);
   DeviceState s;
-  s.pmKind = PMKIND_BRIO_NORMAL;
-  s.pmLang = PMLANG_ENG;
-  EXPECT_EQ(WrapPageCount(-10, s), 190);
-}
-
-TEST(Kinds, PageAddresses) {
-  EXPECT_EQ(FirstBlockOfPage(PMKIND_AL, 1), 9);
-  EXPECT_EQ(FirstBlockOfPage(PMKIND_AL, 2), 11);
-  EXPECT_EQ(FirstBlockOfPage(PMKIND_BRIO_KT, 240), 9 + 239 * 2);
-  EXPECT_EQ(FirstBlockOfPage(PMKIND_BRIO_METS, 2), 13);
-  EXPECT_EQ(PageBytesOfKind(PMKIND_BRIO_METS), 992);
-  EXPECT_EQ(PageBytesOfKind(PMKIND_BRIO_ZR), 496);
-  EXPECT_EQ(PageBytesOfKind(QStringLiteral("x")), 0);
+  s.pmKind = RecorderKind::BrioNormal;
+  s.pmLang = RecorderLang::English;
+  EXPECT_EQ(WrapPageCount(-10, s), RingSize(s.pmKind, s.pmLang) - 10);
+  EXPECT_EQ(PageBytesOfKind(RecorderKind::Unknown), 0);
+  // Kind names round-trip through their stored texts.
+  for (RecorderKind kind : {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets, RecorderKind::BrioZr,
+                            RecorderKind::BrioKt})
+    EXPECT_EQ(KindFromText(KindText(kind)), kind);
+  EXPECT_EQ(KindFromText(QStringLiteral("X")), RecorderKind::Unknown);
 }
 
 }  // namespace

@@ -65,7 +65,7 @@ TEST(EmulatedReader, TakingTheRecorderOffRefusesTheNextTransfer) {
   EmulatedReader reader(dir.path());
   NoWaitClock clock;
   DeviceState s;
-  s.pmKind = PMKIND_AL;
+  s.pmKind = RecorderKind::AL;
   ASSERT_NE(UsbOpen(reader, clock, s), 0);
   std::array<quint8, 992> buffer{};
   EXPECT_EQ(RecvData(reader, clock, s, 1, buffer.data()), 0);

@@ -16,10 +16,10 @@
 
 namespace {
 
-const QString kAllKinds[] = {PMKIND_AL, PMKIND_BRIO_NORMAL, PMKIND_BRIO_METS, PMKIND_BRIO_ZR,
-                             PMKIND_BRIO_KT};
+const RecorderKind kAllKinds[] = {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets, RecorderKind::BrioZr,
+                             RecorderKind::BrioKt};
 
-RecorderImageOptions Options(const QString& kind, bool english = false) {
+RecorderImageOptions Options(RecorderKind kind, bool english = false) {
   RecorderImageOptions o;
   o.kind = kind;
   o.english = english;
@@ -33,8 +33,8 @@ RecorderImageOptions Options(const QString& kind, bool english = false) {
 
 // What the generator writes as the fixed text, by the installation's numbers.
 QString FixedTextOfForTest(const RecorderImageOptions& o) {
-  if (o.kind == PMKIND_BRIO_ZR) return o.numbers.kt200;
-  if (o.kind == PMKIND_BRIO_KT) return o.numbers.kt014;
+  if (o.kind == RecorderKind::BrioZr) return o.numbers.kt200;
+  if (o.kind == RecorderKind::BrioKt) return o.numbers.kt014;
   return o.english ? o.numbers.brioEng : o.numbers.brioJpn;
 }
 
@@ -54,20 +54,20 @@ RecorderContents ReadBack(const TestInstallation& inst, const RecorderImageOptio
 TEST(RecorderImage, EveryKindReadsBackThroughTheEmulatedReader) {
   TestInstallation inst;
   ASSERT_TRUE(inst.isValid());
-  for (const QString& kind : kAllKinds) {
-    SCOPED_TRACE(kind.toStdString());
+  for (RecorderKind kind : kAllKinds) {
+    SCOPED_TRACE(KindText(kind).toStdString());
     RecorderImageOptions o = Options(kind);
     const RecorderContents c = ReadBack(inst, o);
     EXPECT_EQ(c.kind, kind);
-    EXPECT_EQ(c.language, PMLANG_JPN);
+    EXPECT_EQ(c.language, RecorderLang::Japanese);
     EXPECT_EQ(c.manage.CpuNo, "123456");
-    EXPECT_EQ(c.manage.FixedData, kind == PMKIND_AL ? QString("12820") : FixedTextOfForTest(o));
+    EXPECT_EQ(c.manage.FixedData, kind == RecorderKind::AL ? QString("12820") : FixedTextOfForTest(o));
     EXPECT_EQ(c.manage.RecordStartPage, 1);
     EXPECT_EQ(c.manage.RecordingPage, 10);
     EXPECT_EQ(c.manage.bcDate, o.lastDay);
     EXPECT_EQ(c.manage.bcNowDate, o.lastDay);
     EXPECT_EQ(c.manage.bcNowTime, QTime(18, 30));
-    EXPECT_EQ(c.manage.LogicSelect, kind == PMKIND_BRIO_METS ? 1 : 0);
+    EXPECT_EQ(c.manage.LogicSelect, kind == RecorderKind::BrioMets ? 1 : 0);
     ASSERT_EQ(c.pages.size(), 10u);
     for (size_t i = 0; i < c.pages.size(); ++i) {
       const auto& [page, d] = c.pages[i];
@@ -85,10 +85,10 @@ TEST(RecorderImage, EveryKindReadsBackThroughTheEmulatedReader) {
 
 TEST(RecorderImage, EnglishRecordersAreTakenForEnglish) {
   TestInstallation inst(QStringLiteral("en"));
-  for (const QString& kind : {PMKIND_AL, PMKIND_BRIO_NORMAL, PMKIND_BRIO_METS}) {
+  for (RecorderKind kind : {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets}) {
     const RecorderContents c = ReadBack(inst, Options(kind, true));
     EXPECT_EQ(c.kind, kind);
-    EXPECT_EQ(c.language, PMLANG_ENG);
+    EXPECT_EQ(c.language, RecorderLang::English);
     EXPECT_FALSE(IsRecorderMismatch(c.kind, c.manage));
   }
 }
@@ -96,12 +96,12 @@ TEST(RecorderImage, EnglishRecordersAreTakenForEnglish) {
 // Level counts, steps, distance, calories and time in range agree with the profile.
 TEST(RecorderImage, DaysAreConsistentWithTheirProfile) {
   TestInstallation inst;
-  for (const QString& kind : kAllKinds) {
-    SCOPED_TRACE(kind.toStdString());
+  for (RecorderKind kind : kAllKinds) {
+    SCOPED_TRACE(KindText(kind).toStdString());
     RecorderImageOptions o = Options(kind);
     o.days = 30;
     const RecorderContents c = ReadBack(inst, o);
-    const bool mets = kind == PMKIND_BRIO_METS;
+    const bool mets = kind == RecorderKind::BrioMets;
     int daysWithWorkout = 0;
     for (const auto& [page, d] : c.pages) {
       const bool recording = page == c.manage.RecordingPage;
@@ -129,7 +129,7 @@ TEST(RecorderImage, DaysAreConsistentWithTheirProfile) {
       EXPECT_GT(d.TotalEnergy, d.Activity);
       EXPECT_LT(d.TotalEnergy, 4500);
       EXPECT_EQ(d.Level0 > 0, true);
-      if (kind != PMKIND_AL) {
+      if (kind != RecorderKind::AL) {
         EXPECT_EQ(d.Distance, d.StepCount * d.Stride / 10000);
         EXPECT_EQ(d.RangeMinutes, (d.Level4 + d.Level5 + d.Level6 + d.Level7 + d.Level8 + d.Level9) * 4 / 60);
         EXPECT_LE(d.WeightFraction, 9);
@@ -148,11 +148,11 @@ TEST(RecorderImage, DaysAreConsistentWithTheirProfile) {
 
 TEST(RecorderImage, SameSeedSameBytesAndALaterClockKeepsTheEarlierDays) {
   TestInstallation inst;
-  for (const QString& kind : kAllKinds) {
+  for (RecorderKind kind : kAllKinds) {
     RecorderImageOptions o = Options(kind);
     EXPECT_EQ(MakeRecorderImage(o), MakeRecorderImage(o));
     // The unit flag changes what the recorder shows, not the kilometres it counts.
-    if (kind != PMKIND_AL) {
+    if (kind != RecorderKind::AL) {
       RecorderImageOptions pounds = o;
       pounds.unitFlag = 1;
       FlashData km, mi;
@@ -175,7 +175,7 @@ TEST(RecorderImage, SameSeedSameBytesAndALaterClockKeepsTheEarlierDays) {
     const int pageBytes = PageBytesOfKind(kind);
     for (int page = 1; page < o.days; ++page) {  // the recording day of `o` is unfinished
       const qsizetype at = static_cast<qsizetype>(FirstBlockOfPage(kind, page)) * kTransferBlockBytes;
-      EXPECT_EQ(a.mid(at, pageBytes), b.mid(at, pageBytes)) << kind.toStdString() << " page " << page;
+      EXPECT_EQ(a.mid(at, pageBytes), b.mid(at, pageBytes)) << KindText(kind).toStdString() << " page " << page;
     }
     // The unfinished day is a prefix of the finished one: same slots so far.
     FlashData partial, full;
@@ -184,7 +184,7 @@ TEST(RecorderImage, SameSeedSameBytesAndALaterClockKeepsTheEarlierDays) {
     const int slots = (18 * 60 + 30) / 2 + 1;
     for (int i = 0; i < kProfileSlots; ++i) {
       if (i < slots) ASSERT_EQ(KindProfile(partial, kind)[i], KindProfile(full, kind)[i]);
-      else ASSERT_EQ(KindProfile(partial, kind)[i], kind == PMKIND_BRIO_METS ? 255 : 15);
+      else ASSERT_EQ(KindProfile(partial, kind)[i], kind == RecorderKind::BrioMets ? 255 : 15);
     }
     EXPECT_LE(partial.StepCount, full.StepCount);
   }
@@ -192,7 +192,7 @@ TEST(RecorderImage, SameSeedSameBytesAndALaterClockKeepsTheEarlierDays) {
 
 TEST(RecorderImage, RingWrapsErasedPagesAndUnsetWeight) {
   TestInstallation inst;
-  RecorderImageOptions o = Options(PMKIND_BRIO_METS);  // ring of 120
+  RecorderImageOptions o = Options(RecorderKind::BrioMets);  // ring of 120
   o.startPage = 115;
   o.days = 10;
   o.erasedPages = {117};
@@ -210,7 +210,7 @@ TEST(RecorderImage, RingWrapsErasedPagesAndUnsetWeight) {
   EXPECT_EQ(c.pages.back().second.WeightFraction, 255);
   EXPECT_LE(c.pages[8].second.WeightFraction, 9);
 
-  o.kind = PMKIND_AL;  // ring of 240
+  o.kind = RecorderKind::AL;  // ring of 240
   o.startPage = 240;
   o.days = 239;
   o.lastDay = QDate(2024, 12, 31);
@@ -234,7 +234,7 @@ TEST(RecorderImage, RingWrapsErasedPagesAndUnsetWeight) {
 
 TEST(RecorderImage, MemoryLimitStopsWritingAtTheEndPage) {
   TestInstallation inst;
-  RecorderImageOptions o = Options(PMKIND_BRIO_NORMAL);
+  RecorderImageOptions o = Options(RecorderKind::BrioNormal);
   o.memorySetting = 1;
   o.memoryDays = 5;
   o.days = 8;
@@ -252,7 +252,7 @@ TEST(RecorderImage, MemoryLimitStopsWritingAtTheEndPage) {
 TEST(RecorderImage, BadOptionsAreRefused) {
   RecorderImageOptions o;
   o.days = 121;
-  o.kind = PMKIND_BRIO_METS;
+  o.kind = RecorderKind::BrioMets;
   QString error;
   EXPECT_TRUE(MakeRecorderImage(o, &error).isEmpty());
   EXPECT_FALSE(error.isEmpty());
@@ -260,15 +260,15 @@ TEST(RecorderImage, BadOptionsAreRefused) {
   o.erasedPages = {0};
   EXPECT_FALSE(CheckRecorderImageOptions(o).isEmpty());
   o.erasedPages.clear();
-  o.kind = PMKIND_BRIO_KT;
+  o.kind = RecorderKind::BrioKt;
   o.english = true;  // no English KT or ZR recorder exists
   EXPECT_FALSE(CheckRecorderImageOptions(o).isEmpty());
   o.english = false;
   EXPECT_TRUE(CheckRecorderImageOptions(o).isEmpty());
-  o.kind = QStringLiteral("PMKIND_NONE");
+  o.kind = RecorderKind::Unknown;
   EXPECT_FALSE(CheckRecorderImageOptions(o).isEmpty());
-  EXPECT_EQ(PmKindFromName("brio_kt"), PMKIND_BRIO_KT);
-  EXPECT_EQ(PmKindFromName("X"), QString());
+  EXPECT_EQ(KindFromName("brio_kt"), RecorderKind::BrioKt);
+  EXPECT_EQ(KindFromName("X"), RecorderKind::Unknown);
 }
 
 TEST(RecorderImage, InvalidImagesAreReportedNotDecoded) {
@@ -290,7 +290,7 @@ TEST(RecorderImage, InvalidImagesAreReportedNotDecoded) {
   EXPECT_TRUE(error.contains("management block"));
 
   // A good block whose pages lie beyond the end of the file.
-  RecorderImageOptions o = Options(PMKIND_BRIO_NORMAL);
+  RecorderImageOptions o = Options(RecorderKind::BrioNormal);
   const QByteArray image = MakeRecorderImage(o);
   ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
   f.write(image.left(248 * 12));
@@ -307,8 +307,8 @@ TEST(RecorderImage, CommandLineRoundTrip) {
   for (const char* kindName : {"AL", "BRIO_NORMAL", "BRIO_METS", "BRIO_ZR", "BRIO_KT"}) {
     const QString name = QString::fromLatin1(kindName);
     SCOPED_TRACE(name.toStdString());
-    const QString kind = PmKindFromName(name);
-    const int ring = RingSize(kind, PMLANG_JPN);
+    const RecorderKind kind = KindFromName(name);
+    const int ring = RingSize(kind, RecorderLang::Japanese);
     const int start = ring - 2;  // the six days wrap round the ring
     const QString out = inst.path("temp/" + name + ".img");
     QProcess make;
@@ -324,8 +324,8 @@ TEST(RecorderImage, CommandLineRoundTrip) {
     ASSERT_TRUE(dump.waitForFinished(60000));
     ASSERT_EQ(dump.exitCode(), 0) << dump.readAllStandardError().toStdString();
     const QJsonObject root = QJsonDocument::fromJson(dump.readAllStandardOutput()).object();
-    EXPECT_EQ(root["kind"].toString(), kind);
-    EXPECT_EQ(root["language"].toString(), "PMLANG_JPN");
+    EXPECT_EQ(root["kind"].toString(), KindText(kind));
+    EXPECT_EQ(root["language"].toString(), LangText(RecorderLang::Japanese));
     const QJsonObject manage = root["manage"].toObject();
     EXPECT_EQ(manage["CpuNo"].toString(), "777001");
     EXPECT_EQ(manage["bcNowDate"].toString(), "2024-01-10");

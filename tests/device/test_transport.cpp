@@ -13,11 +13,11 @@ namespace {
 
 const QStringList kReadOk = {"Tavo_Start", "Tavo_BRead", "Tavo_GetStatus", "Tavo_Finish"};
 
-DeviceState Opened(qint32 handle = 7, const QString& kind = PMKIND_BRIO_NORMAL) {
+DeviceState Opened(qint32 handle = 7, RecorderKind kind = RecorderKind::BrioNormal) {
   DeviceState s;
   s.hUSB = handle;
   s.pmKind = kind;
-  s.pmLang = PMLANG_JPN;
+  s.pmLang = RecorderLang::Japanese;
   return s;
 }
 
@@ -143,13 +143,13 @@ TEST(Transport, PageAddressesAndSizesFollowTheKind) {
   NoWaitClock clock;
   std::array<quint8, 992> buffer{};
   struct Case {
-    QString kind;
+    RecorderKind kind;
     qint16 page;
     int block;
     int bytes;
   };
-  for (const Case& c : {Case{PMKIND_AL, 1, 9, 496}, Case{PMKIND_AL, 2, 11, 496},
-                        Case{PMKIND_BRIO_ZR, 240, 487, 496}, Case{PMKIND_BRIO_METS, 2, 13, 992}}) {
+  for (const Case& c : {Case{RecorderKind::AL, 1, 9, 496}, Case{RecorderKind::AL, 2, 11, 496},
+                        Case{RecorderKind::BrioZr, 240, 487, 496}, Case{RecorderKind::BrioMets, 2, 13, 992}}) {
     FakeReader reader;
     ASSERT_EQ(RecvData(reader, clock, Opened(3, c.kind), c.page, buffer.data()), 0);
     EXPECT_EQ(reader.calls[1].firstBlock, c.block);
@@ -162,7 +162,7 @@ TEST(Transport, UnknownKindLeavesTheTransferOpen) {
   FakeReader reader;
   NoWaitClock clock;
   std::array<quint8, 992> buffer{};
-  EXPECT_EQ(RecvData(reader, clock, Opened(3, QString()), 1, buffer.data()), kDeviceUnknownKind);
+  EXPECT_EQ(RecvData(reader, clock, Opened(3, RecorderKind::Unknown), 1, buffer.data()), kDeviceUnknownKind);
   EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start"}));
   EXPECT_TRUE(Logged(inst, "2", "FlashManage_SetPMKind", "PMSoftVersion ERROR,Not AL or BRIO"));
 }
@@ -171,7 +171,7 @@ TEST(Transport, PageBelowOneDecodesAZeroedBuffer) {
   TestInstallation inst;
   FakeReader reader;
   NoWaitClock clock;
-  DeviceState s = Opened(3, PMKIND_BRIO_NORMAL);
+  DeviceState s = Opened(3, RecorderKind::BrioNormal);
   s.data.StepCount = 999;
   EXPECT_EQ(PM_RecvData(reader, clock, s, 0, QString()), 0);
   EXPECT_EQ(PM_RecvData(reader, clock, s, -5, QString()), 0);
@@ -187,7 +187,7 @@ TEST(Transport, ManagementReceiveSetsKindDecodesAndSavesTheRawBlock) {
   TestInstallation inst;
   inst.setConfig("SYSTEM", "SAVE_RAW_DATA", "1");
   RecorderImageOptions o;
-  o.kind = PMKIND_BRIO_ZR;
+  o.kind = RecorderKind::BrioZr;
   o.numbers = RecorderNumbers::FromConfig();
   o.days = 3;
   const QByteArray image = MakeRecorderImage(o);
@@ -198,8 +198,8 @@ TEST(Transport, ManagementReceiveSetsKindDecodesAndSavesTheRawBlock) {
   ASSERT_NE(UsbOpen(reader, clock, s), 0);
   const QString raw = inst.rawPath() + "/R000000001.bin";
   ASSERT_EQ(PM_RecvManage(reader, clock, s, raw), 0);
-  EXPECT_EQ(s.pmKind, PMKIND_BRIO_ZR);
-  EXPECT_EQ(s.pmLang, PMLANG_JPN);
+  EXPECT_EQ(s.pmKind, RecorderKind::BrioZr);
+  EXPECT_EQ(s.pmLang, RecorderLang::Japanese);
   EXPECT_EQ(s.manage.FixedData, o.numbers.kt200);
   EXPECT_EQ(s.manage.RecordingPage, 3);
 
@@ -223,11 +223,11 @@ TEST(Transport, ReceiveFailuresAreLoggedWithTheirCode) {
   TestInstallation inst;
   FakeReader reader(QByteArray(kManageBlockBytes, char(0xFF)));
   NoWaitClock clock;
-  DeviceState s = Opened(1, QString());
+  DeviceState s = Opened(1, RecorderKind::Unknown);
   EXPECT_EQ(PM_RecvManage(reader, clock, s, QString()), kDeviceUnknownKind);
   EXPECT_TRUE(Logged(inst, "2", "PM_RecvManage", "FlashManage_SetPMKind ERROR(-40001)"));
   reader.faultAt[1] = 12;
-  s.pmKind = PMKIND_AL;
+  s.pmKind = RecorderKind::AL;
   EXPECT_EQ(PM_RecvData(reader, clock, s, 1, QString()), 12);
   EXPECT_TRUE(Logged(inst, "2", "PM_RecvData", "RecvData ERROR(12)"));
   reader.refuseStartAt = {2};

@@ -51,7 +51,7 @@ class ExchangeTest : public ::testing::Test {
   // Days 2024-06-23 to 2024-06-30 from a recorder (the last one still being recorded).
   void StoreRecorder() {
     RecorderImageOptions o;
-    o.kind = english_ ? PMKIND_BRIO_NORMAL : PMKIND_BRIO_ZR;
+    o.kind = english_ ? RecorderKind::BrioNormal : RecorderKind::BrioZr;
     o.english = english_;
     o.unitFlag = english_ ? 1 : 0;
     o.days = 8;

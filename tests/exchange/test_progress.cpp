@@ -35,7 +35,7 @@ class ProgressTest : public ExchangeTest {
       u.NICK_NAME.clear();
       ASSERT_TRUE(VTDB_SetUserInfo(db_, u));
       RecorderImageOptions o;
-      o.kind = PMKIND_BRIO_ZR;
+      o.kind = RecorderKind::BrioZr;
       o.days = 3;
       ASSERT_TRUE(StoreRecorderDays(db_, QString::fromLatin1(id), o).isEmpty());
     }

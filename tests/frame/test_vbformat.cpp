@@ -49,7 +49,7 @@ TEST(Format, DigitPlaceholders) {
   EXPECT_EQ(F(0.4, "#0"), "0");
   EXPECT_EQ(F(0, "###0"), "0");
   EXPECT_EQ(F(-0.05, "#0.0"), "-0.1");
-  // Beyond fifteen significant digits the old runtime showed zeros.
+  // Beyond fifteen significant digits the figure shows zeros.
   EXPECT_EQ(F(123456789012345678.0, "#0"), "123456789012346000");
   EXPECT_EQ(F(1e20, "##0.0"), "100000000000000000000.0");
   EXPECT_EQ(F(3.25, "#0.0#"), "3.25");

@@ -3,8 +3,8 @@
 
 namespace {
 
-ReceiveContext Context(int start, int end, int recording, const QString& kind = PMKIND_BRIO_NORMAL,
-                       const QString& lang = PMLANG_JPN) {
+ReceiveContext Context(int start, int end, int recording, RecorderKind kind = RecorderKind::BrioNormal,
+                       RecorderLang lang = RecorderLang::Japanese) {
   ReceiveContext ctx;
   ctx.device.pmKind = kind;
   ctx.device.pmLang = lang;
@@ -43,7 +43,7 @@ TEST_F(PageArithmetic, WholeRangeCountsAcrossTheRingWithoutReadingTheDatabase) {
   ASSERT_TRUE(CalcReceivePage(*db, ctx, s, e, n, true));
   EXPECT_EQ(n, 0);
   // English METS ring of 100.
-  ctx = Context(95, 4, 4, PMKIND_BRIO_METS, PMLANG_ENG);
+  ctx = Context(95, 4, 4, RecorderKind::BrioMets, RecorderLang::English);
   ASSERT_TRUE(CalcReceivePage(*db, ctx, s, e, n, true));
   EXPECT_EQ(n, 10);
 }

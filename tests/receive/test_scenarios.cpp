@@ -25,8 +25,8 @@ TEST_F(Scenario, FirstReceiveOfANewRecorderRegistersAUserAndStoresEveryDay) {
 
   ASSERT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
   EXPECT_EQ(r.dialogs, (QStringList{QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("frmUserRegist")}));
-  EXPECT_EQ(r.kind, PMKIND_BRIO_NORMAL);
-  EXPECT_EQ(r.lang, PMLANG_JPN);
+  EXPECT_EQ(r.kind, KindText(RecorderKind::BrioNormal));
+  EXPECT_EQ(r.lang, LangText(RecorderLang::Japanese));
   EXPECT_EQ(r.cpuNo, QStringLiteral("A00042"));
   EXPECT_EQ(r.receiveId, QStringLiteral("R000000001"));
   EXPECT_EQ(r.userId, id);
@@ -170,7 +170,7 @@ TEST_F(Scenario, AnUnsetWeightOnTheLastPageLeavesThatDayForNextTime) {
 
 TEST_F(Scenario, FamilyAStoresTheDayEvenWithoutWeight) {
   RecorderImageOptions o = recorder(3);
-  o.kind = PMKIND_AL;
+  o.kind = RecorderKind::AL;
   o.unsetWeight = true;
   firstReceive(o);
   EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 3);
@@ -277,7 +277,7 @@ TEST_F(Scenario, RefusedKindsLeaveNoTrace) {
   inst->setConfig(QStringLiteral("SYSTEM"), QStringLiteral("SAVE_RAW_DATA"), QStringLiteral("1"));
   inst->setConfig(QStringLiteral("PM_TEST"), QStringLiteral("PM_AL"), QStringLiteral("0"));
   RecorderImageOptions al = recorder(3);
-  al.kind = PMKIND_AL;
+  al.kind = RecorderKind::AL;
   place(al);
   const QStringList before = dump();
   ScriptedQuestions q;

@@ -52,7 +52,7 @@ FlashData pageOf(const QDate& date, int steps) {
 class DayStore : public StoreTest {
  protected:
   // Stores one day and reads its row back.
-  DayRecord storeDay(const QString& fixedText, const QString& kind, FlashData& page,
+  DayRecord storeDay(const QString& fixedText, RecorderKind kind, FlashData& page,
                      const QString& receive = QStringLiteral("R000000001"), int seq = 1) {
     const FlashManage m = manageFor(fixedText);
     EXPECT_TRUE(VTDB_SetDayMeasurement(db_, receive, seq, kUser, seq, 1, page, m, kind));
@@ -72,7 +72,7 @@ class DayStore : public StoreTest {
 
 TEST_F(DayStore, FamilyAUsesFixedBoundsAndComputedExercise) {
   FlashData page = pageOf(QDate(2024, 5, 6), 8000);
-  const DayRecord r = storeDay(QStringLiteral("12820"), PMKIND_AL, page);
+  const DayRecord r = storeDay(QStringLiteral("12820"), RecorderKind::AL, page);
   EXPECT_EQ(r.MEASUREMENT_DAY, QStringLiteral("20240506"));
   EXPECT_EQ(r.WEEK_DAY, QStringLiteral("1"));
   EXPECT_EQ(r.WEIGHT_KG, QStringLiteral("52.0 ")) << "family A has no weight fraction";
@@ -95,7 +95,7 @@ TEST_F(DayStore, FamilyBTakesThePageSettingsAndCarriesTheDistance) {
   page.Distance = 665;
   page.RangeMinutes = 65535;
   page.LogicSelect = 1;
-  const DayRecord r = storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, page);
+  const DayRecord r = storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, page);
   EXPECT_EQ(page.Distance, 0) << "the carry changes the record itself";
   EXPECT_EQ(page.RangeMinutes, 0);
   EXPECT_EQ(r.WEIGHT_KG, QStringLiteral("52.5 "));
@@ -111,7 +111,7 @@ TEST_F(DayStore, FamilyBTakesThePageSettingsAndCarriesTheDistance) {
 
   FlashData over = pageOf(QDate(2024, 5, 7), 70001);
   over.Distance = 665;
-  storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, over, QStringLiteral("R000000001"), 2);
+  storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, over, QStringLiteral("R000000001"), 2);
   EXPECT_EQ(over.Distance, 665);
   EXPECT_EQ(column(QStringLiteral("DISTANCE_KM"), QStringLiteral("R000000001"), QStringLiteral("2")),
             QStringLiteral("66.5"));
@@ -121,7 +121,7 @@ TEST_F(DayStore, FamilyBTakesThePageSettingsAndCarriesTheDistance) {
 
 TEST_F(DayStore, ZrAndKtUseTheirOwnRules) {
   FlashData page = pageOf(QDate(2024, 5, 6), 8000);
-  storeDay(QStringLiteral("14200"), PMKIND_BRIO_ZR, page);
+  storeDay(QStringLiteral("14200"), RecorderKind::BrioZr, page);
   EXPECT_EQ(column(QStringLiteral("LOWER_BOUND")) + column(QStringLiteral("UPPER_BOUND")) +
                 column(QStringLiteral("TARGET_TIME")),
             QStringLiteral("490"));
@@ -132,7 +132,7 @@ TEST_F(DayStore, ZrAndKtUseTheirOwnRules) {
   EXPECT_NE(column(QStringLiteral("WEIGHT_PAUND")), QStringLiteral("116")) << "from the kilograms";
 
   FlashData kt = pageOf(QDate(2024, 5, 7), 8000);
-  storeDay(QStringLiteral("14014"), PMKIND_BRIO_KT, kt, QStringLiteral("R000000001"), 2);
+  storeDay(QStringLiteral("14014"), RecorderKind::BrioKt, kt, QStringLiteral("R000000001"), 2);
   EXPECT_EQ(column(QStringLiteral("PEDOMERA"), QStringLiteral("R000000001"), QStringLiteral("2")),
             QStringLiteral("3"));
 }
@@ -144,7 +144,7 @@ TEST_F(DayStore, ProfilesBecomeSlotTexts) {
   page.LevelProfileBrio[1] = 1;
   page.LevelProfileBrio[2] = 10;
   page.LevelProfileBrio[3] = 11;
-  const QStringList nibble = MakeActLevelBlockText(page, PMKIND_BRIO_NORMAL).split(QLatin1Char(','));
+  const QStringList nibble = MakeActLevelBlockText(page, RecorderKind::BrioNormal).split(QLatin1Char(','));
   ASSERT_EQ(nibble.size(), 720);
   EXPECT_EQ(nibble.mid(0, 5), (QStringList{"0", "0.5", "9", "-1", "-1"}));
 
@@ -152,12 +152,12 @@ TEST_F(DayStore, ProfilesBecomeSlotTexts) {
   page.LevelProfileMets[0] = 90;
   page.LevelProfileMets[1] = 91;
   page.LevelProfileMets[2] = 5;
-  const QString mets = MakeActLevelBlockText(page, PMKIND_BRIO_METS);
+  const QString mets = MakeActLevelBlockText(page, RecorderKind::BrioMets);
   EXPECT_TRUE(mets.startsWith(QStringLiteral("9.0,-1,0.5,0,")));
   EXPECT_FALSE(mets.endsWith(QLatin1Char(',')));
-  EXPECT_EQ(MakeActLevelBlockText(page, QStringLiteral("other")), QString());
+  EXPECT_EQ(MakeActLevelBlockText(page, RecorderKind::Unknown), QString());
 
-  ASSERT_TRUE(VTDB_SetTimeMeasurementBlock(db_, QStringLiteral("R000000009"), 1, page, PMKIND_BRIO_METS));
+  ASSERT_TRUE(VTDB_SetTimeMeasurementBlock(db_, QStringLiteral("R000000009"), 1, page, RecorderKind::BrioMets));
   TimeBlockRecord block;
   ASSERT_TRUE(VTDB_GetTimeMeasurementDayBlock(db_, QStringLiteral("R000000009"), QStringLiteral("1"), block));
   EXPECT_EQ(block.ACT_LEVEL_BLOCK.trimmed(), mets);
@@ -166,7 +166,7 @@ TEST_F(DayStore, ProfilesBecomeSlotTexts) {
 
 TEST_F(DayStore, ZeroDatePagesNeverFallInARange) {
   FlashData empty = pageOf(ZeroDate(), 0);
-  const DayRecord r = storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, empty);
+  const DayRecord r = storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, empty);
   EXPECT_EQ(r.MEASUREMENT_DAY.trimmed(), QString());
   EXPECT_EQ(column(QStringLiteral("RAW_MEASUREMENT_DAY")), QString());
   EXPECT_FALSE(VTDB_ExistData(db_, kUser, QStringLiteral("18991230"), QStringLiteral("99991231")));
@@ -188,11 +188,11 @@ TEST_F(DayStore, NewestRowOfADayAcrossReceptionsAndSequenceNumbers) {
   FlashData d6b = pageOf(QDate(2024, 5, 6), 3000);
   FlashData d7a = pageOf(QDate(2024, 5, 7), 49);
   FlashData d7b = pageOf(QDate(2024, 5, 7), 50);
-  storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, d5, QStringLiteral("R000000001"), 1);
-  storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, d6a, QStringLiteral("R000000001"), 2);
-  storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, d6b, QStringLiteral("R000000002"), 1);
-  storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, d7b, QStringLiteral("R000000002"), 10);
-  storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, d7a, QStringLiteral("R000000002"), 9);
+  storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, d5, QStringLiteral("R000000001"), 1);
+  storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, d6a, QStringLiteral("R000000001"), 2);
+  storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, d6b, QStringLiteral("R000000002"), 1);
+  storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, d7b, QStringLiteral("R000000002"), 10);
+  storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, d7a, QStringLiteral("R000000002"), 9);
 
   std::vector<ChartDayRecord> rows;
   ASSERT_EQ(VTDB_GetChartData(db_, kUser, QStringLiteral("20240501"), QStringLiteral("20240531"),
@@ -253,7 +253,7 @@ TEST_F(DayStore, NewestRowOfADayAcrossReceptionsAndSequenceNumbers) {
 
 TEST_F(DayStore, ModerateIsBuiltFromTheLevelRange) {
   FlashData page = pageOf(QDate(2024, 5, 6), 8000);
-  storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, page);
+  storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, page);
   ChartDayRecord day;
   EXPECT_EQ(VTDB_GetModerate(db_, QStringLiteral("R000000001"), QStringLiteral("1"), QStringLiteral("4"),
                              QStringLiteral("7"), day),
@@ -274,7 +274,7 @@ TEST_F(DayStore, ModerateIsBuiltFromTheLevelRange) {
 
 TEST_F(DayStore, NullExerciseIsComputedAndOldModelTextIsRepaired) {
   FlashData page = pageOf(QDate(2024, 5, 6), 8000);
-  storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, page);
+  storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, page);
   db_.exec(QStringLiteral("UPDATE [DAY_MEASUREMENT] SET EXERCISE = NULL, PEDOMERA = '0'"));
   DayRecord r;
   ASSERT_TRUE(VTDB_GetDayMeasurement(db_, QStringLiteral("R000000001"), QStringLiteral("1"), r));
@@ -336,10 +336,10 @@ TEST_F(DayStore, AFailedReceptionIsRemovedAsAWhole) {
   ASSERT_TRUE(VTDB_SetReceiveHistory(db_, id, QStringLiteral("20240506120000"), raw, manageFor(QStringLiteral("13020"))));
   FlashData a = pageOf(QDate(2024, 5, 5), 100);
   FlashData b = pageOf(QDate(2024, 5, 6), 100);
-  storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, a, id, 1);
-  storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, b, id, 2);
+  storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, a, id, 1);
+  storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, b, id, 2);
   FlashData other = pageOf(QDate(2024, 5, 6), 100);
-  storeDay(QStringLiteral("13020"), PMKIND_BRIO_NORMAL, other, QStringLiteral("R000000004"), 1);
+  storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, other, QStringLiteral("R000000004"), 1);
 
   ASSERT_TRUE(DeleteAllReceiveData(db_, raw, id));
   EXPECT_FALSE(QFile::exists(raw));
@@ -377,8 +377,8 @@ TEST_F(DayStore, UserDataFollowsTheRecorder) {
   m.RecordEndPage = 7;
   FlashData page = pageOf(QDate(2024, 5, 6), 100);
   page.UnitFlag = 1;
-  EXPECT_EQ(UpdateUserData(db_, u.USER_ID, QStringLiteral("R000000008"), m, page, true, PMKIND_BRIO_NORMAL,
-                           PMLANG_JPN),
+  EXPECT_EQ(UpdateUserData(db_, u.USER_ID, QStringLiteral("R000000008"), m, page, true, RecorderKind::BrioNormal,
+                           RecorderLang::Japanese),
             0);
   UserRecord r;
   ASSERT_TRUE(VTDB_GetUserInfoFromUserId(db_, u.USER_ID, r));
@@ -388,14 +388,14 @@ TEST_F(DayStore, UserDataFollowsTheRecorder) {
   EXPECT_EQ(r.HEIGHT_FEET.trimmed(), QStringLiteral("5"));
   EXPECT_EQ(r.WEIGHT_PAUND.trimmed(), QStringLiteral("116"));
   EXPECT_EQ(r.TARGET_STEP.trimmed(), QStringLiteral("1234")) << "targets kept";
-  EXPECT_EQ(UpdateUserData(db_, u.USER_ID, QStringLiteral("R000000008"), m, page, false, PMKIND_BRIO_NORMAL,
-                           PMLANG_JPN),
+  EXPECT_EQ(UpdateUserData(db_, u.USER_ID, QStringLiteral("R000000008"), m, page, false, RecorderKind::BrioNormal,
+                           RecorderLang::Japanese),
             0);
   ASSERT_TRUE(VTDB_GetUserInfoFromUserId(db_, u.USER_ID, r));
   EXPECT_EQ(r.TARGET_STEP.trimmed(), QStringLiteral("9000"));
   EXPECT_EQ(r.TARGET_ACTMIN.trimmed(), QStringLiteral("45"));
   EXPECT_EQ(UpdateUserData(db_, QStringLiteral("U000000077"), QStringLiteral("R1"), m, page, false,
-                           PMKIND_BRIO_NORMAL, PMLANG_JPN),
+                           RecorderKind::BrioNormal, RecorderLang::Japanese),
             0) << "no row, no failure";
 }
 

@@ -17,7 +17,7 @@ class CsvScreens : public ::testing::Test {
     ASSERT_TRUE(inst_.isValid());
     ASSERT_TRUE(OpenDatabaseWithSampleUser(inst_, db_, QStringLiteral("U000000001")).isEmpty());
     RecorderImageOptions o;
-    o.kind = PMKIND_BRIO_ZR;
+    o.kind = RecorderKind::BrioZr;
     o.days = 10;
     ASSERT_TRUE(StoreRecorderDays(db_, QStringLiteral("U000000001"), o).isEmpty());
     UserRecord second = SampleUser(QStringLiteral("U000000002"));

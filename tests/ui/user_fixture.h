@@ -58,7 +58,7 @@ class UserScreenFixture : public ::testing::Test {
   RecorderImageOptions recorder(int days, const QDate& lastDay = QDate(2024, 6, 30)) const {
     RecorderImageOptions o;
     o.numbers = RecorderNumbers::FromConfig();
-    o.kind = PMKIND_BRIO_NORMAL;
+    o.kind = RecorderKind::BrioNormal;
     o.days = days;
     o.lastDay = lastDay;
     o.cpuNo = QStringLiteral("A00042");
