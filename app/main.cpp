@@ -10,7 +10,7 @@
 #include "catalogue.h"
 #include "chartmaker.h"
 #include "config.h"
-#include "csv_dialogs.h"
+#include "desktop_actions.h"
 #include "frmTerminal.h"
 #include "helpers.h"
 #include "desktop_screens.h"
@@ -60,10 +60,7 @@ int Run(QApplication& app, QtDialog& dialogs) {
   frmTerminal w(TerminalServices{db, chart, *reader, clock, screens});
   dialogs.setParent(&w);
   if (!w.Form_Load()) return 1;
-  frmTerminal::Actions actions;
-  actions.csvExport = [&db, &w] { ShowCsvExport(db, GetCurrentUserId(), &w); };
-  actions.csvImport = [&db, &w] { ShowCsvImport(db, &w); };
-  w.setActions(std::move(actions));
+  w.setActions(DesktopActions(db, chart, w));
   QObject::connect(&w, &frmTerminal::quitRequested, [&closing] { closing.requestQuit(); });
   QObject::connect(&w, &frmTerminal::queryClose, [&closing](int mode) { closing.queryClose(mode); });
 

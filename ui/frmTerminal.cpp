@@ -184,6 +184,9 @@ void frmTerminal::buildMenus() {
   entry(mnuMenuEdit, mnuEditUser, "mnuEditUser", "MENU_EDIT_EDIT_USER");
   entry(mnuMenuEdit, mnuDeleteUser, "mnuDeleteUser", "MENU_EDIT_DELETE_USER");
   mnuMenuEdit->addSeparator();
+  entry(mnuMenuEdit, mnuBackup, "mnuBackup", "MENU_EDIT_BACKUP");
+  entry(mnuMenuEdit, mnuRestore, "mnuRestore", "MENU_EDIT_RESTORE");
+  mnuMenuEdit->addSeparator();
   entry(mnuMenuEdit, mnuQuit, "mnuQuit", "MENU_QUIT");
 
   menu(mnuDisplay, "mnuDisplay", "MENU_DISPLAY");
@@ -247,16 +250,26 @@ void frmTerminal::buildMenus() {
   });
   connect(mnuBack, &QAction::triggered, this, [this] { mnuBack_Click(); });
   connect(mnuHelp, &QAction::triggered, this, [this] {
-    Trace0(QStringLiteral("mnuHelp_Click Start"));
     if (actions_.help) actions_.help();
   });
   connect(mnuVersion, &QAction::triggered, this, [this] {
-    Trace0(QStringLiteral("mnuVersion_Click Start"));
     if (actions_.version) actions_.version();
   });
   connect(mnuHealthyDiary, &QAction::triggered, this, [this] {
-    Trace0(QStringLiteral("mnuHealthyDiary_Click Start"));
     if (actions_.healthyDiary) actions_.healthyDiary();
+  });
+  connect(mnuBackup, &QAction::triggered, this, [this] {
+    Trace0(QStringLiteral("mnuBackup_Click Start"));
+    if (actions_.backup) actions_.backup();
+  });
+  connect(mnuRestore, &QAction::triggered, this, [this] {
+    Trace0(QStringLiteral("mnuRestore_Click Start"));
+    if (!actions_.restore || !actions_.restore()) return;
+    // Other data: the user on show may be gone, so the list is shown afresh.
+    deleteChartFiles();
+    lastKind_ = 0;
+    if (GetScreenState() == kStateJob) LeaveJobScreen();
+    FillUserList(GetCurrentGroupId(), false);
   });
   connect(mnuQuit, &QAction::triggered, this, [this] { RequestQuit(); });
 }
@@ -635,6 +648,10 @@ void frmTerminal::UpdateMenuState(const QString& dataState) {
   mnuCsvExport->setEnabled(static_cast<bool>(actions_.csvExport) &&
                            ((userList && groupHasUsers_) || GetScreenState() == kStateJob));
   mnuCsvImport->setEnabled(static_cast<bool>(actions_.csvImport) && userList);
+  // A backup reads the database as it is; a restore replaces it, so not while a receive
+  // or another screen is at work.
+  mnuBackup->setEnabled(static_cast<bool>(actions_.backup));
+  mnuRestore->setEnabled(static_cast<bool>(actions_.restore) && !GetRecorderHandled());
   mnuHelp->setEnabled(static_cast<bool>(actions_.help));
   mnuVersion->setEnabled(static_cast<bool>(actions_.version));
   mnuHealthyDiary->setEnabled(static_cast<bool>(actions_.healthyDiary));
@@ -1138,8 +1155,8 @@ void frmTerminal::ReDrawChart(int kind, bool printFlag) {
         WriteTrace(QStringLiteral("0"), QStringLiteral("DrawChart"),
                    QStringLiteral("lChartProcessRet = ") + QString::number(result));
         InterpretChartResult(result);
-      } else if (actions_.print) {
-        actions_.print(false);
+      } else if (actions_.printFiles) {
+        actions_.printFiles(headerFile_, interfaceFile_);
       }
     }
     busyCounter_ = 0;

@@ -104,6 +104,10 @@ class frmTerminal : public QMainWindow {
   // disabled; setting one enables the entry where the screen's state allows it.
   struct Actions {
     std::function<void(bool fromButton)> print;  // mnuReport, btnPrint (chart files are on show)
+    // The print path of a redraw: the chart's files on the configured printer.
+    std::function<void(const QString& headerFile, const QString& interfaceFile)> printFiles;
+    std::function<void()> backup;                // mnuBackup
+    std::function<bool()> restore;               // mnuRestore; true when the data were replaced
     std::function<void()> help;                  // mnuHelp
     std::function<void()> version;               // mnuVersion
     std::function<void()> healthyDiary;          // mnuHealthyDiary
@@ -123,6 +127,8 @@ class frmTerminal : public QMainWindow {
   QAction* mnuNewUser = nullptr;
   QAction* mnuEditUser = nullptr;
   QAction* mnuDeleteUser = nullptr;
+  QAction* mnuBackup = nullptr;
+  QAction* mnuRestore = nullptr;
   QMenu* mnuDisplay = nullptr;
   QAction* mnuNameAscend = nullptr;
   QAction* mnuNameDescend = nullptr;
