@@ -9,6 +9,8 @@
 #include <QProgressDialog>
 #include <QSplashScreen>
 
+#include <sys/stat.h>
+
 #include "catalogue.h"
 #include "chartmaker.h"
 #include "config.h"
@@ -108,13 +110,19 @@ int Run(QApplication& app, QtDialog& dialogs) {
   if (!closing.queryCloseDone()) closing.queryClose(1);
 
   CompactionProgress progress;
-  if (closing.closeMainScreen(progress) == StartupSequence::Outcome::Stop) return 1;
+  const StartupSequence::Outcome closed = closing.closeMainScreen(progress);
+  // The chart files hold people's figures: none stays behind the program.
+  RemoveFilesIn(Ini_GetTempDataPath());
+  if (closed == StartupSequence::Outcome::Stop) return 1;
   return rc;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Everything this program writes (log, raw dumps, chart files, the key, copies of the
+  // database) is its owner's alone.
+  ::umask(077);
   QApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("vantora"));
   QApplication::setApplicationVersion(QStringLiteral(VANTORA_VERSION));

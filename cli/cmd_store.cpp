@@ -6,6 +6,7 @@
 #include "commands.h"
 #include "config.h"
 #include "shared_values.h"
+#include "db_safety.h"
 #include "store.h"
 
 namespace {

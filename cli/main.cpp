@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QTextStream>
 
+#include <sys/stat.h>
+
 #include <cstring>
 #include <memory>
 
@@ -90,6 +92,8 @@ int cmd_version(const QStringList& args) {
 }
 
 int main(int argc, char** argv) {
+  // What the tool writes (log, raw dumps, chart files, the key) is its owner's alone.
+  ::umask(077);
   // Drawing charts needs fonts, hence a GUI application; without a display the
   // offscreen platform serves. Every other command stays a plain core application.
   std::unique_ptr<QCoreApplication> appHolder;

@@ -1,3 +1,4 @@
+#include <algorithm>
 // Kinds, languages, ring sizes, and the acceptance of a recorder by this installation.
 #include "config.h"
 #include "data_convert.h"
@@ -77,6 +78,28 @@ qint16 RingSize(const QString& kind, const QString& lang) {
   }
   if (kind == PMKIND_BRIO_METS) return 120;
   return 240;
+}
+
+QString CheckRecorderPageNumbers(const FlashManage& m, const QString& kind, const QString& lang) {
+  const int ring = RingSize(kind, lang);
+  const auto outside = [ring](int page) { return page < 1 || page > ring; };
+  if (outside(m.RecordStartPage) || outside(m.RecordingPage))
+    return QStringLiteral("page numbers outside the ring of %1 pages (start %2, recording %3)")
+        .arg(ring)
+        .arg(m.RecordStartPage)
+        .arg(m.RecordingPage);
+  if (m.MemorySetting == 1 && outside(m.RecordEndPage))
+    return QStringLiteral("end page %1 outside the ring of %2 pages").arg(m.RecordEndPage).arg(ring);
+  return QString();
+}
+
+qint64 LargestRecorderMemoryBytes() {
+  qint64 largest = 0;
+  for (const QString& kind : {PMKIND_AL, PMKIND_BRIO_NORMAL, PMKIND_BRIO_METS, PMKIND_BRIO_ZR, PMKIND_BRIO_KT})
+    for (const QString& lang : {PMLANG_JPN, PMLANG_ENG})
+      largest = std::max<qint64>(largest, static_cast<qint64>(FirstBlockOfPage(kind, RingSize(kind, lang) + 1)) *
+                                              kTransferBlockBytes);
+  return largest;
 }
 
 qint16 WrapPageCount(qint16 difference, const QString& kind, const QString& lang) {

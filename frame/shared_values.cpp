@@ -26,6 +26,7 @@ struct SharedValues {
   QString commonDateFormat = QStringLiteral("");
   QString commonScreenDateFormat = QStringLiteral("");
   std::uint32_t commonFormBackColor = 0;
+  int writerLockWaitMs = 5000;
 };
 
 SharedValues& values() {
@@ -35,6 +36,8 @@ SharedValues& values() {
 
 }  // namespace
 
+int GetWriterLockWaitMs() { return values().writerLockWaitMs; }
+void SetWriterLockWaitMs(int v) { values().writerLockWaitMs = v; }
 QString GetScreenState() { return values().screenState; }
 void SetScreenState(const QString& v) { values().screenState = v; }
 QString GetFocusState() { return values().focusState; }

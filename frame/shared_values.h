@@ -61,5 +61,10 @@ void SetCommonScreenDateFormat(const QString& v);
 std::uint32_t GetCommonFormBackColor();  // red + 256 green + 65536 blue
 void SetCommonFormBackColor(std::uint32_t v);
 
+// How long a writer waits for the installation's lock before it reports that Vantora is
+// busy, in milliseconds (5000; tests shorten it).
+int GetWriterLockWaitMs();
+void SetWriterLockWaitMs(int v);
+
 // Puts every value back to its start value (tests, and a fresh start of the main screen).
 void ResetSharedValues();
