@@ -92,9 +92,20 @@ class FlagQuestions : public ReceiveQuestions {
   bool selectUsed_ = false;
 };
 
+// Real waits shortened by a factor (crash tests: a receive that takes long enough to be
+// killed at any point, without the minutes of a real reader).
+class ScaledClock : public SystemDeviceClock {
+ public:
+  explicit ScaledClock(int scale) : scale_(scale) {}
+  void sleepMs(int ms) override { SystemDeviceClock::sleepMs(ms / scale_); }
+
+ private:
+  int scale_;
+};
+
 int Usage(QTextStream& err, const QString& text) {
   err << "receive: " << text << "\n"
-      << "usage: receive [--as USER_ID | --new-user NAME] [--state S_USERSELECT|S_JOB] [--yes|--no] [--fast]\n";
+      << "usage: receive [--as USER_ID | --new-user NAME] [--state S_USERSELECT|S_JOB] [--yes|--no] [--fast | --clock-scale N]\n";
   return 2;
 }
 
@@ -106,6 +117,7 @@ int cmd_receive(const QStringList& args) {
   QString asUser, newUser, state = kStateUserSelect;
   int yesNo = 0;
   bool fast = false;
+  int clockScale = 0;
   for (int i = 0; i < args.size(); ++i) {
     const QString& a = args[i];
     auto value = [&](QString& target) {
@@ -125,6 +137,11 @@ int cmd_receive(const QStringList& args) {
       yesNo = v;
     } else if (a == QLatin1String("--fast")) {
       fast = true;
+    } else if (a == QLatin1String("--clock-scale")) {
+      QString v;
+      bool ok = false;
+      if (value(v)) clockScale = v.toInt(&ok);
+      if (!ok || clockScale < 1) return Usage(err, QStringLiteral("--clock-scale needs a whole number from 1"));
     } else {
       return Usage(err, QStringLiteral("unknown argument ") + a);
     }
@@ -174,7 +191,10 @@ int cmd_receive(const QStringList& args) {
   std::unique_ptr<TavoReader> reader = CreateConfiguredReader();
   SystemDeviceClock realClock;
   NoWaitClock noWait;
-  DeviceClock& clock = fast ? static_cast<DeviceClock&>(noWait) : static_cast<DeviceClock&>(realClock);
+  ScaledClock scaled(clockScale > 0 ? clockScale : 1);
+  DeviceClock& clock = fast ? static_cast<DeviceClock&>(noWait)
+                       : clockScale > 0 ? static_cast<DeviceClock&>(scaled)
+                                        : static_cast<DeviceClock&>(realClock);
   QuietProgress progress;
 
   SetScreenState(state);
@@ -201,7 +221,9 @@ int cmd_receive(const QStringList& args) {
     out << "user: " << r.userId << "\n"
         << "pages: " << r.startPage << " to " << r.endPage << " (" << r.pageCount << ")\n"
         << "pages fetched: " << r.pagesFetched << "\n"
-        << "days stored: " << r.daysStored << "\n";
+        << "days stored: " << r.daysStored << "\n"
+        << "pages skipped: " << r.pagesSkipped << "\n"
+        << "summary: " << r.summary << "\n";
   }
   if (!r.messageCodes.isEmpty()) out << "messages: " << r.messageCodes.join(QStringLiteral(", ")) << "\n";
   out.flush();

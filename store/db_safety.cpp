@@ -144,7 +144,7 @@ QString ResolveDatabaseKey(const QString& given) {
 
 // ---- the state of a database file ----
 
-DbFileState InspectDatabaseFile(const QString& path, const QString& key, QString* detail) {
+DbFileState InspectDatabaseFile(const QString& path, const QString& key, QString* detail, bool full) {
   const QFileInfo info(path);
   if (!info.exists()) return DbFileState::Missing;
   if (info.isFile() && info.size() == 0) return DbFileState::Empty;
@@ -153,10 +153,19 @@ DbFileState InspectDatabaseFile(const QString& path, const QString& key, QString
     db.open(path, key, VtDatabase::OpenMode::ReadOnly);
   } catch (const StoreError& e) {
     if (detail) *detail = ReasonOf(e);
+    if (e.code() == SQLITE_NOTADB) return DbFileState::WrongKey;
+    if ((e.code() & 0xff) != SQLITE_READONLY && (e.code() & 0xff) != SQLITE_CANTOPEN) return DbFileState::Damaged;
+  }
+  try {
+    // A log left by a process that died must be rolled into the file before it can be
+    // read; that is the engine's own recovery and changes no data.
+    if (!db.isOpen()) db.open(path, key, VtDatabase::OpenMode::AsIs);
+  } catch (const StoreError& e) {
+    if (detail) *detail = ReasonOf(e);
     return e.code() == SQLITE_NOTADB ? DbFileState::WrongKey : DbFileState::Damaged;
   }
   try {
-    Statement check(db, QStringLiteral("PRAGMA quick_check"));
+    Statement check(db, full ? QStringLiteral("PRAGMA integrity_check") : QStringLiteral("PRAGMA quick_check"));
     QStringList problems;
     while (check.step()) {
       const QString line = check.text(0);
@@ -385,7 +394,20 @@ InstallationLock::~InstallationLock() { release(); }
 
 bool InstallationLock::acquire(int waitMs) {
   if (held()) return true;
-  return impl_->file.tryLock(waitMs < 0 ? GetWriterLockWaitMs() : waitMs);
+  if (impl_->file.tryLock(waitMs < 0 ? GetWriterLockWaitMs() : waitMs)) return true;
+  // A lock left by a process that died is taken over by its process id. One killed
+  // between creating the file and writing its id leaves a file without one: that is
+  // stale once it is older than any writer needs to fill it in.
+  qint64 pid = 0;
+  QString host;
+  QString app;
+  const QFileInfo info(impl_->path);
+  if (!impl_->file.getLockInfo(&pid, &host, &app) && info.exists() &&
+      info.lastModified().msecsTo(QDateTime::currentDateTime()) > 2000) {
+    impl_->file.removeStaleLockFile();
+    return impl_->file.tryLock(0);
+  }
+  return false;
 }
 
 void InstallationLock::release() {

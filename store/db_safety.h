@@ -34,8 +34,10 @@ enum class DbFileState {
   WrongKey,    // a file that this key does not open (or no database at all)
   Damaged,     // opens, but the integrity check or a table read fails
 };
-// Opens read-only and checks; detail receives the engine's words (for the trace log).
-DbFileState InspectDatabaseFile(const QString& path, const QString& key, QString* detail = nullptr);
+// Opens read-only and checks (quick_check, or the whole integrity_check with full);
+// detail receives the engine's words (for the trace log).
+DbFileState InspectDatabaseFile(const QString& path, const QString& key, QString* detail = nullptr,
+                                bool full = false);
 QString DbFileStateName(DbFileState state);
 
 // ---- engine failures in the edition's words ----

@@ -252,7 +252,7 @@ void VtDatabase::open(const QString& path, const QString& password, OpenMode mod
     // a day stored, a user saved or a plan changed is still there after a power cut, not
     // only after a crash of the process. The sync costs a few milliseconds per write, far
     // below the half second the reader needs for each page of a recorder.
-    if (mode != OpenMode::ReadOnly) {
+    if (mode != OpenMode::ReadOnly && mode != OpenMode::AsIs) {
       rc = sqlite3_exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL;", nullptr, nullptr,
                         nullptr);
       if (rc != SQLITE_OK) throwDb(db, rc);

@@ -27,7 +27,7 @@ class StoreError : public std::runtime_error {
 // by the main screen and passed to every data operation; there is no hidden global one.
 class VtDatabase {
  public:
-  enum class OpenMode { Existing, Create, ReadOnly };
+  enum class OpenMode { Existing, Create, ReadOnly, AsIs };
 
   VtDatabase() = default;
   ~VtDatabase();
@@ -37,7 +37,8 @@ class VtDatabase {
   // Opens and keys the file with the password, checks that the key reads it, sets WAL and
   // a busy timeout, and registers CINT, CDbl, LEN, StrComp and the JETTEXT collation.
   // Existing refuses a missing file; Create makes a new one; ReadOnly refuses a missing
-  // file and changes nothing in it (no journal mode is set). A wrong key or a file that is
+  // file and changes nothing in it (no journal mode is set); AsIs is ReadOnly with write
+  // access, for a file whose log must be recovered before it can be read. A wrong key or a file that is
   // no database throws. An already open connection is closed first.
   void open(const QString& path, const QString& password, OpenMode mode = OpenMode::Existing);
   void close() noexcept;
