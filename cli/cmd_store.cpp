@@ -232,16 +232,6 @@ int cmd_check(const QStringList& args) {
   return 0;
 }
 
-namespace {
-class SilentProgress : public ProgressInterface {
- public:
-  void setMaximum(int) override {}
-  void setValue(int) override {}
-  void setStatus(const QString&) override {}
-  bool cancelRequested() override { return false; }
-};
-}  // namespace
-
 int cmd_compact(const QStringList& args) {
   bool force = false;
   QStringList rest;
@@ -253,7 +243,7 @@ int cmd_compact(const QStringList& args) {
   if (!ParseOptions(rest, {QStringLiteral("--path")}, opts, "compact")) return 2;
   QString path = opts.value(QStringLiteral("--path"));
   if (path.isEmpty() && HasConfiguration()) path = Ini_GetDbName();
-  SilentProgress progress;
+  NullProgress progress;
   int result = -1;
   CompactDB(path, result, progress, QString(), force ? 0.0 : kCompactMinimumFreeShare);
   if (result != 0) return 1;

@@ -171,6 +171,9 @@ bool StartupSequence::dbCheck(QString& message) {
   // The configuration is not located yet at this point, so the default path is what is
   // checked, whatever DB_NAME says; the key is the installation's.
   try {
+    // A command of the tool may be writing: the check, a restore or a rekey waits for it.
+    InstallationLock lock(kDefaultDbPath);
+    lock.acquire();
     databaseStart_ = PrepareDatabaseAtStart(kDefaultDbPath, databaseCopies_);
   } catch (const std::exception& e) {
     databaseStart_ = DatabaseStartResult{};
