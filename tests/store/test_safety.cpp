@@ -93,8 +93,8 @@ TEST_F(SafetyTest, AMissingEmptyOrDamagedDatabaseComesBackFromTheNewestGoodCopyO
 
   const struct {
     const char* name;
-    QByteArray content;  // empty name: remove the file
-    bool remove;
+    QByteArray content;
+    bool remove;  // the file is removed rather than written
   } cases[] = {{"missing", {}, true}, {"empty", {}, false}, {"garbage", QByteArray(8192, 'x'), false}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
@@ -105,7 +105,9 @@ TEST_F(SafetyTest, AMissingEmptyOrDamagedDatabaseComesBackFromTheNewestGoodCopyO
     EXPECT_EQ(r.messageCode, QStringLiteral("DBSF-W-0001"));
     EXPECT_TRUE(r.messageArg.contains(QStringLiteral("ACTA.db.bak")));
     EXPECT_TRUE(hasUser(dbFile, r.key, id));
-    if (!c.remove) EXPECT_EQ(QFileInfo(dbFile + QStringLiteral(".damaged")).size(), c.content.size());
+    if (!c.remove) {
+      EXPECT_EQ(QFileInfo(dbFile + QStringLiteral(".damaged")).size(), c.content.size());
+    }
   }
 
   // Without a good copy nothing is written and the reason is named.
