@@ -7,6 +7,11 @@
 #include <QPixmap>
 #include <QSplashScreen>
 
+#include <sys/stat.h>
+
+#include <algorithm>
+
+#include "backup.h"
 #include "catalogue.h"
 #include "chartmaker.h"
 #include "config.h"
@@ -49,6 +54,12 @@ int Run(QApplication& app, QtDialog& dialogs) {
     LoadMenuResource();
     ShowSplash();
   });
+  // A missing or damaged database is replaced by the newest good backup, if there is one.
+  {
+    QStringList copies = ListBackups(BackupFolderFor(kDefaultDbPath), kDefaultDbPath);
+    std::reverse(copies.begin(), copies.end());
+    startup.setDatabaseCopies(copies);
+  }
   if (startup.run() == StartupSequence::Outcome::Stop) return 1;
   ApplyCommonFont();
 
@@ -69,8 +80,11 @@ int Run(QApplication& app, QtDialog& dialogs) {
   dialogs.setParent(nullptr);
   if (!closing.queryCloseDone()) closing.queryClose(1);
 
-  if (closing.closeMainScreen([] { return CompactInProgressBar(nullptr); }) == StartupSequence::Outcome::Stop)
-    return 1;
+  const StartupSequence::Outcome closed =
+      closing.closeMainScreen([] { return CompactInProgressBar(nullptr); });
+  // The chart files hold people's figures: none stays behind the program.
+  RemoveFilesIn(Ini_GetTempDataPath());
+  if (closed == StartupSequence::Outcome::Stop) return 1;
   return rc;
 }
 
@@ -79,6 +93,9 @@ int Run(QApplication& app, QtDialog& dialogs) {
 int main(int argc, char** argv) {
   // Fractional screen scales as they are: the chart is drawn at the device pixel ratio.
   QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+  // Everything this program writes (log, raw dumps, chart files, the key, copies of the
+  // database) is its owner's alone.
+  ::umask(077);
   QApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("vantora"));
   QApplication::setApplicationVersion(QStringLiteral(VANTORA_VERSION));

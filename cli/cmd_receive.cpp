@@ -1,6 +1,7 @@
 // vantora-cli receive: one whole receive against the configured reader, headless. The
 // dialogs' questions are answered from the flags; a question the flags don't answer
 // ends as that dialog's cancel.
+#include <QFile>
 #include <QTextStream>
 #include <exception>
 #include <memory>
@@ -61,12 +62,13 @@ class FlagQuestions : public ReceiveQuestions {
     if (rc == -1) {
       note(QStringLiteral("--new-user: give the name as \"FIRST [MIDDLE] LAST\""));
     } else {
-      // The registration screen's messages for its refusals.
-      const QString code = rc == 6 ? QStringLiteral("UREG-C-0003")
-                         : rc == 9 ? QStringLiteral("UREG-W-0003")
-                         : rc == 10 ? QStringLiteral("UREG-W-0010")
-                         : rc == 13 ? QStringLiteral("UREG-W-0006") : QString();
-      if (!code.isEmpty()) MessageDialog(code, newName);
+      // The registration screen's messages for its refusals, each with its reason.
+      UserInfo asTyped;
+      SplitNameForRegistration(newName, asTyped);
+      QString code;
+      QString argument;
+      UserRefusalMessage(rc, asTyped, code, argument);
+      if (!code.isEmpty()) MessageDialog(code, argument);
       note(QStringLiteral("registration refused (code %1)").arg(rc));
     }
     return QString();
@@ -90,9 +92,20 @@ class FlagQuestions : public ReceiveQuestions {
   bool selectUsed_ = false;
 };
 
+// Real waits shortened by a factor (crash tests: a receive that takes long enough to be
+// killed at any point, without the minutes of a real reader).
+class ScaledClock : public SystemDeviceClock {
+ public:
+  explicit ScaledClock(int scale) : scale_(scale) {}
+  void sleepMs(int ms) override { SystemDeviceClock::sleepMs(ms / scale_); }
+
+ private:
+  int scale_;
+};
+
 int Usage(QTextStream& err, const QString& text) {
   err << "receive: " << text << "\n"
-      << "usage: receive [--as USER_ID | --new-user NAME] [--state S_USERSELECT|S_JOB] [--yes|--no] [--fast]\n";
+      << "usage: receive [--as USER_ID | --new-user NAME] [--state S_USERSELECT|S_JOB] [--yes|--no] [--fast | --clock-scale N]\n";
   return 2;
 }
 
@@ -104,6 +117,7 @@ int cmd_receive(const QStringList& args) {
   QString asUser, newUser, state = kStateUserSelect;
   int yesNo = 0;
   bool fast = false;
+  int clockScale = 0;
   for (int i = 0; i < args.size(); ++i) {
     const QString& a = args[i];
     auto value = [&](QString& target) {
@@ -123,6 +137,11 @@ int cmd_receive(const QStringList& args) {
       yesNo = v;
     } else if (a == QLatin1String("--fast")) {
       fast = true;
+    } else if (a == QLatin1String("--clock-scale")) {
+      QString v;
+      bool ok = false;
+      if (value(v)) clockScale = v.toInt(&ok);
+      if (!ok || clockScale < 1) return Usage(err, QStringLiteral("--clock-scale needs a whole number from 1"));
     } else {
       return Usage(err, QStringLiteral("unknown argument ") + a);
     }
@@ -135,7 +154,12 @@ int cmd_receive(const QStringList& args) {
     return Usage(err, QStringLiteral("--state S_JOB needs --as USER_ID (the user open on the main screen)"));
 
   if (!Ini_LoadConfig()) {
-    err << "receive: the configuration (config.cnf) was not found; run from an installation's bin/\n";
+    // Missing, empty, unreadable or malformed: each in the edition's words when the
+    // messages can be read.
+    if (QFile::exists(QStringLiteral("ACTA.res")) && LoadResource())
+      MessageDialog(Ini_ConfigProblemCode());
+    else
+      err << "receive: the configuration (config.cnf) was not found; run from an installation's bin/\n";
     return 1;
   }
   SetLangCode(QString::number(Ini_GetLang()));
@@ -150,10 +174,15 @@ int cmd_receive(const QStringList& args) {
   if (VTDB_Open(db, dbPath, dbPassword) != 0) return 1;
   // --as names a user the person could have picked or have open: one that exists. Days
   // received for an unknown identifier would be stored under nobody.
+  // Identifiers are matched exactly: days stored under "u000000001" would never show
+  // in the charts of "U000000001".
   if (!asUser.isEmpty()) {
-    UserRecord user;
-    if (!VTDB_GetUserInfoFromUserId(db, asUser.trimmed(), user)) {
-      err << "receive: no user " << asUser.trimmed() << " (see the users command)\n";
+    const QString exact = ExactUserId(db, asUser.trimmed());
+    if (exact != asUser.trimmed()) {
+      err << "receive: no user " << asUser.trimmed();
+      if (!exact.isEmpty()) err << "; did you mean " << exact << "?";
+      else err << " (see the users command)";
+      err << "\n";
       VTDB_Close(db);
       return 1;
     }
@@ -162,7 +191,10 @@ int cmd_receive(const QStringList& args) {
   std::unique_ptr<TavoReader> reader = CreateConfiguredReader();
   SystemDeviceClock realClock;
   NoWaitClock noWait;
-  DeviceClock& clock = fast ? static_cast<DeviceClock&>(noWait) : static_cast<DeviceClock&>(realClock);
+  ScaledClock scaled(clockScale > 0 ? clockScale : 1);
+  DeviceClock& clock = fast ? static_cast<DeviceClock&>(noWait)
+                       : clockScale > 0 ? static_cast<DeviceClock&>(scaled)
+                                        : static_cast<DeviceClock&>(realClock);
   QuietProgress progress;
 
   SetScreenState(state);
@@ -189,7 +221,9 @@ int cmd_receive(const QStringList& args) {
     out << "user: " << r.userId << "\n"
         << "pages: " << r.startPage << " to " << r.endPage << " (" << r.pageCount << ")\n"
         << "pages fetched: " << r.pagesFetched << "\n"
-        << "days stored: " << r.daysStored << "\n";
+        << "days stored: " << r.daysStored << "\n"
+        << "pages skipped: " << r.pagesSkipped << "\n"
+        << "summary: " << r.summary << "\n";
   }
   if (!r.messageCodes.isEmpty()) out << "messages: " << r.messageCodes.join(QStringLiteral(", ")) << "\n";
   out.flush();

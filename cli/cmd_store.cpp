@@ -4,8 +4,11 @@
 #include <QTextStream>
 
 #include "commands.h"
+#include "catalogue.h"
+#include "dialog.h"
 #include "config.h"
 #include "shared_values.h"
+#include "db_safety.h"
 #include "store.h"
 
 namespace {
@@ -75,12 +78,26 @@ int cmd_initdb(const QStringList& args) {
   QMap<QString, QString> opts;
   if (!ParseOptions(args, {QStringLiteral("--path"), QStringLiteral("--password")}, opts, "initdb")) return 2;
   const QString path = opts.value(QStringLiteral("--path"), kDefaultDbPath);
-  const QString password = opts.value(QStringLiteral("--password"), kDefaultDbPassword);
-  if (password.isEmpty()) {
+  QString password = opts.value(QStringLiteral("--password"));
+  if (opts.contains(QStringLiteral("--password")) && password.isEmpty()) {
     errStream() << "initdb: the password must not be empty\n";
     return 2;
   }
   QString error;
+  if (password.isEmpty() && HasConfiguration()) {
+    // A new installation gets a random key of its own, readable by its owner only.
+    const QString keyPath = InstallationKeyPath();
+    if (!QFileInfo::exists(keyPath) && !CreateInstallationKey(keyPath, &error)) {
+      errStream() << "initdb: " << error << "\n";
+      return 1;
+    }
+    password = ReadInstallationKey(keyPath);
+    if (password.isEmpty()) {
+      errStream() << "initdb: " << keyPath << " holds no key (64 hex digits)\n";
+      return 1;
+    }
+  }
+  if (password.isEmpty()) password = kDefaultDbPassword;
   if (!CreateDatabaseFile(path, password, &error)) {
     errStream() << "initdb: " << error << "\n";
     return 1;
@@ -179,5 +196,57 @@ int cmd_days(const QStringList& args) {
                .arg(r.EXERCISE, 8);
   }
   out << n << " row(s); * marks the row that counts for its day\n";
+  return 0;
+}
+
+int cmd_check(const QStringList& args) {
+  QMap<QString, QString> opts;
+  QStringList rest = args;
+  const bool full = rest.removeAll(QStringLiteral("--full")) > 0;
+  if (!ParseOptions(rest, {QStringLiteral("--path")}, opts, "check")) return 2;
+  QString path = opts.value(QStringLiteral("--path"));
+  if (path.isEmpty() && HasConfiguration()) path = Ini_GetDbName();
+  if (path.isEmpty()) path = kDefaultDbPath;
+  if (QFileInfo::exists(QStringLiteral("ACTA.res"))) LoadResource();
+  InstallationLock lock(path);
+  if (!lock.acquire()) {
+    MessageDialog(QStringLiteral("COMN-W-0001"));
+    return 1;
+  }
+  // The check the desktop runs at start: recovery from a good copy, rekey of an older
+  // database, or the reason why there is no usable database.
+  const DatabaseStartResult r = PrepareDatabaseAtStart(path);
+  QTextStream out(stdout);
+  static const char* const names[] = {"ready", "recovered", "rekeyed", "stop"};
+  out << "database: " << names[static_cast<int>(r.outcome)] << "\n";
+  if (!r.detail.isEmpty()) out << "detail: " << r.detail << "\n";
+  out.flush();
+  if (!r.messageCode.isEmpty()) MessageDialog(r.messageCode, r.messageArg);
+  if (r.outcome == DatabaseStartResult::Outcome::Stop) return 1;
+  if (full) {
+    QString detail;
+    const DbFileState state = InspectDatabaseFile(path, r.key, &detail, true);
+    out << "integrity: " << (state == DbFileState::Good ? QStringLiteral("ok") : detail) << "\n";
+    if (state != DbFileState::Good) return 1;
+  }
+  return 0;
+}
+
+int cmd_compact(const QStringList& args) {
+  bool force = false;
+  QStringList rest;
+  for (const QString& a : args) {
+    if (a == QLatin1String("--force")) force = true;
+    else rest << a;
+  }
+  QMap<QString, QString> opts;
+  if (!ParseOptions(rest, {QStringLiteral("--path")}, opts, "compact")) return 2;
+  QString path = opts.value(QStringLiteral("--path"));
+  if (path.isEmpty() && HasConfiguration()) path = Ini_GetDbName();
+  NullProgress progress;
+  int result = -1;
+  CompactDB(path, result, progress, QString(), force ? 0.0 : kCompactMinimumFreeShare);
+  if (result != 0) return 1;
+  QTextStream(stdout) << "compact: done (" << QFileInfo(path).size() << " bytes)\n";
   return 0;
 }

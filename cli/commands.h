@@ -17,6 +17,8 @@ int cmd_make_recorder(const QStringList& args);
 int cmd_dump(const QStringList& args);
 // store
 int cmd_initdb(const QStringList& args);
+int cmd_check(const QStringList& args);
+int cmd_compact(const QStringList& args);
 int cmd_users(const QStringList& args);
 int cmd_days(const QStringList& args);
 // backup and restore of the database

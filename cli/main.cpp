@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QTextStream>
 
+#include <sys/stat.h>
+
 #include <cstring>
 #include <memory>
 
@@ -26,12 +28,16 @@ const Command kCommands[] = {
      "                             write a recorder memory image"},
     {"dump", cmd_dump, "dump FILE [--json]           decode a recorder image through the emulated reader"},
     {"initdb", cmd_initdb, "initdb [--path P] [--password PW]   create a new database"},
+    {"check", cmd_check, "check [--path P] [--full]    the start-up check: recover from a good copy, rekey, or say why not;\n"
+     "                             --full adds the whole integrity check"},
+    {"compact", cmd_compact, "compact [--path P] [--force] compact the database when a tenth of it is free (always with --force)"},
     {"users", cmd_users, "users                        list the users"},
     {"days", cmd_days, "days --user ID [--from YYYYMMDD --to YYYYMMDD]   list a user's stored days"},
     {"backup", cmd_backup, "backup [FILE]                copy the database (default: a new file in data/backup)"},
     {"restore", cmd_restore, "restore FILE                 replace the database by a backup (not while Vantora runs)"},
     {"receive", cmd_receive,
-     "receive [--as USER_ID | --new-user NAME] [--state S_USERSELECT|S_JOB] [--yes|--no] [--fast]\n"
+     "receive [--as USER_ID | --new-user NAME] [--state S_USERSELECT|S_JOB] [--yes|--no]\n"
+     "        [--fast | --clock-scale N]\n"
      "                             receive the recorder on the reader"},
     {"chart-data", cmd_chart_data,
      "chart-data --user ID --type N --from YYYYMMDD --to YYYYMMDD [--out DIR]\n"
@@ -109,6 +115,8 @@ int cmd_version(const QStringList& args) {
 }
 
 int main(int argc, char** argv) {
+  // What the tool writes (log, raw dumps, chart files, the key) is its owner's alone.
+  ::umask(077);
   // Drawing charts needs fonts, hence a GUI application; without a display the
   // offscreen platform serves. Every other command stays a plain core application.
   std::unique_ptr<QCoreApplication> appHolder;

@@ -208,6 +208,13 @@ inline qint16 WrapPageCount(qint16 difference, const DeviceState& state) {
   return WrapPageCount(difference, state.pmKind, state.pmLang);
 }
 
+// The page numbers of a management block checked against the ring of its kind: the
+// start page and the page being recorded, and the end page when the day limit is on.
+// "" when they lie in 1..ring; else what is wrong, for messages and the log.
+QString CheckRecorderPageNumbers(const FlashManage& manage, RecorderKind kind, RecorderLang lang);
+// The largest memory any recorder kind has: the management blocks and a full ring.
+qint64 LargestRecorderMemoryBytes();
+
 // Decides kind and language from a raw management block (at least 968 bytes) and the
 // configured recorder numbers (SYSTEM section). 0, or kDeviceUnknownKind with the
 // state's kind and language left as they were.

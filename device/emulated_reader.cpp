@@ -6,6 +6,9 @@
 #include <QFileInfo>
 #include <cstring>
 
+#include "device_records.h"
+#include "trace.h"
+
 EmulatedReader::EmulatedReader(QString folder) : folder_(std::move(folder)) {}
 
 QString EmulatedReader::currentImagePath() const {
@@ -21,7 +24,16 @@ qint32 EmulatedReader::Tavo_Open() {
   if (path.isEmpty()) return 0;
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly)) return 0;
-  image_ = file.readAll();
+  // The file is untrusted: no more than the largest recorder memory is read (a link to
+  // an endless device must not fill the memory). A larger file is no recorder.
+  const qint64 limit = LargestRecorderMemoryBytes();
+  image_ = file.read(limit + 1);
+  if (image_.size() > limit) {
+    WriteTrace(QStringLiteral("2"), QStringLiteral("Tavo_Open"),
+               QStringLiteral("%1 is larger than any recorder memory (%2 bytes); not read").arg(path).arg(limit));
+    image_.clear();
+    return 0;
+  }
   imagePath_ = path;
   inTransfer_ = false;
   status_ = kTavoStatusDone;

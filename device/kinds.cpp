@@ -1,3 +1,4 @@
+#include <algorithm>
 // Kinds, languages, ring sizes, and the acceptance of a recorder by this installation.
 #include "config.h"
 #include "data_convert.h"
@@ -110,6 +111,29 @@ qint16 RingSize(RecorderKind kind, RecorderLang lang) {
   // An unknown kind counts as the common ring, so that page arithmetic never divides by none.
   if (!IsKnownPMKind(kind)) return 240;
   return static_cast<qint16>(lang == RecorderLang::English ? info.ringEnglish : info.ringJapanese);
+}
+
+QString CheckRecorderPageNumbers(const FlashManage& m, RecorderKind kind, RecorderLang lang) {
+  const int ring = RingSize(kind, lang);
+  const auto outside = [ring](int page) { return page < 1 || page > ring; };
+  if (outside(m.RecordStartPage) || outside(m.RecordingPage))
+    return QStringLiteral("page numbers outside the ring of %1 pages (start %2, recording %3)")
+        .arg(ring)
+        .arg(m.RecordStartPage)
+        .arg(m.RecordingPage);
+  if (m.MemorySetting == 1 && outside(m.RecordEndPage))
+    return QStringLiteral("end page %1 outside the ring of %2 pages").arg(m.RecordEndPage).arg(ring);
+  return QString();
+}
+
+qint64 LargestRecorderMemoryBytes() {
+  qint64 largest = 0;
+  for (const RecorderKind kind : {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets,
+                                  RecorderKind::BrioZr, RecorderKind::BrioKt})
+    for (const RecorderLang lang : {RecorderLang::Japanese, RecorderLang::English})
+      largest = std::max<qint64>(largest, static_cast<qint64>(FirstBlockOfPage(kind, RingSize(kind, lang) + 1)) *
+                                              kTransferBlockBytes);
+  return largest;
 }
 
 qint16 WrapPageCount(qint16 difference, RecorderKind kind, RecorderLang lang) {

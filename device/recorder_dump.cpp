@@ -25,13 +25,10 @@ qint32 ReadRecorderContents(TavoReader& reader, DeviceClock& clock, RecorderCont
   }
   const FlashManage& m = state.manage;
   const int ring = RingSize(state.pmKind, state.pmLang);
-  if (m.RecordStartPage < 1 || m.RecordStartPage > ring || m.RecordingPage < 1 || m.RecordingPage > ring) {
+  const QString pageProblem = CheckRecorderPageNumbers(m, state.pmKind, state.pmLang);
+  if (!pageProblem.isEmpty()) {
     UsbClose(reader, state);
-    return fail(kDeviceNoTransfer,
-                QStringLiteral("page numbers outside the ring of %1 pages (start %2, recording %3)")
-                    .arg(ring)
-                    .arg(m.RecordStartPage)
-                    .arg(m.RecordingPage));
+    return fail(kDeviceNoTransfer, pageProblem);
   }
   out.kind = state.pmKind;
   out.language = state.pmLang;

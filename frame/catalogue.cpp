@@ -239,6 +239,16 @@ std::optional<MessageRecord> FindMessage(const QString& code) {
   return c.records[static_cast<size_t>(*it)];
 }
 
+QString CatalogueLine(const QString& code, const QStringList& args) {
+  const auto rec = FindMessage(code);
+  if (!rec) return code + (args.isEmpty() ? QString() : QStringLiteral(": ") + args.join(QStringLiteral(", ")));
+  QString text = rec->text1;
+  // From the highest number down, so that %1 does not eat the start of %10.
+  for (qsizetype i = args.size(); i >= 1; --i)
+    text.replace(QLatin1Char('%') + QString::number(i), args.at(i - 1));
+  return text;
+}
+
 QString GetMenuCaption(const QString& key) {
   const auto& captions = menus().captions;
   const auto it = captions.constFind(key);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <optional>
 
@@ -23,6 +24,10 @@ void LoadResourceFromText(const QString& text);
 void LoadMenuResourceFromText(const QString& text);
 // First record with exactly this code.
 std::optional<MessageRecord> FindMessage(const QString& code);
+// Text 1 of a catalogue record with %1, %2, ... replaced by args in order (for lines
+// built of counts and names). Without the record: the code and the args, so that the
+// facts still show.
+QString CatalogueLine(const QString& code, const QStringList& args = {});
 // Caption of the first equal key, or "*** Resouce Not Exist ***".
 QString GetMenuCaption(const QString& key);
 

@@ -1,6 +1,9 @@
 #include "config.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -67,7 +70,9 @@ int readNumber(const QString& section, const char* key) {
 QString folderKey(const char* key) {
   QString path = read(kSystem, key);
   if (path.isEmpty()) path = QStringLiteral(".");
-  if (!QDir(path).exists()) QDir().mkdir(path);
+  // The log, raw dumps and chart files hold people's data: a new folder is the owner's.
+  if (!QDir(path).exists())
+    QDir().mkdir(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
   return path;
 }
 
@@ -97,12 +102,38 @@ bool Ini_LoadConfig() {
   return true;
 }
 
+QString Ini_ConfigProblemCode() {
+  QString path;
+  for (const QString& candidate : {QStringLiteral("../conf/config.cnf"), QStringLiteral("config.cnf")}) {
+    if (QFileInfo::exists(candidate)) {
+      path = candidate;
+      break;
+    }
+  }
+  if (path.isEmpty()) return QStringLiteral("PTOP-C-0001");
+  const QFileInfo info(path);
+  if (info.isFile() && info.size() == 0) return QStringLiteral("PTOP-C-0003");
+  QFile file(path);
+  if (!info.isFile() || !file.open(QIODevice::ReadOnly)) return QStringLiteral("PTOP-C-0004");
+  const QString text = DecodeSystemText(file.readAll());
+  static const QRegularExpression systemSection(QStringLiteral("^\\s*\\[\\s*SYSTEM\\s*\\]"),
+                                                QRegularExpression::CaseInsensitiveOption |
+                                                    QRegularExpression::MultilineOption);
+  if (!systemSection.match(text).hasMatch() || text.contains(QChar(u'\0'))) return QStringLiteral("PTOP-C-0005");
+  return QStringLiteral("PTOP-C-0001");
+}
+
 QString Ini_GetRawDataPath() { return folderKey("RAWDATA_PATH"); }
 QString Ini_GetTempDataPath() { return folderKey("TEMPDATA_PATH"); }
 QString Ini_GetLogPath() { return folderKey("LOG_PATH"); }
 
 QString Ini_GetDbName() { return read(kSystem, "DB_NAME"); }
 QString Ini_GetDbPassword() { return read(kSystem, "DB_PASSWORD"); }
+QString Ini_PeekDbPassword() {
+  for (const QString& candidate : {QStringLiteral("../conf/config.cnf"), QStringLiteral("config.cnf")})
+    if (FileExists(candidate)) return ReadIniString(candidate, kSystem, QStringLiteral("DB_PASSWORD"));
+  return QString();
+}
 bool Ini_GetCompactDb() { return flagOne(kSystem, "COMPACT_DB"); }
 int Ini_GetPollingInterval() { return readNumber(kSystem, "POLLING_INTERVAL"); }
 bool Ini_GetSaveRawData() { return flagOne(kSystem, "SAVE_RAW_DATA"); }

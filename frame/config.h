@@ -30,6 +30,11 @@ class ConfigError : public std::runtime_error {
 // resource profile file or the chart settings file is missing.
 bool Ini_LoadConfig();
 
+// Why Ini_LoadConfig failed, as the catalogue code to show: "PTOP-C-0001" no
+// configuration (or a file it names is missing), "PTOP-C-0003" empty, "PTOP-C-0004"
+// unreadable, "PTOP-C-0005" malformed (no [SYSTEM] section, or binary).
+QString Ini_ConfigProblemCode();
+
 // Folder keys: empty means "."; the folder is created (one level) when missing.
 QString Ini_GetRawDataPath();
 QString Ini_GetTempDataPath();
@@ -38,6 +43,9 @@ QString Ini_GetLogPath();
 // SYSTEM
 QString Ini_GetDbName();
 QString Ini_GetDbPassword();
+// DB_PASSWORD before the configuration is located (the start-up's database check): read
+// from "../conf/config.cnf" or "config.cnf" without locating it; "" when neither exists.
+QString Ini_PeekDbPassword();
 bool Ini_GetCompactDb();
 int Ini_GetPollingInterval();
 bool Ini_GetSaveRawData();

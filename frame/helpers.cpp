@@ -266,6 +266,14 @@ std::int32_t CheckInput(const QString& text, std::int32_t kind, std::int32_t max
   return 0;
 }
 
+QString FirstProhibitedChar(const QString& text) {
+  const QStringList prohibited = Ini_GetProhibitChars();
+  for (QChar c : text)
+    for (const QString& entry : prohibited)
+      if (entry.size() == 1 && entry[0] == c) return QString(c);
+  return QString();
+}
+
 bool CheckProhibitChar(const QString& text) {
   const QStringList prohibited = Ini_GetProhibitChars();
   for (QChar c : text) {
@@ -382,4 +390,13 @@ QString JoinPath(const QString& folder, const QString& name) {
   while (skip < name.size() && name[skip] == u'/') ++skip;
   const QString n = name.mid(skip);
   return f.endsWith(u'/') ? f + n : f + u'/' + n;
+}
+
+int RemoveFilesIn(const QString& folder) {
+  if (folder.isEmpty()) return 0;
+  QDir dir(folder);
+  int removed = 0;
+  for (const QString& name : dir.entryList(QDir::Files | QDir::Hidden | QDir::System))
+    if (dir.remove(name)) ++removed;
+  return removed;
 }

@@ -52,6 +52,8 @@ std::int32_t CheckRange(const QString& text, double maxValue, double minValue);
 std::int32_t CheckInput(const QString& text, std::int32_t kind, std::int32_t maxLength,
                         std::int32_t minLength, std::optional<double> maxValue = std::nullopt,
                         std::optional<double> minValue = std::nullopt);
+// The first character of text that the configuration prohibits in names; "" when none.
+QString FirstProhibitedChar(const QString& text);
 bool CheckProhibitChar(const QString& text);
 QString ReplaceProhibitChar(const QString& text);
 
@@ -62,6 +64,8 @@ QString CutAtNul(const QString& text);
 QString RemoveLineBreaks(const QString& text, std::int16_t mode);
 void EnsureFolder(QString& path);
 void MakeFolderTree(const QString& path);
+// Deletes the files lying directly in folder (not its subfolders); the number deleted.
+int RemoveFilesIn(const QString& folder);
 bool PathExists(const QString& path);
 bool ChangeCurrentDirectory(const QString& path);
 // Creates a new empty file "folder/PREFxxxx.tmp" (prefix cut to three characters) and

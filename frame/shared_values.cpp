@@ -30,6 +30,7 @@ struct SharedValues {
   std::int32_t paperNumber = 0;
   QString chosenPrinter = QStringLiteral("");
   std::int32_t chosenPaper = 0;
+  int writerLockWaitMs = 5000;
 };
 
 SharedValues& values() {
@@ -39,6 +40,8 @@ SharedValues& values() {
 
 }  // namespace
 
+int GetWriterLockWaitMs() { return values().writerLockWaitMs; }
+void SetWriterLockWaitMs(int v) { values().writerLockWaitMs = v; }
 QString GetScreenState() { return values().screenState; }
 void SetScreenState(const QString& v) { values().screenState = v; }
 QString GetFocusState() { return values().focusState; }

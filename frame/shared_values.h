@@ -72,6 +72,10 @@ QString GetChosenPrinter();
 void SetChosenPrinter(const QString& v);
 std::int32_t GetChosenPaper();
 void SetChosenPaper(std::int32_t v);
+// How long a writer waits for the installation's lock before it reports that Vantora is
+// busy, in milliseconds (5000; tests shorten it).
+int GetWriterLockWaitMs();
+void SetWriterLockWaitMs(int v);
 
 // Puts every value back to its start value (tests, and a fresh start of the main screen).
 void ResetSharedValues();

@@ -50,6 +50,8 @@ void WriteTrace(const QString& level, const QString& name, const QString& messag
   const QString line = QDateTime::currentDateTime().toString(QStringLiteral("yyyy/MM/dd HH:mm:ss")) +
                        u'|' + level + u'|' + fitName(name) + u'|' + message + QStringLiteral("\r\n");
   QFile out(file);
-  if (!out.open(QIODevice::WriteOnly | QIODevice::Append)) return;
+  // The log names people and their figures: a new log is its owner's alone.
+  if (!out.open(QIODevice::WriteOnly | QIODevice::Append, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
+    return;
   out.write(line.toUtf8());
 }

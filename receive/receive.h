@@ -7,9 +7,12 @@
 
 #include <QString>
 #include <QStringList>
+#include <memory>
+#include <optional>
 
 #include "device.h"
 #include "dialog.h"
+#include "db_safety.h"
 #include "store.h"
 
 // Caller form value while a user screen was opened from the new-recorder question.
@@ -48,13 +51,23 @@ struct ReceiveContext {
   qint16 pageCount = 0;
   int pagesFetched = 0;
   int daysStored = 0;
+  int pagesSkipped = 0;  // pages without a valid date (erased, zeroed or damaged)
+
+  // The history row of this receive, written in the data stage's commit together with
+  // its days (the stale-page ending writes it at once: that ending keeps it).
+  bool historyPending = false;
+  QString historyDate;  // "yyyyMMddHHmmss"
+
+  // The installation's lock, held from the management stage to the end of the receive:
+  // one receive at a time per installation, whichever program runs it.
+  std::shared_ptr<InstallationLock> lock;
 
   // Every catalogue code shown during this receive, in order (for reports and tests).
   QStringList shownCodes;
 
   // CPU_TABLE rows a dialog released for this receive (the owner's row of a recorder
-  // taken over, a user's earlier recorder). A receive that ends in cancel or error puts
-  // them back, so that the assignments stay as they were before it.
+  // taken over, a user's earlier recorder). They are deleted in the data stage's commit,
+  // so a receive that does not complete leaves the assignments as they were.
   struct CpuRow {
     QString cpuNo;
     QString userId;
@@ -90,6 +103,7 @@ enum class ReceiveEnding {
   Refused,     // the recorder is of no accepted kind
   StalePage,   // the page being recorded is older than the block ("MDWN-I-0001")
   NoRecorder,  // the data stage found no recorder on its new handle
+  Busy,        // another program is writing to this installation ("COMN-W-0001")
 };
 QString ReceiveEndingName(ReceiveEnding ending);
 
@@ -136,9 +150,10 @@ class RecvManagementStage {
 };
 
 // frmRecvData's work: a new handle, the recorder tied to the receive user, the pages
-// fetched and stored, the user's body data and bookkeeping updated. A cancel or failure
-// removes what the receive wrote and gives the recorder's CPU_TABLE row back the state
-// it had before this stage; only the overlap day deleted by CalcReceivePage stays gone.
+// fetched and stored, the user's body data and bookkeeping updated, all in one
+// transaction committed at the end. A cancel, failure or kill before the commit leaves
+// the database as it was before the receive (the overlap day included); pages without a
+// valid date are skipped and counted.
 class RecvDataStage {
  public:
   RecvDataStage(const ReceiveServices& services, ReceiveContext& ctx);
@@ -150,14 +165,18 @@ class RecvDataStage {
   bool cancelled();
   ReceiveEnding errorEnding(const QString& code, const QString& description = QString());
   ReceiveEnding cancelEnding();
-  void restoreCpuTable();
+  void rollback();
 
-  enum class CpuTie { Untouched, Inserted, Rewritten };
   ReceiveServices s_;
   ReceiveContext& ctx_;
-  CpuTie cpuTie_ = CpuTie::Untouched;
-  QString previousCpuUser_;
+  std::optional<Transaction> tx_;
 };
+
+// Takes the installation's lock for the receive (waiting the shared writer wait). False
+// when another program holds it; "COMN-W-0001" has then been shown.
+bool LockInstallationForReceive(VtDatabase& db, ReceiveContext& ctx);
+// The summary of a receive in the edition's words: "58 days stored, 2 pages unreadable".
+QString ReceiveSummaryText(int daysStored, int pagesSkipped);
 
 // Shows a catalogue message and notes its code in the receive's list.
 void ShowReceiveMessage(ReceiveContext& ctx, const QString& code,
@@ -169,10 +188,11 @@ void ReceiveErrorReport(VtDatabase& db, ReceiveContext& ctx, const QString& code
                         const QString& description);
 // The dialogs' cancel ending: the receive's rows and raw file removed, values cleared.
 void ReceiveCancelCleanup(VtDatabase& db, ReceiveContext& ctx);
-// Frees a user of a recorder as VTDB_DeleteCPUNoOnUserId does (the user's first row),
-// noting the row in ctx.releasedCpuRows. False when the deletion fails.
+// Frees a user of a recorder as VTDB_DeleteCPUNoOnUserId does (the user's first row):
+// the row is noted in ctx.releasedCpuRows and deleted in the data stage's commit. False
+// when the user's rows cannot be read.
 bool ReleaseRecorderOfUser(VtDatabase& db, ReceiveContext& ctx, const QString& userId);
-// Puts the released rows back (the endings that do not complete a receive).
+// Forgets the released rows (the endings that do not complete a receive).
 void RestoreReleasedCpuRows(VtDatabase& db, ReceiveContext& ctx);
 
 // ---- whose recorder it is ----
@@ -308,7 +328,17 @@ class ReceiveQuestions {
 // "G000000001", targets from USER_DEFAULT, first icon. name is the whole name in the
 // Japanese edition, "FIRST [MIDDLE] LAST" in the English one. The SetUser code, 0 when
 // stored (userId set); -1 when the name can't be split.
+// A name already registered by an earlier receive that did not complete (no recorder and
+// no days yet) gives that user again instead of refusing the name.
 int RegisterUserByName(VtDatabase& db, const QString& name, QString& userId);
+// The name as RegisterUserByName splits it into the record's names; false when it can't.
+bool SplitNameForRegistration(const QString& name, UserInfo& user);
+// The user of that name who has no recorder and no days (one a receive registered and
+// did not complete); "" when there is none.
+QString UnusedUserOfName(VtDatabase& db, const UserInfo& user);
+// The USER_ID stored for id compared without regard to case and blanks (the one meant
+// when a person typed it); "" when there is none. Callers refuse anything but an exact match.
+QString ExactUserId(VtDatabase& db, const QString& id);
 
 // ---- the whole receive ----
 
@@ -326,6 +356,8 @@ struct ReceiveReport {
   qint16 pageCount = 0;
   int pagesFetched = 0;
   int daysStored = 0;
+  int pagesSkipped = 0;
+  QString summary;  // ReceiveSummaryText of a completed receive
 };
 
 // Runs a receive from the management block to the last page, asking the questions on

@@ -43,23 +43,29 @@ QString Sama(const QString& section) {
 }  // namespace
 
 bool ReleaseRecorderOfUser(VtDatabase& db, ReceiveContext& ctx, const QString& userId) {
-  // The row the deletion is about to take: its first row, in the order the rows were added.
-  QString cpuNo;
+  // The row the deletion will take: the user's first, in the order the rows were added.
+  // Rows already noted for this receive count as gone.
   try {
-    Statement st(db, QStringLiteral("SELECT CPU_NO FROM [CPU_TABLE] WHERE USER_ID = ? ORDER BY rowid LIMIT 1"));
+    Statement st(db, QStringLiteral("SELECT CPU_NO FROM [CPU_TABLE] WHERE USER_ID = ? ORDER BY rowid"));
     st.bind(1, userId);
-    if (st.step()) cpuNo = st.text(0);
-  } catch (const std::exception&) {
-    cpuNo.clear();  // the deletion below meets the same fault and reports it
+    int noted = 0;
+    for (const auto& row : ctx.releasedCpuRows)
+      if (row.userId == userId) ++noted;
+    while (st.step()) {
+      if (noted-- > 0) continue;
+      ctx.releasedCpuRows.append({st.text(0), userId});
+      break;
+    }
+    return true;
+  } catch (const StoreError& e) {
+    db.setLastError(QString::number(e.code()), e.text());
+    WriteTrace(QStringLiteral("2"), QStringLiteral("VTDB_DeleteCPUNoOnUserId"), e.text());
+    return false;
   }
-  if (!VTDB_DeleteCPUNoOnUserId(db, userId)) return false;
-  if (!cpuNo.isEmpty()) ctx.releasedCpuRows.append({cpuNo, userId});
-  return true;
 }
 
-void RestoreReleasedCpuRows(VtDatabase& db, ReceiveContext& ctx) {
-  for (auto it = ctx.releasedCpuRows.crbegin(); it != ctx.releasedCpuRows.crend(); ++it)
-    VTDB_SetUserIdOnCPUNo(db, it->cpuNo, it->userId);
+void RestoreReleasedCpuRows(VtDatabase&, ReceiveContext& ctx) {
+  // Nothing was deleted yet: the deletions belong to the data stage's commit.
   ctx.releasedCpuRows.clear();
 }
 
@@ -249,10 +255,7 @@ DialogAction RecvMsgAlertReset::btnUsingAlertCancel_Click() {
 
 // ---------------------------------------------------------------- registration by name
 
-int RegisterUserByName(VtDatabase& db, const QString& name, QString& userId) {
-  UserInfo user;
-  user.GROUP_ID = kDefaultGroupId;
-  user.ICONINDEX = 1;
+bool SplitNameForRegistration(const QString& name, UserInfo& user) {
   const QStringList parts = name.simplified().split(u' ', Qt::SkipEmptyParts);
   if (EnglishEdition()) {
     if (parts.size() == 2) {
@@ -263,12 +266,52 @@ int RegisterUserByName(VtDatabase& db, const QString& name, QString& userId) {
       user.MIDDLE_NAME = parts[1];
       user.LAST_NAME = parts[2];
     } else {
-      return -1;
+      return false;
     }
   } else {
-    if (parts.isEmpty()) return -1;
+    if (parts.isEmpty()) return false;
     user.FIRST_NAME = name.trimmed();
   }
+  return true;
+}
+
+QString UnusedUserOfName(VtDatabase& db, const UserInfo& user) {
+  const QString id = (EnglishEdition() ? VTDB_SearchUserIdFromName(db, user.FIRST_NAME, user.MIDDLE_NAME,
+                                                                   user.LAST_NAME, kInstructorGroupId)
+                                       : VTDB_SearchUserIdFromName_Japanese(db, user.FIRST_NAME, QString(),
+                                                                            kInstructorGroupId))
+                         .trimmed();
+  if (id.isEmpty()) return QString();
+  QString first;
+  QString last;
+  try {
+    Statement st(db, QStringLiteral("SELECT COUNT(*) FROM [CPU_TABLE] WHERE USER_ID = ?"));
+    st.bind(1, id);
+    if (!st.step() || st.text(0) != QLatin1String("0")) return QString();
+  } catch (const StoreError&) {
+    return QString();
+  }
+  if (!VTDB_GetDayMeasurementRange(db, id, first, last, false) || !first.isEmpty()) return QString();
+  return id;
+}
+
+QString ExactUserId(VtDatabase& db, const QString& id) {
+  try {
+    Statement st(db, QStringLiteral("SELECT USER_ID FROM [USER] WHERE UPPER(TRIM(USER_ID)) = UPPER(TRIM(?)) "
+                                    "ORDER BY USER_ID = ? DESC LIMIT 1"));
+    st.bind(1, id).bind(2, FixWidth(id, 10));
+    return st.step() ? st.text(0).trimmed() : QString();
+  } catch (const StoreError& e) {
+    WriteTrace(QStringLiteral("2"), QStringLiteral("ExactUserId"), e.text());
+    return QString();
+  }
+}
+
+int RegisterUserByName(VtDatabase& db, const QString& name, QString& userId) {
+  UserInfo user;
+  user.GROUP_ID = kDefaultGroupId;
+  user.ICONINDEX = 1;
+  if (!SplitNameForRegistration(name, user)) return -1;
   QString step, actMin, intake, actCal;
   Ini_GetUserTargets(step, actMin, intake, actCal);
   user.TARGET_STEP = step;
@@ -280,5 +323,14 @@ int RegisterUserByName(VtDatabase& db, const QString& name, QString& userId) {
   user.EXTRA3 = QStringLiteral("0");
   const int rc = SetUser(db, user);
   if (rc == 0) userId = user.USER_ID.trimmed();
+  if (rc == 9) {
+    // The name may be that of a user registered by an earlier receive that did not
+    // complete: with no recorder and no days, that user is the one meant.
+    const QString earlier = UnusedUserOfName(db, user);
+    if (!earlier.isEmpty()) {
+      userId = earlier;
+      return 0;
+    }
+  }
   return rc;
 }

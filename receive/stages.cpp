@@ -1,6 +1,7 @@
 // The two stages of a receive: frmRecvManagement's and frmRecvData's ExecTransfer, step
 // by step, with the endings they share.
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <exception>
 
@@ -35,6 +36,9 @@ QString ShortDateText(const QDate& date) {
 }  // namespace
 
 void ReceiveContext::clearValues() {
+  historyPending = false;
+  historyDate.clear();
+  lock.reset();
   previous.receiveId = receiveId;
   previous.cpuNo = cpuNo;
   previous.receiveUserId = receiveUserId;
@@ -54,6 +58,7 @@ QString ReceiveEndingName(ReceiveEnding ending) {
     case ReceiveEnding::Refused: return QStringLiteral("refused");
     case ReceiveEnding::StalePage: return QStringLiteral("stale-page");
     case ReceiveEnding::NoRecorder: return QStringLiteral("no-recorder");
+    case ReceiveEnding::Busy: return QStringLiteral("busy");
   }
   return QString();
 }
@@ -123,13 +128,24 @@ ReceiveEnding RecvManagementStage::ExecTransfer() {
   ProgressInterface& progress = s_.progress;
   DeviceState& dev = ctx_.device;
   try {
-    // 1. identifier and raw file
+    // 1. identifier and raw file; one receive at a time per installation
     progress.yield();
     progress.setMaximum(3);
+    if (!LockInstallationForReceive(s_.db, ctx_)) return ReceiveEnding::Busy;
     ctx_.receiveId = CreateReceiveId(s_.db);
     const QString rawDir = Ini_GetRawDataPath();
-    if (!PathExists(rawDir)) MakeFolderTree(rawDir);
     ctx_.rawFilePath = JoinPath(rawDir, ctx_.receiveId + QStringLiteral(".bin"));
+    if (Ini_GetSaveRawData()) {
+      // Raw dumps hold a person's days: a folder and files of the owner only.
+      if (!MakePrivateFolder(rawDir) || !MakePrivateFile(ctx_.rawFilePath)) {
+        UsbClose(s_.reader, dev);
+        ShowReceiveMessage(ctx_, QStringLiteral("MDWN-C-0005"), QDir::toNativeSeparators(GetAbsolutePath(rawDir)));
+        ctx_.clearValues();
+        return ReceiveEnding::Failed;
+      }
+    } else if (!PathExists(rawDir)) {
+      MakeFolderTree(rawDir);
+    }
 
     // 2. handle
     if (UsbOpen(s_.reader, s_.clock, dev) == 0) return errorEnding(QStringLiteral("COMN-I-0001"));
@@ -153,11 +169,21 @@ ReceiveEnding RecvManagementStage::ExecTransfer() {
     // 6. acceptance
     if (kind == RecorderKind::AL && !Ini_GetPmAl()) return refusedEnding();
     if (IsRecorderMismatch(kind, manage)) return refusedEnding();
+    // Page numbers outside the ring would give negative or empty page counts: such a
+    // recorder is refused before anything is stored.
+    const QString pageProblem = CheckRecorderPageNumbers(manage, kind, dev.pmLang);
+    if (!pageProblem.isEmpty()) {
+      Trace(QStringLiteral("2"), kExecTransfer, pageProblem);
+      UsbClose(s_.reader, dev);
+      if (!ctx_.rawFilePath.isEmpty() && QFile::exists(ctx_.rawFilePath)) QFile::remove(ctx_.rawFilePath);
+      ShowReceiveMessage(ctx_, QStringLiteral("MDWN-W-0004"), pageProblem);
+      ctx_.clearValues();
+      return ReceiveEnding::Refused;
+    }
 
-    // 7. history row
-    const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMddHHmmss"));
-    if (!VTDB_SetReceiveHistory(s_.db, ctx_.receiveId, now, ctx_.rawFilePath, manage))
-      return errorEnding(QStringLiteral("MDWN-C-0002"));
+    // 7. history row: written with the days, in the data stage's commit
+    ctx_.historyDate = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMddHHmmss"));
+    ctx_.historyPending = true;
 
     // 8.
     progress.setStatus(GetIniCaption(kSectionRecvManagement, QStringLiteral("CURRENTPAGE_RECEIVING")));
@@ -183,10 +209,13 @@ ReceiveEnding RecvManagementStage::ExecTransfer() {
         // A stale or empty current page. Nothing is cleaned on this path: the history
         // row and the raw file stay as evidence of the attempt.
         UsbClose(s_.reader, dev);
+        if (VTDB_SetReceiveHistory(s_.db, ctx_.receiveId, ctx_.historyDate, ctx_.rawFilePath, manage))
+          ctx_.historyPending = false;
         ShowReceiveMessage(ctx_, QStringLiteral("MDWN-I-0001"));
         Trace(QStringLiteral("0"), kExecTransfer,
               QStringLiteral("StartPageDateErr tpFlashManage.bcDate = ") + blockDate +
                   QStringLiteral(":tpFlashData.bcDate = ") + pageDate);
+        ctx_.lock.reset();
         return ReceiveEnding::StalePage;
       }
       progress.yield();
@@ -236,35 +265,28 @@ void RecvDataStage::Form_Unload() {
 
 bool RecvDataStage::cancelled() { return s_.progress.cancelRequested(); }
 
-void RecvDataStage::restoreCpuTable() {
-  // A receive that does not complete leaves the recorder's assignment as it found it.
-  if (cpuTie_ == CpuTie::Inserted) {
-    // The row this stage added, and not the user's first one: that may be another
-    // recorder the user still has.
-    try {
-      Statement del(s_.db, QStringLiteral("DELETE FROM [CPU_TABLE] WHERE rowid = (SELECT MAX(rowid) FROM "
-                                          "[CPU_TABLE] WHERE CPU_NO = ? AND USER_ID = ?)"));
-      del.bind(1, ctx_.cpuNo).bind(2, ctx_.receiveUserId);
-      del.run();
-    } catch (const std::exception& e) {
-      Trace(QStringLiteral("2"), kExecTransfer, QString::fromUtf8(e.what()));
-    }
-  } else if (cpuTie_ == CpuTie::Rewritten && previousCpuUser_ != ctx_.receiveUserId) {
-    VTDB_ChangeUserIdOnCPUNo(s_.db, ctx_.cpuNo, previousCpuUser_);
+void RecvDataStage::rollback() {
+  // Everything this stage wrote goes in one go: days, profiles, history row, recorder
+  // table, the overlap day's deletion and the user's bookkeeping.
+  if (!tx_) return;
+  try {
+    tx_->rollback();
+  } catch (const std::exception& e) {
+    Trace(QStringLiteral("2"), kExecTransfer, QString::fromUtf8(e.what()));
   }
-  cpuTie_ = CpuTie::Untouched;
+  tx_.reset();
 }
 
 ReceiveEnding RecvDataStage::errorEnding(const QString& code, const QString& description) {
   UsbClose(s_.reader, ctx_.device);
-  restoreCpuTable();
+  rollback();
   ReceiveErrorReport(s_.db, ctx_, code, description);
   return ReceiveEnding::Failed;
 }
 
 ReceiveEnding RecvDataStage::cancelEnding() {
   UsbClose(s_.reader, ctx_.device);
-  restoreCpuTable();
+  rollback();
   ReceiveCancelCleanup(s_.db, ctx_);
   return ReceiveEnding::Cancelled;
 }
@@ -274,8 +296,10 @@ ReceiveEnding RecvDataStage::ExecTransfer() {
   DeviceState& dev = ctx_.device;
   try {
     if (UsbOpen(s_.reader, s_.clock, dev) == 0) {
-      // The recorder went away between the stages; nothing is cleaned here.
+      // The recorder went away between the stages; nothing is cleaned here (nothing of
+      // the receive is stored yet).
       ShowReceiveMessage(ctx_, QStringLiteral("COMN-I-0001"));
+      ctx_.lock.reset();
       return ReceiveEnding::NoRecorder;
     }
 
@@ -285,20 +309,31 @@ ReceiveEnding RecvDataStage::ExecTransfer() {
     ctx_.received = false;
     const RecorderKind kind = dev.pmKind;
     if (cancelled()) return cancelEnding();
+    if (!LockInstallationForReceive(s_.db, ctx_)) {
+      UsbClose(s_.reader, dev);
+      ReceiveCancelCleanup(s_.db, ctx_);
+      return ReceiveEnding::Busy;
+    }
+
+    // Everything from here to the end becomes visible in one commit.
+    tx_.emplace(s_.db);
+    if (ctx_.historyPending) {
+      if (!VTDB_SetReceiveHistory(s_.db, ctx_.receiveId, ctx_.historyDate, ctx_.rawFilePath, dev.manage))
+        return errorEnding(QStringLiteral("MDWN-C-0002"));
+    }
+    for (const auto& row : ctx_.releasedCpuRows) {
+      if (!VTDB_DeleteCPUNoOnUserId(s_.db, row.userId)) return errorEnding(QStringLiteral("DDWN-C-0006"));
+    }
 
     // 2. tie the recorder to the receive user; a recorder entered now is new and its
     // whole range is fetched.
     bool wholeRange = false;
     bool found = false;
-    previousCpuUser_ = VTDB_GetUserIDFromCPUNo(s_.db, ctx_.cpuNo).trimmed();
     const bool changed = VTDB_ChangeUserIdOnCPUNo(s_.db, ctx_.cpuNo, ctx_.receiveUserId, &found);
     if (!found) {
       if (!changed || !VTDB_SetUserIdOnCPUNo(s_.db, ctx_.cpuNo, ctx_.receiveUserId))
         return errorEnding(QStringLiteral("DDWN-C-0001"));
-      cpuTie_ = CpuTie::Inserted;
       wholeRange = true;
-    } else {
-      cpuTie_ = CpuTie::Rewritten;
     }
 
     // 3. which pages
@@ -308,7 +343,7 @@ ReceiveEnding RecvDataStage::ExecTransfer() {
     if (!CalcReceivePage(s_.db, ctx_, start, end, count, wholeRange)) {
       // A warning, not a failure report: the cancel ending with its message.
       UsbClose(s_.reader, dev);
-      restoreCpuTable();
+      rollback();
       ShowReceiveMessage(ctx_, QStringLiteral("DDWN-W-0001"));
       ReceiveCancelCleanup(s_.db, ctx_);
       return ReceiveEnding::Cancelled;
@@ -327,6 +362,15 @@ ReceiveEnding RecvDataStage::ExecTransfer() {
         return errorEnding(QStringLiteral("DDWN-C-0002"));
       ++ctx_.pagesFetched;
       progress.yield();
+
+      // An erased, zeroed or damaged page has no day to store: it is skipped and counted.
+      if (IsNoDate(dev.data.bcDate)) {
+        ++ctx_.pagesSkipped;
+        Trace(QStringLiteral("1"), kExecTransfer,
+              QStringLiteral("page %1 skipped: no valid date (erased or damaged)").arg(page));
+        progress.setValue(i);
+        continue;
+      }
 
       // A day whose weight has not been set yet is not stored; LAST_PAGE still names it,
       // so it is fetched again next time.
@@ -356,17 +400,51 @@ ReceiveEnding RecvDataStage::ExecTransfer() {
                        dev.pmLang) != 0)
       return errorEnding(QStringLiteral("DDWN-C-0005"));
 
+    // The one commit of the receive. A full disk fails here and leaves nothing stored.
+    try {
+      tx_->commit();
+      tx_.reset();
+    } catch (const StoreError& e) {
+      Trace(QStringLiteral("2"), kExecTransfer, QStringLiteral("commit: ") + e.text());
+      return errorEnding(QStringLiteral("DDWN-C-0007"), StoreErrorMessage(e.code()));
+    }
+
     // 8.
     UsbClose(s_.reader, dev);
-    cpuTie_ = CpuTie::Untouched;
+    const QString summary = ReceiveSummaryText(ctx_.daysStored, ctx_.pagesSkipped);
+    Trace(QStringLiteral("1"), kExecTransfer, ctx_.receiveId + QStringLiteral(": ") + summary);
+    if (ctx_.pagesSkipped > 0) ShowReceiveMessage(ctx_, QStringLiteral("DDWN-I-0001"), summary);
     ctx_.releasedCpuRows.clear();
     ctx_.received = true;
+    ctx_.lock.reset();
     SetCurrentUserId(ctx_.receiveUserId);
     SetCurrentUserName(QString());
     SetScreenState(kStateJob);
     ctx_.clearValues();
     return ReceiveEnding::Received;
+  } catch (const StoreError& e) {
+    Trace(QStringLiteral("2"), kExecTransfer, e.text());
+    return errorEnding(QString(), StoreErrorMessage(e.code()));
   } catch (const std::exception& e) {
     return errorEnding(QString(), QString::fromUtf8(e.what()));
   }
+}
+
+// ---------------------------------------------------------------- shared
+
+bool LockInstallationForReceive(VtDatabase& db, ReceiveContext& ctx) {
+  if (ctx.lock && ctx.lock->held()) return true;
+  auto lock = std::make_shared<InstallationLock>(db.path());
+  if (!lock->acquire()) {
+    Trace(QStringLiteral("1"), kExecTransfer, QStringLiteral("busy: ") + lock->path());
+    ShowReceiveMessage(ctx, QStringLiteral("COMN-W-0001"));
+    return false;
+  }
+  ctx.lock = std::move(lock);
+  return true;
+}
+
+QString ReceiveSummaryText(int daysStored, int pagesSkipped) {
+  return CatalogueLine(QStringLiteral("DDWN-I-0002"),
+                       {QString::number(daysStored), QString::number(pagesSkipped)});
 }

@@ -57,6 +57,10 @@ ReceiveReport ReceiveWorkflow::Run() {
   report.pageCount = ctx_.pageCount;
   report.pagesFetched = ctx_.pagesFetched;
   report.daysStored = ctx_.daysStored;
+  report.pagesSkipped = ctx_.pagesSkipped;
+  if (ending == ReceiveEnding::Received) report.summary = ReceiveSummaryText(ctx_.daysStored, ctx_.pagesSkipped);
+  // Whatever the ending, the next writer may go on.
+  ctx_.lock.reset();
   return report;
 }
 

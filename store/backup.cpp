@@ -1,4 +1,5 @@
 #include "backup.h"
+#include "db_safety.h"
 
 #include <QDir>
 #include <QFile>
@@ -282,9 +283,9 @@ void RestoreDatabase(const QString& dbPath, const QString& password, const QStri
 
 void InstallationDatabase(QString& path, QString& password) {
   path = Ini_GetDbName();
-  password = Ini_GetDbPassword();
   if (path.isEmpty()) path = kDefaultDbPath;
-  if (password.isEmpty()) password = kDefaultDbPassword;
+  // DB_PASSWORD when set, else the installation's own key file.
+  password = ResolveDatabaseKey(Ini_GetDbPassword());
 }
 
 BackupOutcome MakeAutomaticBackup(const QString& reason) {

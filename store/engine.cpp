@@ -1,6 +1,7 @@
 #include "engine.h"
 
 #include <QFileInfo>
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
@@ -180,8 +181,27 @@ QString StoreError::text() const { return QString::fromStdString(what()); }
 
 QString FixWidth(const QString& text, int width) {
   if (width <= 0) return text;
-  if (text.size() >= width) return text.left(width);
-  return text + QString(width - text.size(), QLatin1Char(' '));
+  const bool surrogates = std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c.isSurrogate(); });
+  if (!surrogates) {
+    if (text.size() >= width) return text.left(width);
+    return text + QString(width - text.size(), QLatin1Char(' '));
+  }
+  // Widths count characters: a character outside the basic plane (two UTF-16 units) is
+  // one, and a cut never splits it.
+  qsizetype units = 0;
+  int characters = 0;
+  while (units < text.size() && characters < width) {
+    units += (text.at(units).isHighSurrogate() && units + 1 < text.size() && text.at(units + 1).isLowSurrogate()) ? 2 : 1;
+    ++characters;
+  }
+  return text.left(units) + QString(width - characters, QLatin1Char(' '));
+}
+
+int CharacterCount(const QString& text) {
+  int n = 0;
+  for (qsizetype i = 0; i < text.size(); ++i, ++n)
+    if (text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) ++i;
+  return n;
 }
 
 QString JetTextKey(const QString& text) {
@@ -198,13 +218,19 @@ VtDatabase::~VtDatabase() { close(); }
 
 void VtDatabase::open(const QString& path, const QString& password, OpenMode mode) {
   close();
-  if (mode == OpenMode::Existing && !QFileInfo(path).isFile())
+  if (mode != OpenMode::Create && !QFileInfo(path).isFile())
     throw StoreError(SQLITE_CANTOPEN, QStringLiteral("Could not find file '%1'.").arg(path));
+  // A file of 0 bytes would open as a new, empty database and be filled as one, while
+  // the household's data sit in a copy somewhere: it is refused like a damaged file.
+  if (mode != OpenMode::Create && QFileInfo(path).size() == 0)
+    throw StoreError(SQLITE_NOTADB, QStringLiteral("The database file '%1' is empty (0 bytes).").arg(path));
   if (mode == OpenMode::Create && QFileInfo::exists(path))
     throw StoreError(SQLITE_CANTOPEN, QStringLiteral("File '%1' already exists.").arg(path));
 
   sqlite3* db = nullptr;
-  const int flags = SQLITE_OPEN_READWRITE | (mode == OpenMode::Create ? SQLITE_OPEN_CREATE : 0);
+  const int flags = mode == OpenMode::ReadOnly
+                        ? SQLITE_OPEN_READONLY
+                        : SQLITE_OPEN_READWRITE | (mode == OpenMode::Create ? SQLITE_OPEN_CREATE : 0);
   int rc = sqlite3_open_v2(QFileInfo(path).absoluteFilePath().toUtf8().constData(), &db, flags, nullptr);
   if (rc != SQLITE_OK) {
     const QString msg = QString::fromUtf8(db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
@@ -226,9 +252,11 @@ void VtDatabase::open(const QString& path, const QString& password, OpenMode mod
     // a day stored, a user saved or a plan changed is still there after a power cut, not
     // only after a crash of the process. The sync costs a few milliseconds per write, far
     // below the half second the reader needs for each page of a recorder.
-    rc = sqlite3_exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL;", nullptr, nullptr,
-                      nullptr);
-    if (rc != SQLITE_OK) throwDb(db, rc);
+    if (mode != OpenMode::ReadOnly && mode != OpenMode::AsIs) {
+      rc = sqlite3_exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL;", nullptr, nullptr,
+                        nullptr);
+      if (rc != SQLITE_OK) throwDb(db, rc);
+    }
     registerFunctions(db);
   } catch (...) {
     sqlite3_close(db);

@@ -27,7 +27,7 @@ class StoreError : public std::runtime_error {
 // by the main screen and passed to every data operation; there is no hidden global one.
 class VtDatabase {
  public:
-  enum class OpenMode { Existing, Create };
+  enum class OpenMode { Existing, Create, ReadOnly, AsIs };
 
   VtDatabase() = default;
   ~VtDatabase();
@@ -36,7 +36,9 @@ class VtDatabase {
 
   // Opens and keys the file with the password, checks that the key reads it, sets WAL and
   // a busy timeout, and registers CINT, CDbl, LEN, StrComp and the JETTEXT collation.
-  // Existing refuses a missing file; Create makes a new one. A wrong key or a file that is
+  // Existing refuses a missing file; Create makes a new one; ReadOnly refuses a missing
+  // file and changes nothing in it (no journal mode is set); AsIs is ReadOnly with write
+  // access, for a file whose log must be recovered before it can be read. A wrong key or a file that is
   // no database throws. An already open connection is closed first.
   void open(const QString& path, const QString& password, OpenMode mode = OpenMode::Existing);
   void close() noexcept;
@@ -120,8 +122,11 @@ class Transaction {
   bool open_ = true;
 };
 
-// Text cut or padded with blanks on the right to exactly width characters.
+// Text cut or padded with blanks on the right to exactly width characters (a character
+// outside the basic plane counts one and is never split).
 QString FixWidth(const QString& text, int width);
+// Characters of a text, a pair of UTF-16 surrogates counting one.
+int CharacterCount(const QString& text);
 // The key under which the JETTEXT collation compares: trailing blanks dropped, full and
 // half width forms folded together, letter case folded.
 QString JetTextKey(const QString& text);

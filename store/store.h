@@ -17,6 +17,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <optional>
 #include <vector>
 
 #include "engine.h"
@@ -36,13 +37,15 @@ inline const QString kDefaultGroupId = QStringLiteral("G000000001");
 inline const QString kInstructorGroupId = QStringLiteral("G999999999");
 inline const QString kInstructorUserId = QStringLiteral("U999999999");
 
-// Empty path or password is replaced in the caller's variable by the default, then
-// ConnectDB. 0 success, 1 failure.
+// Empty path is replaced in the caller's variable by the default; an empty password, or
+// the built-in one, by the installation's key (InstallationDatabaseKey), or by the
+// built-in password where the installation has no key. Then ConnectDB. 0 success, 1 failure.
 int VTDB_Open(VtDatabase& db, QString& path, QString& password);
 // Closes the connection. Always 0.
 int VTDB_Close(VtDatabase& db);
-// Opens and keys the file. On failure the message "ConnectDB : " + reason goes through
-// the dialog interface and the result is 1; 0 on success.
+// Opens and keys the file. On failure the engine's reason goes to the trace log, a
+// catalogue message (missing, empty, wrong key, engine failure) through the dialog
+// interface, and the result is 1; 0 on success.
 int ConnectDB(VtDatabase& db, const QString& path, const QString& password);
 // The start-up probe: reads "SELECT * FROM [USER]" without reporting. True when it worked.
 bool VTDB_ProbeDatabase(VtDatabase& db);
@@ -58,16 +61,22 @@ bool VTDB_BeginTrans(VtDatabase& db);
 bool VTDB_CommitTrans(VtDatabase& db);
 bool VTDB_RollbackTrans(VtDatabase& db);
 
-// Compacts the (closed) database file: copy to path + ".bak", rename to path + ".org"
-// (an older ".org" is deleted first), export into a fresh encrypted file at path, delete
-// the ".org". The progress advances by 20 three times and ends at its maximum. An empty
-// path means the default. result: 0 done; -1 when the file does not exist (trace line
-// only) or a step failed (message shown). The password is the constant default unless
-// one is given. The bar moves to 20, 40, 60 and ends at kCompactProgressMaximum, the
-// maximum the caller gives it.
+// Compacts the (closed) database file when at least minimumFreeShare of its pages are
+// free, else leaves it alone with a trace line (result 0). The compaction never touches
+// the database before its replacement is complete: the file is copied to path + ".bak"
+// (the kept backup), exported into CompactTempPath(path), which is synced and checked
+// (opens with the key, integrity_check, the same row count in every table), then renamed
+// over the database and the folder synced. The installation's lock is held throughout.
+// The bar moves to 20, 40, 60 and ends at kCompactProgressMaximum. An empty path means
+// the default, an empty password the installation's key (or the built-in password of an
+// installation without one). result: 0 done or skipped; -1 when the file does not exist
+// (trace line only) or a step failed (message shown; the database is as it was).
 inline constexpr int kCompactProgressMaximum = 100;
+inline constexpr double kCompactMinimumFreeShare = 0.10;
 void CompactDB(QString& path, int& result, ProgressInterface& progress,
-               const QString& password = kDefaultDbPassword);
+               const QString& password = QString(),
+               double minimumFreeShare = kCompactMinimumFreeShare);
+QString CompactTempPath(const QString& path);
 
 // ---- groups ----
 
@@ -247,10 +256,25 @@ bool GetUserInfoFromCPUNo(VtDatabase& db, UserInfo& user, const QString& cpuNo);
 int GetGeneralData(VtDatabase& db, std::vector<GeneralInfo>& items, const QString& item,
                    const QString& userId, const QString& year, const QString& month,
                    const QString& day, const QString& subItem);
-// New user: 0, or 6, 7, 8, 9, 10, 13, 18. USER_ID is written back into user.
+// New user: 0, or 6, 7, 8, 9, 10, 13, 18, kUserNameTooLong. USER_ID is written back into user.
 int SetUser(VtDatabase& db, UserInfo& user);
-// Changed user: 0, or 7, 8, 9, 10, 12, 13, 18.
+// Changed user: 0, or 7, 8, 9, 10, 12, 13, 18, kUserNameTooLong.
 int EditUser(VtDatabase& db, const UserInfo& user);
+// A name longer than its column is refused, never cut: the names hold this many
+// characters (characters, not UTF-16 units).
+inline constexpr int kUserNameTooLong = 19;
+inline constexpr int kNameMaxCharacters = 20;
+struct NameTooLong {
+  QString field;  // "FIRST_NAME", "MIDDLE_NAME", "LAST_NAME" or "NICK_NAME"
+  int limit = 0;
+  int given = 0;
+};
+// The first name of the record (trimmed) that does not fit its column.
+std::optional<NameTooLong> FindTooLongName(const UserInfo& user);
+// The catalogue message of a refusal code of SetUser or EditUser and its argument (the
+// prohibited character and where it is, the name too long with its limit); messageCode
+// is "" for 0 and unknown codes.
+void UserRefusalMessage(int code, const UserInfo& user, QString& messageCode, QString& argument);
 // 0, or 22 on failure.
 int UpdateUserData(VtDatabase& db, const QString& userId, const QString& receiveId,
                    const FlashManage& manage, const FlashData& page, bool keepTargets,

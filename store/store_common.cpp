@@ -4,6 +4,7 @@
 
 #include "config.h"
 #include "helpers.h"
+#include "catalogue.h"
 #include "store.h"
 #include "store_internal.h"
 #include "trace.h"
@@ -108,6 +109,8 @@ bool conflicts(const QString& foundId, const QString& ownId) {
 // The tests of SetUser and EditUser, in their order. ownId empty for a new user (every
 // hit is a conflict). Returns 0 when every test passes.
 int checkUserNames(VtDatabase& db, const UserInfo& u, const QString& ownId, bool editing) {
+  // A name is stored as typed or not at all: one longer than its column is refused.
+  if (FindTooLongName(u)) return kUserNameTooLong;
   const QString first = u.FIRST_NAME.trimmed();
   const QString middle = u.MIDDLE_NAME.trimmed();
   const QString last = u.LAST_NAME.trimmed();
@@ -147,6 +150,64 @@ int checkUserNames(VtDatabase& db, const UserInfo& u, const QString& ownId, bool
 }
 
 }  // namespace
+
+std::optional<NameTooLong> FindTooLongName(const UserInfo& u) {
+  const std::pair<const char*, const QString*> names[] = {
+      {"FIRST_NAME", &u.FIRST_NAME}, {"MIDDLE_NAME", &u.MIDDLE_NAME}, {"LAST_NAME", &u.LAST_NAME},
+      {"NICK_NAME", &u.NICK_NAME}};
+  for (const auto& [field, value] : names) {
+    const int given = CharacterCount(value->trimmed());
+    if (given > kNameMaxCharacters) return NameTooLong{QLatin1String(field), kNameMaxCharacters, given};
+  }
+  return std::nullopt;
+}
+
+namespace {
+// The caption the registration screen gives a name field; the field's name without one.
+QString NameCaption(const QString& field) {
+  const QString key = field == QLatin1String("FIRST_NAME")    ? QStringLiteral("CAPTION_LBLFN")
+                      : field == QLatin1String("MIDDLE_NAME") ? QStringLiteral("CAPTION_LBLMN")
+                      : field == QLatin1String("LAST_NAME")   ? QStringLiteral("CAPTION_LBLLN")
+                                                              : QString();
+  const QString caption = key.isEmpty() ? QString() : GetIniCaption(QStringLiteral("USERREGIST"), key);
+  return caption.isEmpty() || caption.startsWith(QLatin1String("***")) ? field : caption;
+}
+}  // namespace
+
+void UserRefusalMessage(int code, const UserInfo& u, QString& messageCode, QString& argument) {
+  argument.clear();
+  switch (code) {
+    case 6: messageCode = QStringLiteral("UREG-C-0003"); break;
+    case 7: messageCode = QStringLiteral("UREG-W-0011"); break;
+    case 8: messageCode = QStringLiteral("UREG-W-0012"); break;
+    case 9: messageCode = QStringLiteral("UREG-W-0003"); break;
+    case 10: messageCode = QStringLiteral("UREG-W-0010"); break;
+    case 12: messageCode = QStringLiteral("UEDT-C-0003"); break;
+    case 13: messageCode = QStringLiteral("UREG-W-0006"); break;
+    case 18: {
+      messageCode = QStringLiteral("UREG-W-0013");
+      const std::pair<const char*, const QString*> names[] = {
+          {"FIRST_NAME", &u.FIRST_NAME}, {"MIDDLE_NAME", &u.MIDDLE_NAME}, {"LAST_NAME", &u.LAST_NAME}};
+      for (const auto& [field, value] : names) {
+        const QString c = FirstProhibitedChar(value->trimmed());
+        if (!c.isEmpty()) {
+          argument = CatalogueLine(QStringLiteral("UREG-I-0012"), {c, NameCaption(QLatin1String(field))});
+          break;
+        }
+      }
+      break;
+    }
+    case kUserNameTooLong: {
+      messageCode = QStringLiteral("UREG-W-0014");
+      if (const auto tooLong = FindTooLongName(u))
+        argument = CatalogueLine(QStringLiteral("UREG-I-0011"), {NameCaption(tooLong->field),
+                                                                 QString::number(tooLong->limit),
+                                                                 QString::number(tooLong->given)});
+      break;
+    }
+    default: messageCode.clear(); break;
+  }
+}
 
 QString GetDisplayName(const UserInfo& u) {
   if (!u.NICK_NAME.isEmpty()) {

@@ -1,11 +1,18 @@
 // Connection, identifier counters, transactions and compaction.
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QThread>
+#include <cstdio>
+#include <utility>
+#include <vector>
 
+#include "db_safety.h"
+
+#include "catalogue.h"
 #include "dialog.h"
 #include "helpers.h"
 #include "store.h"
+#include "backup.h"
 #include "store_internal.h"
 #include "trace.h"
 #include "vbformat.h"
@@ -17,7 +24,13 @@ namespace store_detail {
 void ReportFailure(VtDatabase& db, const QString& operation, const QString& number,
                    const QString& text) {
   db.setLastError(number, text);
-  GetDialogInterface()->showMessage(QStringLiteral("Vantora"), text, DialogIcon::None);
+  // The person gets the failure in the edition's words; the engine's words go to the
+  // log. Without a catalogue (tools, early start) the engine's text is all there is.
+  const QString code = StoreErrorCode(number.toInt());
+  if (FindMessage(code))
+    MessageDialog(code);
+  else
+    GetDialogInterface()->showMessage(QStringLiteral("Vantora"), text, DialogIcon::None);
   try {
     WriteTrace(QStringLiteral("2"), operation, text);
   } catch (const std::exception&) {
@@ -62,7 +75,8 @@ QString NumberText(double value) {
 
 int VTDB_Open(VtDatabase& db, QString& path, QString& password) {
   if (path.isEmpty()) path = kDefaultDbPath;
-  if (password.isEmpty()) password = kDefaultDbPassword;
+  // The installation's own key; the built-in password only for one that has none yet.
+  password = ResolveDatabaseKey(password);
   return ConnectDB(db, path, password);
 }
 
@@ -77,8 +91,22 @@ int ConnectDB(VtDatabase& db, const QString& path, const QString& password) {
     return 0;
   } catch (const StoreError& e) {
     db.setLastError(QString::number(e.code()), e.text());
-    GetDialogInterface()->showMessage(QStringLiteral("Vantora"), QStringLiteral("ConnectDB : ") + e.text(),
-                                      DialogIcon::None);
+    try {
+      WriteTrace(QStringLiteral("2"), QStringLiteral("ConnectDB"), e.text());
+    } catch (const std::exception&) {
+    }
+    // Missing, empty, not readable with the key, or another fault: each in its words.
+    QString code = StoreErrorCode(e.code());
+    const QFileInfo file(path);
+    if (!file.exists())
+      code = QStringLiteral("DBSF-C-0001");
+    else if (file.isFile() && file.size() == 0)
+      code = QStringLiteral("DBSF-C-0002");
+    if (FindMessage(code))
+      MessageDialog(code, QDir::toNativeSeparators(path));
+    else
+      GetDialogInterface()->showMessage(QStringLiteral("Vantora"), QStringLiteral("ConnectDB : ") + e.text(),
+                                        DialogIcon::None);
     return 1;
   }
 }
@@ -154,77 +182,117 @@ bool VTDB_RollbackTrans(VtDatabase& db) {
 
 namespace {
 
-void removeSidecars(const QString& path) {
-  QFile::remove(path + QStringLiteral("-wal"));
-  QFile::remove(path + QStringLiteral("-shm"));
-}
-
 void requireOk(bool ok, const QString& what) {
   if (!ok) Fail(what);
 }
 
+// Table names and row counts of a database, for the check that a copy holds all rows.
+std::vector<std::pair<QString, qint64>> RowCounts(VtDatabase& db, const QString& schema) {
+  std::vector<std::pair<QString, qint64>> counts;
+  QStringList tables;
+  {
+    Statement st(db, QStringLiteral("SELECT name FROM %1.sqlite_master WHERE type = 'table' ORDER BY name").arg(schema));
+    while (st.step()) tables << st.text(0);
+  }
+  for (const QString& t : tables) {
+    QString quoted = t;
+    quoted.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+    Statement count(db, QStringLiteral("SELECT COUNT(*) FROM %1.\"%2\"").arg(schema, quoted));
+    count.step();
+    counts.emplace_back(t, count.text(0).toLongLong());
+  }
+  return counts;
+}
+
 }  // namespace
 
-void CompactDB(QString& path, int& result, ProgressInterface& progress, const QString& password) {
+QString CompactTempPath(const QString& path) { return path + QStringLiteral(".compact"); }
+
+void CompactDB(QString& path, int& result, ProgressInterface& progress, const QString& password,
+               double minimumFreeShare) {
   result = -1;
   if (path.isEmpty()) path = kDefaultDbPath;
   if (!QFileInfo(path).isFile()) {
     WriteTrace(QStringLiteral("2"), QStringLiteral("CompactDB"), QStringLiteral("DBFile No Exist"));
     return;
   }
+  const QString key = ResolveDatabaseKey(password);
+  const QString temp = CompactTempPath(path);
   const QString bak = path + QStringLiteral(".bak");
-  const QString org = path + QStringLiteral(".org");
-  bool renamed = false;
-  bool exported = false;
   try {
-    // Whatever the log of the database still holds goes into the file before it is
-    // copied, so that the copy and the renamed file are complete on their own.
+    // No other writer may change the file between its copy and the rename.
+    InstallationLock lock(path);
+    if (!lock.acquire()) Fail(QStringLiteral("%1 is in use by another Vantora program").arg(path));
+
+    VtDatabase source;
+    source.open(path, key);
     {
-      VtDatabase db;
-      db.open(path, password);
-      db.exec(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
-      db.exec(QStringLiteral("PRAGMA journal_mode=DELETE"));
+      Statement pages(source, QStringLiteral("PRAGMA page_count"));
+      pages.step();
+      Statement freePages(source, QStringLiteral("PRAGMA freelist_count"));
+      freePages.step();
+      const qint64 total = pages.text(0).toLongLong();
+      const qint64 unused = freePages.text(0).toLongLong();
+      if (total <= 0 || static_cast<double>(unused) < minimumFreeShare * static_cast<double>(total)) {
+        WriteTrace(QStringLiteral("1"), QStringLiteral("CompactDB"),
+                   QStringLiteral("skipped: %1 of %2 pages free").arg(unused).arg(total));
+        progress.setValue(kCompactProgressMaximum);
+        result = 0;
+        return;
+      }
     }
-    removeSidecars(path);
+    // The installation's own database also gets a dated backup among the kept ones; the
+    // .bak copy below stays whatever becomes of it.
+    QString installed, installedKey;
+    InstallationDatabase(installed, installedKey);
+    if (QFileInfo(installed).canonicalFilePath() == QFileInfo(path).canonicalFilePath())
+      (void)MakeAutomaticBackup(QStringLiteral("compaction"));
+    // The log goes into the file and stays off while the file is copied and replaced: a
+    // log left beside the new file would be read into it.
+    source.exec(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE); PRAGMA journal_mode=DELETE"));
     int value = 0;
+    QString error;
+    requireOk(CopyFileAtomically(path, bak, &error), error);
     progress.setValue(value += 20);
-    QFile::remove(bak);
-    requireOk(QFile::copy(path, bak), QStringLiteral("Copy to %1 failed").arg(bak));
-    progress.setValue(value += 20);
-    if (QFileInfo::exists(org)) requireOk(QFile::remove(org), QStringLiteral("%1 cannot be deleted").arg(org));
-    removeSidecars(org);
-    requireOk(QFile::rename(path, org), QStringLiteral("Rename to %1 failed").arg(org));
-    renamed = true;
-    progress.setValue(value += 20);
-    QThread::msleep(100);
+
+    // The compacted copy is made beside the database and checked before it replaces it;
+    // until the rename the database stands untouched under its name.
+    QFile::remove(temp);
+    QFile::remove(temp + QStringLiteral("-journal"));
     {
-      // The connection opens files without creating them; an empty file is an empty
-      // database to attach and fill.
-      QFile fresh(path);
-      requireOk(fresh.open(QIODevice::WriteOnly), QStringLiteral("%1 cannot be created").arg(path));
-      fresh.close();
-      VtDatabase source;
-      source.open(org, password);
-      Statement attach(source, QStringLiteral("ATTACH DATABASE ? AS compacted KEY ?"));
-      attach.bind(1, QFileInfo(path).absoluteFilePath()).bind(2, password);
-      attach.run();
-      source.exec(QStringLiteral("SELECT sqlcipher_export('compacted')"));
-      source.exec(QStringLiteral("DETACH DATABASE compacted"));
+      QFile fresh(temp);
+      requireOk(fresh.open(QIODevice::WriteOnly), QStringLiteral("%1 cannot be created").arg(temp));
+      fresh.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     }
-    exported = true;
-    removeSidecars(org);
-    requireOk(QFile::remove(org), QStringLiteral("%1 cannot be deleted").arg(org));
+    Statement attach(source, QStringLiteral("ATTACH DATABASE ? AS compacted KEY ?"));
+    attach.bind(1, QFileInfo(temp).absoluteFilePath()).bind(2, key);
+    attach.run();
+    source.exec(QStringLiteral("SELECT sqlcipher_export('compacted')"));
+    const auto before = RowCounts(source, QStringLiteral("main"));
+    const auto after = RowCounts(source, QStringLiteral("compacted"));
+    source.exec(QStringLiteral("DETACH DATABASE compacted"));
+    requireOk(before == after, QStringLiteral("the compacted copy does not hold every row"));
+    requireOk(SyncFile(temp), QStringLiteral("%1 cannot be synced").arg(temp));
+    progress.setValue(value += 20);
+    {
+      VtDatabase check;
+      check.open(temp, key, VtDatabase::OpenMode::ReadOnly);
+      Statement integrity(check, QStringLiteral("PRAGMA integrity_check"));
+      requireOk(integrity.step() && integrity.text(0) == QLatin1String("ok"),
+                QStringLiteral("the compacted copy fails its integrity check"));
+    }
+    progress.setValue(value += 20);
+    source.close();
+    requireOk(::rename(QFile::encodeName(temp).constData(), QFile::encodeName(path).constData()) == 0,
+              QStringLiteral("%1 cannot be renamed to %2").arg(temp, path));
+    SyncFolder(QFileInfo(path).absolutePath());
     progress.setValue(kCompactProgressMaximum);
     result = 0;
   } catch (const std::exception& e) {
-    // A failed export leaves a half-made file under the database's name, which the next
-    // start would open as an empty database. The household's data are whole in the
-    // ".org" file, so that goes back under its name (the ".bak" copy stays either way).
-    if (renamed && !exported && QFileInfo::exists(org)) {
-      removeSidecars(path);
-      if (!QFileInfo::exists(path) || QFile::remove(path)) QFile::rename(org, path);
-    }
-    GetDialogInterface()->showMessage(QStringLiteral("Vantora"), QString::fromStdString(e.what()),
+    // The database was never touched; only the temporary copy goes.
+    QFile::remove(temp);
+    WriteTrace(QStringLiteral("2"), QStringLiteral("CompactDB"), QString::fromUtf8(e.what()));
+    GetDialogInterface()->showMessage(QStringLiteral("Vantora"), QString::fromUtf8(e.what()),
                                       DialogIcon::None);
   }
 }

@@ -163,20 +163,18 @@ bool StartupSequence::checkFreeDiskSpace(const QString& path, int minimumGigabyt
 
 bool StartupSequence::dbCheck(QString& message) {
   message.clear();
-  // The configuration is not located yet at this point, so the defaults are what is
-  // checked, whatever DB_NAME says: read them as empty, as the accessors would.
-  QString path;
-  QString password;
-  bool ok = false;
+  // The configuration is not located yet at this point, so the default path is what is
+  // checked, whatever DB_NAME says; the key is the installation's.
   try {
-    VtDatabase db;
-    if (VTDB_Open(db, path, password) == 0) {
-      ok = VTDB_ProbeDatabase(db);
-      VTDB_Close(db);
-    }
-  } catch (...) {
-    ok = false;
+    // A command of the tool may be writing: the check, a restore or a rekey waits for it.
+    InstallationLock lock(kDefaultDbPath);
+    lock.acquire();
+    databaseStart_ = PrepareDatabaseAtStart(kDefaultDbPath, databaseCopies_);
+  } catch (const std::exception& e) {
+    databaseStart_ = DatabaseStartResult{};
+    databaseStart_.detail = QString::fromUtf8(e.what());
   }
+  const bool ok = databaseStart_.outcome != DatabaseStartResult::Outcome::Stop;
   if (!ok) message = DatabaseBrokenMessage();
   return ok;
 }
@@ -216,7 +214,13 @@ StartupSequence::Outcome StartupSequence::run() {
   platform_.stepReached(3);
   if (!dbCheck(message)) {
     if (!message.isEmpty()) {
-      showPlain(message);
+      // The catalogue is read early for this one message, so that it says what is wrong
+      // in the edition's words; without it the fixed text stands.
+      const QString code = databaseStart_.messageCode;
+      if (!code.isEmpty() && QFile::exists(QStringLiteral("ACTA.res")) && LoadResource() && FindMessage(code))
+        MessageDialog(code, databaseStart_.messageArg);
+      else
+        showPlain(message);
       const QString manual = GetAbsolutePath(kDatabaseManualPath);
       for (int i = 0; i < kManualOpenAttempts; ++i) {
         if (platform_.openDocument(manual)) break;
@@ -235,9 +239,12 @@ StartupSequence::Outcome StartupSequence::run() {
 
   platform_.stepReached(6);
   if (!Ini_LoadConfig()) {
-    MessageDialog(QStringLiteral("PTOP-C-0001"));
+    MessageDialog(Ini_ConfigProblemCode());
     return stop(6);
   }
+  // A database restored from a copy is said once, now that the messages can be read.
+  if (databaseStart_.outcome == DatabaseStartResult::Outcome::Recovered)
+    MessageDialog(databaseStart_.messageCode, databaseStart_.messageArg);
 
   platform_.stepReached(7);
   if (Ini_GetLocaleCheck() == 1) SetLocaleDateFormats();

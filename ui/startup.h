@@ -9,6 +9,8 @@
 #include <functional>
 #include <memory>
 
+#include "db_safety.h"
+
 class ChartMaker;
 class ProgressInterface;
 class VtDatabase;
@@ -102,6 +104,11 @@ class StartupSequence {
 
   // Shows the splash screen for the moment of step 12 (nothing when unset).
   void setSplash(std::function<void()> splash) { splash_ = std::move(splash); }
+  // Further copies the database check may restore from when the database is missing,
+  // empty or damaged (the newest backups, for example), beside its own.
+  void setDatabaseCopies(QStringList copies) { databaseCopies_ = std::move(copies); }
+  // What the database check found and did (recovered, rekeyed, or why it stopped).
+  const DatabaseStartResult& databaseStart() const { return databaseStart_; }
 
   // Steps 1 to 14. Stop means the process ends now; the reason has been shown.
   Outcome run();
@@ -113,7 +120,9 @@ class StartupSequence {
   int osCheck(QString& message);
   // True when the volume of path has at least minimumGigabytes whole GiB free.
   bool checkFreeDiskSpace(const QString& path, int minimumGigabytes, QString& drive);
-  // Opens the default database with the default password and reads the user table.
+  // Checks the default database with the installation's key before anything writes:
+  // recovers it from a good copy when it is missing, empty or damaged, rekeys one made
+  // before the installation had its own key. False when no usable database is left.
   bool dbCheck(QString& message);
   // The one-time move of the earlier version's data. False when the helper could not
   // be started.
@@ -126,6 +135,8 @@ class StartupSequence {
   StartupPlatform& platform_;
   ChartMaker& chart_;
   std::function<void()> splash_;
+  QStringList databaseCopies_;
+  DatabaseStartResult databaseStart_;
   int stoppedAt_ = 0;
 };
 

@@ -74,6 +74,24 @@ TEST(EmulatedReader, TakingTheRecorderOffRefusesTheNextTransfer) {
   EXPECT_EQ(UsbOpen(reader, clock, s), 0);
 }
 
+TEST(EmulatedReader, AnImageLargerThanAnyRecorderIsNotReadWhole) {
+  TestInstallation inst;
+  QTemporaryDir dir;
+  const qint64 largest = LargestRecorderMemoryBytes();
+  // Every generated image fits, the largest exactly.
+  EXPECT_EQ(largest, 489 * kTransferBlockBytes);
+  WriteFile(dir.filePath("r.img"), QByteArray(largest, '\xff'));
+  EmulatedReader reader(dir.path());
+  EXPECT_NE(reader.Tavo_Open(), 0);
+  reader.Tavo_CloseAll();
+  WriteFile(dir.filePath("r.img"), QByteArray(largest + 1, '\xff'));
+  EXPECT_EQ(reader.Tavo_Open(), 0);
+  // An endless device behind the name is read only up to the bound.
+  QFile::remove(dir.filePath("r.img"));
+  ASSERT_TRUE(QFile::link(QStringLiteral("/dev/zero"), dir.filePath("r.img")));
+  EXPECT_EQ(reader.Tavo_Open(), 0);
+}
+
 TEST(LibraryReader, MissingLibraryBehavesAsNoRecorderAndSaysSoOnce) {
   TestInstallation inst;
   LibraryReader reader(inst.path("nowhere/libtavo.so"));

@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QProcess>
 
+#include "catalogue.h"
 #include "receive_fixture.h"
 
 namespace {
@@ -69,4 +70,27 @@ TEST_F(ReceiveCommand, AnUnknownUserIsRefusedBeforeAnythingIsRead) {
     EXPECT_TRUE(r.err.contains(QStringLiteral("U000000404"))) << r.err.toStdString();
     EXPECT_EQ(dump(), before);
   }
+}
+
+TEST_F(ReceiveCommand, IdentifiersMatchExactlyAndASecondProcessIsToldItIsBusy) {
+  place(recorder(5));
+  const QString id = addUser(QStringLiteral("山田 花子"));
+  const QStringList before = dump();
+  CliRun r = run({QStringLiteral("--as"), id.toLower()});
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_TRUE(r.err.contains(QStringLiteral("no user %1; did you mean %2?").arg(id.toLower(), id)))
+      << r.err.toStdString();
+  EXPECT_EQ(dump(), before);
+
+  // Another process holds the installation: the tool waits its few seconds, then says so.
+  InstallationLock other(db->path());
+  ASSERT_TRUE(other.acquire(0));
+  r = run({QStringLiteral("--as"), id});
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_TRUE(r.out.contains(QStringLiteral("ending: busy"))) << r.out.toStdString();
+  EXPECT_TRUE(r.err.contains(CatalogueLine(QStringLiteral("COMN-W-0001")))) << r.err.toStdString();
+  EXPECT_EQ(dump(), before);
+  other.release();
+  r = run({QStringLiteral("--as"), id});
+  EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
 }

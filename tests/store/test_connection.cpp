@@ -6,6 +6,7 @@
 
 #include <sqlcipher/sqlite3.h>
 
+#include "catalogue.h"
 #include "store_fixture.h"
 
 namespace {
@@ -47,7 +48,11 @@ TEST_F(StoreTest, WrongPasswordOrForeignFileGivesTheConnectMessage) {
   QString password = QStringLiteral("wrongpw");
   EXPECT_EQ(VTDB_Open(other, path, password), 1);
   ASSERT_EQ(messages(), 1u);
-  EXPECT_TRUE(inst_.dialog().shown.back().text.startsWith(QStringLiteral("ConnectDB : ")));
+  // The edition's words name the key; the engine's words go to the log only.
+  const QString shown = inst_.dialog().shown.back().text;
+  EXPECT_TRUE(shown.startsWith(CatalogueLine(QStringLiteral("DBSF-C-0003")))) << shown.toStdString();
+  EXPECT_FALSE(shown.contains(QStringLiteral("not a database")));
+  EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("ConnectDB")));
 
   QFile junk(inst_.path(QStringLiteral("data/mdb/junk.db")));
   ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
@@ -109,7 +114,7 @@ TEST_F(StoreTest, FailedCounterGivesThePrefixAlone) {
   EXPECT_FALSE(db_.lastErrorNumber().isEmpty());
 }
 
-TEST_F(StoreTest, CompactionReplacesAnOldOrgAndKeepsTheData) {
+TEST_F(StoreTest, CompactionKeepsTheDataAndABackupAndLeavesOtherCopiesAlone) {
   UserInfo u;
   u.GROUP_ID = kDefaultGroupId;
   u.FIRST_NAME = QStringLiteral("Hana");
@@ -124,10 +129,10 @@ TEST_F(StoreTest, CompactionReplacesAnOldOrgAndKeepsTheData) {
   CountingProgress progress;
   QString path = inst_.dbFile();
   int result = 99;
-  CompactDB(path, result, progress);
+  CompactDB(path, result, progress, QString(), 0.0);
   EXPECT_EQ(result, 0);
   EXPECT_EQ(progress.values, (std::vector<int>{20, 40, 60, kCompactProgressMaximum}));
-  EXPECT_FALSE(QFile::exists(inst_.dbFile() + QStringLiteral(".org")));
+  EXPECT_FALSE(QFile::exists(CompactTempPath(inst_.dbFile())));
   EXPECT_TRUE(QFile::exists(inst_.dbFile() + QStringLiteral(".bak")));
 
   QString password;
@@ -161,10 +166,11 @@ TEST_F(StoreTest, AFailedCompactionPutsTheDatabaseBackUnderItsName) {
   CountingProgress progress;
   QString path = inst_.dbFile();
   int result = 0;
-  CompactDB(path, result, progress);
+  CompactDB(path, result, progress, QString(), 0.0);
   EXPECT_EQ(result, -1);
   EXPECT_EQ(messages(), 1u);
-  EXPECT_EQ(progress.values, (std::vector<int>{20, 40, 60}));
+  EXPECT_EQ(progress.values, (std::vector<int>{20}));
+  EXPECT_FALSE(QFile::exists(CompactTempPath(inst_.dbFile())));
   EXPECT_FALSE(QFile::exists(inst_.dbFile() + QStringLiteral(".org")));
   EXPECT_TRUE(QFile::exists(inst_.dbFile() + QStringLiteral(".bak")));
   // The next start opens the household's data, not an empty file.

@@ -1,5 +1,6 @@
 // Users, groups, recorders and general items.
 #include "device.h"
+#include "catalogue.h"
 #include "store_fixture.h"
 
 namespace {
@@ -132,14 +133,32 @@ TEST_F(StoreTest, LoginIdsAreComparedExactly) {
   EXPECT_EQ(messages(), 0u);
 }
 
-TEST_F(StoreTest, LineBreaksBecomeBlanksAndLongNamesAreCut) {
-  UserInfo a = person(QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZ"));
+TEST_F(StoreTest, LineBreaksBecomeBlanksAndNamesAreStoredAsTypedOrRefused) {
+  // 21 characters: refused with the limit and the count, nothing stored.
+  UserInfo tooLong = person(QStringLiteral("ABCDEFGHIJKLMNOPQRSTU"));
+  EXPECT_EQ(SetUser(db_, tooLong), kUserNameTooLong);
+  EXPECT_TRUE(tooLong.USER_ID.isEmpty());
+  QString code;
+  QString argument;
+  UserRefusalMessage(kUserNameTooLong, tooLong, code, argument);
+  EXPECT_EQ(code, QStringLiteral("UREG-W-0014"));
+  EXPECT_TRUE(argument.contains(QStringLiteral("20")) && argument.contains(QStringLiteral("21")))
+      << argument.toStdString();
+
+  // 20 characters outside the basic plane (40 UTF-16 units) fit and come back whole.
+  QString faces;
+  for (int i = 0; i < 20; ++i) faces += QString::fromUtf8("\xF0\x9F\x99\x82");
+  UserInfo a = person(faces);
   a.COMMENT = QStringLiteral("one\r\ntwo\nthree");
   ASSERT_EQ(SetUser(db_, a), 0);
   UserInfo back;
   ASSERT_TRUE(GetUserInfo(db_, back, a.USER_ID));
-  EXPECT_EQ(back.FIRST_NAME, QStringLiteral("ABCDEFGHIJKLMNOPQRST"));
+  EXPECT_EQ(back.FIRST_NAME, faces);
   EXPECT_EQ(back.COMMENT, QStringLiteral("one  two three"));
+  // A cut elsewhere never splits such a character.
+  EXPECT_EQ(FixWidth(QStringLiteral("ab") + QString::fromUtf8("\xF0\x9F\x99\x82"), 3),
+            QStringLiteral("ab") + QString::fromUtf8("\xF0\x9F\x99\x82"));
+  EXPECT_EQ(CharacterCount(faces), 20);
 }
 
 TEST_F(StoreTest, GroupsAndRecorders) {

@@ -154,8 +154,15 @@ TEST_F(StartupTest, ABrokenDatabaseStopsWithItsTextAndOpensTheManualUntilThatWor
   EXPECT_EQ(QFileInfo(platform.openedDocuments.value(0)).absoluteFilePath(),
             QFileInfo(manual).absoluteFilePath());
   ASSERT_FALSE(inst.dialog().shown.empty());
-  EXPECT_EQ(inst.dialog().shown.back().text,
-            QStringLiteral("データベースが破損している可能性がありますので、起動を終了します。"));
+  // Says in the edition's words that the key does not open it, and names the file.
+  EXPECT_TRUE(inst.dialog().shown.back().text.startsWith(CatalogueText(QStringLiteral("DBSF-C-0003"))));
+  EXPECT_TRUE(inst.dialog().shown.back().text.contains(QStringLiteral("ACTA.db")));
+  // Never written to, never replaced.
+  {
+    QFile f(inst.dbFile());
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    EXPECT_EQ(f.readAll(), QByteArray(4096, 'x'));
+  }
   // The message comes before the manual.
   EXPECT_EQ(platform.log.indexOf(QStringLiteral("step 3")) + 1,
             platform.log.indexOf(QRegularExpression(QStringLiteral("open .*"))));
@@ -268,6 +275,10 @@ TEST_F(ClosingTest, TheUsersStopCompactsAndFinishesTheChartLibrary) {
   inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("COMPACT_DB"), QStringLiteral("1"));
   inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_NAME"), inst.dbFile());
   ASSERT_TRUE(OpenWorkingDatabase(db));
+  // A tenth of the file free: worth compacting.
+  db.exec(QStringLiteral("CREATE TABLE F (X); INSERT INTO F SELECT randomblob(2000) FROM (WITH RECURSIVE "
+                         "c(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM c WHERE n < 300) SELECT n FROM c);"
+                         "DROP TABLE F;"));
   drawChart();
   SetUserSortOrder(3);
   ClosingStages closing(db, chart);

@@ -1,0 +1,94 @@
+// What a receive must never do: store a recorder with impossible page numbers, report
+// pages it skipped as stored, run beside another writer, or store a retry's user twice.
+#include "catalogue.h"
+#include "receive_fixture.h"
+
+namespace {
+
+class ReceiveSafety : public ReceiveFixture {};
+
+TEST_F(ReceiveSafety, ImpossiblePageNumbersAreRefusedBeforeAnythingIsStored) {
+  const QStringList before = dump();
+  for (const quint16 start : {quint16{0}, quint16{241}, quint16{0xFFFF}}) {
+    SCOPED_TRACE(start);
+    QByteArray memory = image(recorder(10));
+    memory[39] = static_cast<char>(start & 0xFF);
+    memory[40] = static_cast<char>(start >> 8);
+    FakeReader fake(memory);
+    ScriptedQuestions q;
+    q.newCpu = {ReceiveQuestions::NewCpuAnswer::CreateUser};
+    const ReceiveReport r = receive(q, nullptr, &fake);
+    EXPECT_EQ(r.ending, ReceiveEnding::Refused);
+    EXPECT_EQ(r.messageCodes, QStringList{QStringLiteral("MDWN-W-0004")});
+    EXPECT_TRUE(q.asked.isEmpty());
+    EXPECT_EQ(r.daysStored, 0);
+    EXPECT_EQ(dump(), before);
+  }
+}
+
+TEST_F(ReceiveSafety, ErasedPagesAreSkippedCountedAndReportedNeverStoredEmpty) {
+  RecorderImageOptions o = recorder(10);
+  o.erasedPages = {3, 6};
+  place(o);
+  const QString id = addUser(QStringLiteral("山田 花子"));
+  ScriptedQuestions q;
+  q.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
+  q.selected = {id};
+  const ReceiveReport r = receive(q);
+  ASSERT_EQ(r.ending, ReceiveEnding::Received);
+  EXPECT_EQ(r.pagesFetched, 10);
+  EXPECT_EQ(r.daysStored, 8);
+  EXPECT_EQ(r.pagesSkipped, 2);
+  EXPECT_EQ(r.summary, QStringLiteral("8日分を保存、読めないページ 2"));
+  EXPECT_EQ(r.messageCodes, QStringList{QStringLiteral("DDWN-I-0001")});
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT WHERE LENGTH(TRIM(MEASUREMENT_DAY)) = 0")), 0);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 8);
+  EXPECT_TRUE(inst->traceText().contains(QStringLiteral("8日分を保存、読めないページ 2")));
+}
+
+TEST_F(ReceiveSafety, ASecondWriterIsToldVantoraIsBusyAndStoresNothing) {
+  place(recorder(5));
+  const QString id = addUser(QStringLiteral("山田 花子"));
+  const QStringList before = dump();
+  SetWriterLockWaitMs(100);
+  {
+    InstallationLock other(db->path());
+    ASSERT_TRUE(other.acquire(0));
+    ScriptedQuestions q;
+    q.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
+    q.selected = {id};
+    const ReceiveReport r = receive(q);
+    EXPECT_EQ(r.ending, ReceiveEnding::Busy);
+    EXPECT_EQ(r.messageCodes, QStringList{QStringLiteral("COMN-W-0001")});
+    EXPECT_EQ(dump(), before);
+  }
+  // Once the other writer is done the same receive goes through, and the lock is free
+  // again afterwards.
+  ScriptedQuestions q;
+  q.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
+  q.selected = {id};
+  EXPECT_EQ(receive(q).ending, ReceiveEnding::Received);
+  InstallationLock after(db->path());
+  EXPECT_TRUE(after.acquire(0));
+  SetWriterLockWaitMs(5000);
+}
+
+TEST_F(ReceiveSafety, ARetryOffersTheUserAnEarlierReceiveRegisteredInsteadOfRefusingTheName) {
+  QString first;
+  ASSERT_EQ(RegisterUserByName(*db, QStringLiteral("山田 花子"), first), 0);
+  QString again;
+  EXPECT_EQ(RegisterUserByName(*db, QStringLiteral("山田 花子"), again), 0);
+  EXPECT_EQ(again, first);
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM [USER] WHERE FIRST_NAME LIKE '山田%'")), 1);
+
+  // Once that user has days the name is taken as before.
+  place(recorder(3));
+  ScriptedQuestions q;
+  q.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
+  q.selected = {first};
+  ASSERT_EQ(receive(q).ending, ReceiveEnding::Received);
+  QString third;
+  EXPECT_EQ(RegisterUserByName(*db, QStringLiteral("山田 花子"), third), 9);
+}
+
+}  // namespace

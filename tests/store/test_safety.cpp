@@ -1,0 +1,207 @@
+// The database key, the start-up check with its recovery and rekey, the compaction's
+// threshold, and the file modes of what the program writes.
+#include <sys/stat.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include "catalogue.h"
+#include "config.h"
+#include "db_safety.h"
+#include "store_fixture.h"
+#include "shared_values.h"
+#include "trace.h"
+
+namespace {
+
+int ModeOf(const QString& path) {
+  struct stat st {};
+  if (::stat(QFile::encodeName(path).constData(), &st) != 0) return -1;
+  return static_cast<int>(st.st_mode & 0777);
+}
+
+class SafetyTest : public StoreTest {
+ protected:
+  QString addUser(const QString& name) {
+    UserInfo u;
+    u.GROUP_ID = kDefaultGroupId;
+    u.FIRST_NAME = name;
+    EXPECT_EQ(SetUser(db_, u), 0);
+    return u.USER_ID;
+  }
+  bool hasUser(const QString& path, const QString& key, const QString& id) {
+    VtDatabase db;
+    db.open(path, key, VtDatabase::OpenMode::ReadOnly);
+    UserRecord r;
+    return VTDB_GetUserInfoFromUserId(db, id, r);
+  }
+  void write(const QString& path, const QByteArray& bytes) {
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    f.write(bytes);
+  }
+};
+
+TEST_F(SafetyTest, EachInstallationGetsARandomOwnerOnlyKeyThatOpensWithoutStretching) {
+  const QString keyPath = InstallationKeyPath();
+  EXPECT_EQ(QFileInfo(keyPath).absolutePath(), QFileInfo(inst_.configFile()).absolutePath());
+  ASSERT_TRUE(CreateInstallationKey(keyPath));
+  EXPECT_EQ(ModeOf(keyPath), 0600);
+  const QString key = ReadInstallationKey(keyPath);
+  EXPECT_TRUE(QRegularExpression(QStringLiteral("^x'[0-9a-f]{64}'$")).match(key).hasMatch()) << key.toStdString();
+  // Never over an existing key, and another installation's key differs.
+  EXPECT_FALSE(CreateInstallationKey(keyPath));
+  EXPECT_EQ(ReadInstallationKey(keyPath), key);
+  const QString otherPath = inst_.path(QStringLiteral("conf/other.key"));
+  ASSERT_TRUE(CreateInstallationKey(otherPath));
+  EXPECT_NE(ReadInstallationKey(otherPath), key);
+  // DB_PASSWORD still overrides; the built-in password does not count as one.
+  EXPECT_EQ(InstallationDatabaseKey(), key);
+  inst_.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_PASSWORD"), kDefaultDbPassword);
+  EXPECT_EQ(ResolveDatabaseKey(QString()), key);
+  inst_.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_PASSWORD"), QStringLiteral("mine"));
+  EXPECT_EQ(InstallationDatabaseKey(), QStringLiteral("mine"));
+}
+
+TEST_F(SafetyTest, AnOlderDatabaseIsCopiedAsideAndRekeyedOnce) {
+  const QString id = addUser(QStringLiteral("Hana"));
+  db_.close();
+  const DatabaseStartResult r = PrepareDatabaseAtStart(inst_.dbFile());
+  ASSERT_EQ(r.outcome, DatabaseStartResult::Outcome::Rekeyed) << r.detail.toStdString();
+  const QString key = ReadInstallationKey(InstallationKeyPath());
+  EXPECT_EQ(r.key, key);
+  EXPECT_TRUE(hasUser(inst_.dbFile(), key, id));
+  EXPECT_EQ(InspectDatabaseFile(inst_.dbFile(), kDefaultDbPassword), DbFileState::WrongKey);
+  // The copy taken before still opens with the built-in password.
+  EXPECT_TRUE(hasUser(inst_.dbFile() + QStringLiteral(".prekey"), kDefaultDbPassword, id));
+  // The working connection finds the key by itself; the next start has nothing to do.
+  QString path = inst_.dbFile();
+  QString password;
+  ASSERT_EQ(VTDB_Open(db_, path, password), 0);
+  db_.close();
+  EXPECT_EQ(PrepareDatabaseAtStart(inst_.dbFile()).outcome, DatabaseStartResult::Outcome::Ready);
+}
+
+TEST_F(SafetyTest, AMissingEmptyOrDamagedDatabaseComesBackFromTheNewestGoodCopyOrStops) {
+  const QString id = addUser(QStringLiteral("Hana"));
+  db_.close();
+  const QString dbFile = inst_.dbFile();
+  const QString bak = dbFile + QStringLiteral(".bak");
+  ASSERT_TRUE(CopyFileAtomically(dbFile, bak));
+  write(dbFile + QStringLiteral(".org"), QByteArray(8192, 'z'));  // no usable copy
+
+  const struct {
+    const char* name;
+    QByteArray content;
+    bool remove;  // the file is removed rather than written
+  } cases[] = {{"missing", {}, true}, {"empty", {}, false}, {"garbage", QByteArray(8192, 'x'), false}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    if (c.remove) QFile::remove(dbFile);
+    else write(dbFile, c.content);
+    const DatabaseStartResult r = PrepareDatabaseAtStart(dbFile);
+    ASSERT_EQ(r.outcome, DatabaseStartResult::Outcome::Recovered) << r.detail.toStdString();
+    EXPECT_EQ(r.messageCode, QStringLiteral("DBSF-W-0001"));
+    EXPECT_TRUE(r.messageArg.contains(QStringLiteral("ACTA.db.bak")));
+    EXPECT_TRUE(hasUser(dbFile, r.key, id));
+    if (!c.remove) {
+      EXPECT_EQ(QFileInfo(dbFile + QStringLiteral(".damaged")).size(), c.content.size());
+    }
+  }
+
+  // Without a good copy nothing is written and the reason is named.
+  QFile::remove(bak);
+  const QStringList codes = {QStringLiteral("DBSF-C-0001"), QStringLiteral("DBSF-C-0002"),
+                             QStringLiteral("DBSF-C-0004")};
+  for (int i = 0; i < 3; ++i) {
+    SCOPED_TRACE(i);
+    QFile::remove(dbFile);
+    if (i == 1) write(dbFile, QByteArray());
+    if (i == 2) {
+      // A real database file with a page overwritten in the middle.
+      VtDatabase fresh;
+      QFile::remove(dbFile);
+      fresh.open(dbFile, kDefaultDbPassword, VtDatabase::OpenMode::Create);
+      fresh.exec(QStringLiteral("PRAGMA journal_mode=DELETE; CREATE TABLE [USER] (A); CREATE TABLE T (X);"
+                                "INSERT INTO T SELECT randomblob(900) FROM (WITH RECURSIVE c(n) AS "
+                                "(SELECT 1 UNION ALL SELECT n + 1 FROM c WHERE n < 60) SELECT n FROM c);"));
+      fresh.close();
+      QFile f(dbFile);
+      ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+      f.seek(4096 * 3 + 100);
+      f.write(QByteArray(3000, '\x5a'));
+    }
+    const QByteArray content = [&] {
+      QFile f(dbFile);
+      return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }();
+    const DatabaseStartResult r = PrepareDatabaseAtStart(dbFile, {}, kDefaultDbPassword);
+    EXPECT_EQ(r.outcome, DatabaseStartResult::Outcome::Stop) << r.detail.toStdString();
+    EXPECT_EQ(r.messageCode, codes[i]) << r.detail.toStdString();
+    QFile f(dbFile);
+    EXPECT_EQ(f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray(), content);
+  }
+}
+
+TEST_F(SafetyTest, CompactionRunsOnlyWhenATenthIsFreeAndReplacesTheFileWhole) {
+  const QString id = addUser(QStringLiteral("Hana"));
+  QString path = inst_.dbFile();
+  db_.close();
+  NullProgress progress;
+  int result = -1;
+  const qint64 size = QFileInfo(path).size();
+  CompactDB(path, result, progress);
+  EXPECT_EQ(result, 0);
+  EXPECT_EQ(QFileInfo(path).size(), size);
+  EXPECT_FALSE(QFile::exists(path + QStringLiteral(".bak")));
+  EXPECT_TRUE(traced(QStringLiteral("1"), QStringLiteral("CompactDB"), QStringLiteral("skipped")));
+
+  {
+    VtDatabase db;
+    db.open(path, kDefaultDbPassword);
+    db.exec(QStringLiteral("CREATE TABLE F (X); INSERT INTO F SELECT randomblob(2000) FROM (WITH RECURSIVE "
+                           "c(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM c WHERE n < 500) SELECT n FROM c);"
+                           "DROP TABLE F;"));
+  }
+  CompactDB(path, result, progress);
+  EXPECT_EQ(result, 0);
+  EXPECT_LT(QFileInfo(path).size(), QFileInfo(path + QStringLiteral(".bak")).size());
+  EXPECT_FALSE(QFile::exists(CompactTempPath(path)));
+  EXPECT_TRUE(hasUser(path, kDefaultDbPassword, id));
+  EXPECT_TRUE(hasUser(path + QStringLiteral(".bak"), kDefaultDbPassword, id));
+}
+
+TEST_F(SafetyTest, WhatTheProgramWritesIsItsOwnersAlone) {
+  inst_.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("LOG_PATH"), QStringLiteral("../privatelog"));
+  SetLogLevel(QStringLiteral("0"));
+  WriteTrace(QStringLiteral("2"), QStringLiteral("Test"), QStringLiteral("a line"));
+  EXPECT_EQ(ModeOf(inst_.path(QStringLiteral("privatelog"))), 0700);
+  EXPECT_EQ(ModeOf(inst_.path(QStringLiteral("privatelog/trace.log"))), 0600);
+  const QString raw = inst_.path(QStringLiteral("rawdumps"));
+  ASSERT_TRUE(MakePrivateFolder(raw));
+  ASSERT_TRUE(MakePrivateFile(raw + QStringLiteral("/R000000001.bin")));
+  EXPECT_EQ(ModeOf(raw), 0700);
+  EXPECT_EQ(ModeOf(raw + QStringLiteral("/R000000001.bin")), 0600);
+}
+
+TEST_F(SafetyTest, AConfigurationThatCannotBeUsedIsNamedForWhatIsWrongWithIt) {
+  const QString conf = inst_.configFile();
+  const QByteArray good = [&] {
+    QFile f(conf);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+  }();
+  write(conf, QByteArray());
+  EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0003"));
+  write(conf, QByteArray("\x00\x01garbage", 9));
+  EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0005"));
+  write(conf, QByteArray("[OTHER]\nA=1\n"));
+  EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0005"));
+  QFile::remove(conf);
+  EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0001"));
+  write(conf, good);
+  for (const char* code : {"PTOP-C-0003", "PTOP-C-0004", "PTOP-C-0005", "DBSF-C-0003", "COMN-W-0001"})
+    EXPECT_TRUE(FindMessage(QLatin1String(code))) << code;
+}
+
+}  // namespace
