@@ -7,6 +7,7 @@
 #include "catalogue.h"
 #include "config.h"
 #include "csv_import.h"
+#include "db_safety.h"
 #include "csv_text.h"
 #include "dialog.h"
 #include "helpers.h"
@@ -255,6 +256,13 @@ CsvImportSummary CSVBatchImport(VtDatabase& db, const QStringList& paths, const 
   progress.setValue(0);
   if (files.isEmpty()) return s;
 
+  // One writer at a time: a receive or another import of this installation finishes first.
+  InstallationLock lock(db.path());
+  if (!lock.acquire()) {
+    s.log += CatalogueLine(QStringLiteral("COMN-W-0001")) + kCrLf;
+    s.filesRead = static_cast<int>(files.size());
+    return s;
+  }
   QString backupMessage;
   if (!BackupBeforeCsvImport(db, backupMessage)) {
     s.log += backupMessage + kCrLf;
