@@ -329,8 +329,10 @@ QWidget* frmTerminal::buildNameLine() {
   lblWelcome->setFont(welcome);
   row->addWidget(lblUserNickName, 0);
   row->addWidget(lblSama, 0, Qt::AlignBottom);
+  // The welcome line takes the whole width while it shows; otherwise the spacer keeps the
+  // name and its honorific together on the left.
   row->addWidget(lblWelcome, 1);
-  row->addStretch(1);
+  row->addStretch(0);
   lblSama->hide();
   return nameLine_;
 }
