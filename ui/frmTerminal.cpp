@@ -21,7 +21,7 @@
 #include <QVBoxLayout>
 
 #include "catalogue.h"
-#include "chart_result.h"
+#include "printing.h"
 #include "form_look.h"
 #include "config.h"
 #include "helpers.h"
@@ -1156,7 +1156,7 @@ void frmTerminal::ReDrawChart(int kind, bool printFlag) {
         result = ChartMakerPersonal(s_.chart, *pictureContents, GetAbsolutePath(interfaceFile_));
         WriteTrace(QStringLiteral("0"), QStringLiteral("DrawChart"),
                    QStringLiteral("lChartProcessRet = ") + QString::number(result));
-        InterpretChartResult(result);
+        ReportChartResult(result);
       } else if (actions_.printFiles) {
         actions_.printFiles(headerFile_, interfaceFile_);
       }
