@@ -15,11 +15,11 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const ByteSpan bytes(data, size);
-  const QString kinds[] = {PMKIND_AL, PMKIND_BRIO_NORMAL, PMKIND_BRIO_METS, PMKIND_BRIO_ZR,
-                           PMKIND_BRIO_KT};
+  const RecorderKind kinds[] = {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets,
+                                 RecorderKind::BrioZr, RecorderKind::BrioKt};
   DeviceState state;
   if (FlashManage_SetPMKind(bytes, state) == kDeviceOk) (void)FlashManageDumpLines(state.manage, state.pmKind);
-  for (const QString& kind : kinds) {
+  for (const RecorderKind kind : kinds) {
     FlashManage manage;
     if (FlashManage_ConvertByteArray2Struct_Brio(bytes, manage, kind) == kDeviceOk)
       (void)FlashManageDumpLines(manage, kind);

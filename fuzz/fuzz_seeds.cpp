@@ -27,10 +27,10 @@ int main(int argc, char** argv) {
   const QString profiles = QString::fromLocal8Bit(argv[3]);
   for (const QString& d : {recorders, pages, profiles}) QDir().mkpath(d);
 
-  const QString kinds[] = {PMKIND_AL, PMKIND_BRIO_NORMAL, PMKIND_BRIO_METS, PMKIND_BRIO_ZR,
-                           PMKIND_BRIO_KT};
+  const RecorderKind kinds[] = {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets,
+                                 RecorderKind::BrioZr, RecorderKind::BrioKt};
   int n = 0;
-  for (const QString& kind : kinds) {
+  for (const RecorderKind kind : kinds) {
     for (bool english : {false, true}) {
       for (int variant = 0; variant < 3; ++variant) {
         RecorderImageOptions o;
@@ -38,7 +38,7 @@ int main(int argc, char** argv) {
         o.english = english;
         o.seed = static_cast<quint32>(17 + variant);
         o.days = variant == 0 ? 3 : 30;
-        if (variant == 1) o.startPage = RingSize(kind, english ? PMLANG_ENG : PMLANG_JPN) - 5;
+        if (variant == 1) o.startPage = RingSize(kind, english ? RecorderLang::English : RecorderLang::Japanese) - 5;
         if (variant == 2) {
           o.memorySetting = 1;
           o.memoryDays = 10;
@@ -47,7 +47,7 @@ int main(int argc, char** argv) {
         if (!CheckRecorderImageOptions(o).isEmpty()) continue;
         const QByteArray image = MakeRecorderImage(o);
         if (image.isEmpty()) continue;
-        const QString tag = QStringLiteral("%1-%2-%3").arg(kind, english ? QStringLiteral("en") : QStringLiteral("ja")).arg(variant);
+        const QString tag = QStringLiteral("%1-%2-%3").arg(KindText(kind), english ? QStringLiteral("en") : QStringLiteral("ja")).arg(variant);
         Put(recorders, tag + QStringLiteral(".img"), image);
         Put(pages, tag + QStringLiteral(".manage"), image.left(kManageBlockBytes));
         const int pageBytes = PageBytesOfKind(kind);
