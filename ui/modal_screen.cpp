@@ -115,12 +115,12 @@ QPixmap ModalScreen::userIcon(int iconIndex, int size) {
   return picture;
 }
 
-QHBoxLayout* ModalScreen::userNameRows(const QString& section, const NameRowNames& spec, int iconIndex,
+QHBoxLayout* ModalScreen::userNameRows(const QString& section, const NameRowNames& controls, int iconIndex,
                                        const NameRows& names, const std::array<QLabel**, 3>& captions,
                                        const std::array<QLabel**, 3>& values) {
   auto* row = new QHBoxLayout;
   row->setSpacing(16);
-  row->addWidget(userIconLabel(spec.icon, iconIndex), 0, Qt::AlignVCenter);
+  row->addWidget(userIconLabel(controls.icon, iconIndex), 0, Qt::AlignVCenter);
   auto* grid = new QGridLayout;
   grid->setHorizontalSpacing(16);
   grid->setVerticalSpacing(8);
@@ -130,8 +130,8 @@ QHBoxLayout* ModalScreen::userNameRows(const QString& section, const NameRowName
   big.setPointSizeF(big.pointSizeF() * 1.25);
   big.setBold(true);
   for (size_t i = 0; i < 3; ++i) {
-    QLabel* caption = captionLabel(spec.captions[i], section, QLatin1String(spec.captionKeys[i]));
-    QLabel* value = dataLabel(spec.values[i]);
+    QLabel* caption = captionLabel(controls.captions[i], section, QLatin1String(controls.captionKeys[i]));
+    QLabel* value = dataLabel(controls.values[i]);
     value->setText(texts[i]);
     value->setFont(big);
     grid->addWidget(caption, static_cast<int>(i), 0, Qt::AlignLeft | Qt::AlignBaseline);

@@ -38,7 +38,7 @@ class ModalScreen : public QDialog {
   // screens; null when it can't be read.
   static QPixmap userIcon(int iconIndex, int size);
   // One user as the receive and delete screens show them: the icon, then rows of caption
-  // and name (rows the edition hides are hidden). The controls' names come from spec;
+  // and name (rows the edition hides are hidden). The object names of the icon and labels come from controls;
   // captions[i] and values[i] receive the labels.
   struct NameRowNames {
     const char* icon;
@@ -46,7 +46,7 @@ class ModalScreen : public QDialog {
     std::array<const char*, 3> captionKeys;
     std::array<const char*, 3> values;
   };
-  QHBoxLayout* userNameRows(const QString& section, const NameRowNames& spec, int iconIndex,
+  QHBoxLayout* userNameRows(const QString& section, const NameRowNames& controls, int iconIndex,
                             const NameRows& names, const std::array<QLabel**, 3>& captions,
                             const std::array<QLabel**, 3>& values);
   // The row of buttons at the bottom right.
