@@ -11,19 +11,19 @@
 
 #include <algorithm>
 
-#include "backup.h"
-#include "catalogue.h"
-#include "chartmaker.h"
-#include "config.h"
-#include "desktop_actions.h"
-#include "frmTerminal.h"
-#include "helpers.h"
-#include "desktop_screens.h"
-#include "qt_dialog.h"
-#include "receive_screens.h"
-#include "shared_values.h"
-#include "startup.h"
-#include "store.h"
+#include "store/backup.h"
+#include "frame/catalogue.h"
+#include "chartmaker/chartmaker.h"
+#include "frame/config.h"
+#include "ui/desktop_actions.h"
+#include "ui/frmTerminal.h"
+#include "frame/helpers.h"
+#include "ui/desktop_screens.h"
+#include "ui/qt_dialog.h"
+#include "ui/receive_screens.h"
+#include "frame/shared_values.h"
+#include "ui/startup.h"
+#include "store/store.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "charts.h"
-#include "frame.h"
-#include "store.h"
+#include "charts/charts.h"
+#include "frame/frame.h"
+#include "store/store.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <QDir>
 #include <QTemporaryDir>
 
-#include "device.h"
-#include "profile.h"
-#include "shared_values.h"
+#include "device/device.h"
+#include "frame/profile.h"
+#include "frame/shared_values.h"
 
 namespace {
 

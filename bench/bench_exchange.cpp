@@ -7,9 +7,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "exchange.h"
-#include "frame.h"
-#include "store.h"
+#include "exchange/exchange.h"
+#include "frame/frame.h"
+#include "store/store.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "frame.h"
+#include "frame/frame.h"
 
 namespace {
 

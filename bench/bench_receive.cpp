@@ -7,11 +7,11 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "device.h"
-#include "fake_reader.h"
-#include "frame.h"
-#include "receive.h"
-#include "store.h"
+#include "device/device.h"
+#include "device/fake_reader.h"
+#include "frame/frame.h"
+#include "receive/receive.h"
+#include "store/store.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
-#include "backup.h"
-#include "config.h"
-#include "device.h"
-#include "dialog.h"
-#include "store.h"
+#include "store/backup.h"
+#include "frame/config.h"
+#include "device/device.h"
+#include "frame/dialog.h"
+#include "store/store.h"
 
 namespace {
 

@@ -17,18 +17,18 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "chartmaker.h"
-#include "config.h"
-#include "catalogue.h"
-#include "frmTerminal.h"
-#include "qt_dialog.h"
-#include "readers.h"
-#include "receive_screens.h"
-#include "recorder_image.h"
-#include "shared_values.h"
-#include "startup.h"
-#include "store.h"
-#include "test_installation.h"
+#include "chartmaker/chartmaker.h"
+#include "frame/config.h"
+#include "frame/catalogue.h"
+#include "ui/frmTerminal.h"
+#include "ui/qt_dialog.h"
+#include "device/readers.h"
+#include "ui/receive_screens.h"
+#include "device/recorder_image.h"
+#include "frame/shared_values.h"
+#include "ui/startup.h"
+#include "store/store.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

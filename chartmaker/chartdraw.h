@@ -5,8 +5,8 @@
 #include <QRectF>
 #include <optional>
 
-#include "chartfiles.h"
-#include "chartsettings.h"
+#include "chartmaker/chartfiles.h"
+#include "chartmaker/chartsettings.h"
 
 class QPainter;
 

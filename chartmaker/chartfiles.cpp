@@ -1,4 +1,4 @@
-#include "chartfiles.h"
+#include "chartmaker/chartfiles.h"
 
 #include <QFile>
 #include <QFileInfo>

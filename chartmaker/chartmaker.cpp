@@ -1,4 +1,4 @@
-#include "chartmaker.h"
+#include "chartmaker/chartmaker.h"
 
 #include <QFileInfo>
 #include <QPageLayout>
@@ -9,11 +9,11 @@
 #include <QSaveFile>
 #include <exception>
 
-#include "chartdraw.h"
-#include "chartfiles.h"
-#include "chartsettings.h"
+#include "chartmaker/chartdraw.h"
+#include "chartmaker/chartfiles.h"
+#include "chartmaker/chartsettings.h"
 #include "frame/config.h"
-#include "pdf_text.h"
+#include "chartmaker/pdf_text.h"
 
 namespace {
 

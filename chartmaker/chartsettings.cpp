@@ -1,4 +1,4 @@
-#include "chartsettings.h"
+#include "chartmaker/chartsettings.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "pdf_text.h"
+#include "chartmaker/pdf_text.h"
 
 #include <QFont>
 #include <QRawFont>

@@ -1,4 +1,4 @@
-#include "report_printer.h"
+#include "chartmaker/report_printer.h"
 
 #include <QPainter>
 #include <QPrinter>

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "chartmaker.h"
+#include "chartmaker/chartmaker.h"
 
 class QPrinter;
 

@@ -1,9 +1,9 @@
-#include "chart_files.h"
+#include "charts/chart_files.h"
 
 #include <QFile>
 
-#include "day_stats.h"
-#include "periods.h"
+#include "charts/day_stats.h"
+#include "charts/periods.h"
 
 #include "frame/helpers.h"
 #include "frame/vbformat.h"

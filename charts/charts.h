@@ -2,8 +2,8 @@
 // chart library, and the display ranges of the job screen.
 #pragma once
 
-#include "chart_files.h"
-#include "day_stats.h"
-#include "make_chart.h"
-#include "periods.h"
-#include "ranges.h"
+#include "charts/chart_files.h"
+#include "charts/day_stats.h"
+#include "charts/make_chart.h"
+#include "charts/periods.h"
+#include "charts/ranges.h"

@@ -1,4 +1,4 @@
-#include "day_stats.h"
+#include "charts/day_stats.h"
 
 #include <array>
 #include <cmath>

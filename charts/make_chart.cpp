@@ -1,4 +1,4 @@
-#include "make_chart.h"
+#include "charts/make_chart.h"
 
 #include <QFile>
 #include <exception>

@@ -6,8 +6,8 @@
 #include <QString>
 #include <vector>
 
-#include "chart_files.h"
-#include "day_stats.h"
+#include "charts/chart_files.h"
+#include "charts/day_stats.h"
 #include "store/records.h"
 
 class VtDatabase;

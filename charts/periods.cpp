@@ -1,4 +1,4 @@
-#include "periods.h"
+#include "charts/periods.h"
 
 #include "frame/helpers.h"
 

@@ -1,6 +1,6 @@
-#include "ranges.h"
+#include "charts/ranges.h"
 
-#include "periods.h"
+#include "charts/periods.h"
 
 #include "frame/helpers.h"
 #include "frame/trace.h"

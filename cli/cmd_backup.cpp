@@ -5,13 +5,13 @@
 #include <QLockFile>
 #include <QTextStream>
 
-#include "backup.h"
-#include "catalogue.h"
-#include "commands.h"
-#include "config.h"
-#include "instance_lock.h"
-#include "shared_values.h"
-#include "store.h"
+#include "store/backup.h"
+#include "frame/catalogue.h"
+#include "cli/commands.h"
+#include "frame/config.h"
+#include "frame/instance_lock.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
 
 namespace {
 

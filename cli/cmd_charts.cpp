@@ -1,13 +1,13 @@
 // chart-data and range: the chart files of one chart, and the display window a period
 // button or a date button would set.
-#include "commands.h"
+#include "cli/commands.h"
 
 #include <QDir>
 #include <QTextStream>
 
-#include "charts.h"
-#include "frame.h"
-#include "store.h"
+#include "charts/charts.h"
+#include "frame/frame.h"
+#include "store/store.h"
 
 namespace {
 

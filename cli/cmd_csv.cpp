@@ -4,10 +4,10 @@
 #include <QFileInfo>
 #include <QTextStream>
 
-#include "commands.h"
-#include "exchange.h"
-#include "frame.h"
-#include "store.h"
+#include "cli/commands.h"
+#include "exchange/exchange.h"
+#include "frame/frame.h"
+#include "store/store.h"
 
 namespace {
 

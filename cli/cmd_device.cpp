@@ -6,11 +6,11 @@
 #include <QTextStream>
 #include <optional>
 
-#include "commands.h"
-#include "config.h"
-#include "device.h"
-#include "profile.h"
-#include "shared_values.h"
+#include "cli/commands.h"
+#include "frame/config.h"
+#include "device/device.h"
+#include "frame/profile.h"
+#include "frame/shared_values.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include <QJsonObject>
 #include <QTextStream>
 
-#include "commands.h"
-#include "frame.h"
-#include "store.h"
-#include "weight_form.h"
+#include "cli/commands.h"
+#include "frame/frame.h"
+#include "store/store.h"
+#include "plan/weight_form.h"
 
 namespace {
 

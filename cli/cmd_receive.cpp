@@ -6,14 +6,14 @@
 #include <exception>
 #include <memory>
 
-#include "catalogue.h"
-#include "commands.h"
-#include "config.h"
-#include "device.h"
-#include "dialog.h"
-#include "receive.h"
-#include "shared_values.h"
-#include "store.h"
+#include "frame/catalogue.h"
+#include "cli/commands.h"
+#include "frame/config.h"
+#include "device/device.h"
+#include "frame/dialog.h"
+#include "receive/receive.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include <QFileInfo>
 #include <QTextStream>
 
-#include "chartfiles.h"
-#include "chartmaker.h"
-#include "commands.h"
-#include "frame.h"
+#include "chartmaker/chartfiles.h"
+#include "chartmaker/chartmaker.h"
+#include "cli/commands.h"
+#include "frame/frame.h"
 
 namespace {
 

@@ -3,13 +3,13 @@
 #include <QMap>
 #include <QTextStream>
 
-#include "commands.h"
-#include "catalogue.h"
-#include "dialog.h"
-#include "config.h"
-#include "shared_values.h"
-#include "db_safety.h"
-#include "store.h"
+#include "cli/commands.h"
+#include "frame/catalogue.h"
+#include "frame/dialog.h"
+#include "frame/config.h"
+#include "frame/shared_values.h"
+#include "store/db_safety.h"
+#include "store/store.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include <cstring>
 #include <memory>
 
-#include "commands.h"
-#include "frame.h"
+#include "cli/commands.h"
+#include "frame/frame.h"
 
 namespace {
 

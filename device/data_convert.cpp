@@ -1,4 +1,4 @@
-#include "data_convert.h"
+#include "device/data_convert.h"
 
 #include <QStringDecoder>
 

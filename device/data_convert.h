@@ -8,7 +8,7 @@
 #include <QString>
 #include <QTime>
 
-#include "device_records.h"
+#include "device/device_records.h"
 
 // ---- DataConvert ----
 // "NoData" when all n bytes are 0xFF; otherwise the bytes as Shift_JIS text (the

@@ -1,7 +1,7 @@
 // Decoders of the management block and the data pages: each checks first that the
 // bytes cover its layout, then reads the layout's fields.
-#include "data_convert.h"
-#include "memory_layout.h"
+#include "device/data_convert.h"
+#include "device/memory_layout.h"
 
 qint32 FlashManage_ConvertByteArray2Struct(ByteSpan block, FlashManage& out) {
   if (block.size() < static_cast<size_t>(layout::ManageBytes(RecorderKind::AL))) return kErrSubscriptOutOfRange;

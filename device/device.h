@@ -2,9 +2,9 @@
 // the transport that reads it, and recorder memory images for the emulated reader.
 #pragma once
 
-#include "data_convert.h"
-#include "device_records.h"
-#include "readers.h"
-#include "recorder_dump.h"
-#include "recorder_image.h"
-#include "transport.h"
+#include "device/data_convert.h"
+#include "device/device_records.h"
+#include "device/readers.h"
+#include "device/recorder_dump.h"
+#include "device/recorder_image.h"
+#include "device/transport.h"

@@ -1,7 +1,7 @@
 // The dumps of the decoded records into the trace log (PM_DUNP 1 and 2).
-#include "data_convert.h"
-#include "memory_layout.h"
-#include "trace.h"
+#include "device/data_convert.h"
+#include "device/memory_layout.h"
+#include "frame/trace.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
 // A reader over recorder memory images lying in a folder.
-#include "readers.h"
+#include "device/readers.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cstring>
 
-#include "device_records.h"
-#include "trace.h"
+#include "device/device_records.h"
+#include "frame/trace.h"
 
 EmulatedReader::EmulatedReader(QString folder) : folder_(std::move(folder)) {}
 

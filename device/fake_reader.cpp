@@ -1,4 +1,4 @@
-#include "fake_reader.h"
+#include "device/fake_reader.h"
 
 #include <cstring>
 

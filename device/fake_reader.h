@@ -9,7 +9,7 @@
 #include <set>
 #include <vector>
 
-#include "transport.h"
+#include "device/transport.h"
 
 class FakeReader : public TavoReader {
  public:

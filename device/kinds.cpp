@@ -1,8 +1,8 @@
 #include <algorithm>
 // Kinds, languages, ring sizes, and the acceptance of a recorder by this installation.
-#include "config.h"
-#include "data_convert.h"
-#include "trace.h"
+#include "frame/config.h"
+#include "device/data_convert.h"
+#include "frame/trace.h"
 
 // One table of the ten event fields serves both forms: the writable one only picks a member.
 QTime FlashData::event(int n) const { return const_cast<FlashData*>(this)->event(n); }

@@ -1,8 +1,8 @@
 // The vendor's reader library, resolved at run time. Every entry point uses the C
 // calling convention with signed 32-bit integers.
-#include "readers.h"
+#include "device/readers.h"
 
-#include "trace.h"
+#include "frame/trace.h"
 
 LibraryReader::LibraryReader(const QString& libraryPath) : library_(libraryPath) {
   static const QString kName = QStringLiteral("LibraryReader");

@@ -1,9 +1,9 @@
-#include "memory_layout.h"
+#include "device/memory_layout.h"
 
 #include <algorithm>
 #include <vector>
 
-#include "data_convert.h"
+#include "device/data_convert.h"
 
 namespace layout {
 

@@ -9,7 +9,7 @@
 #include <span>
 #include <variant>
 
-#include "device_records.h"
+#include "device/device_records.h"
 
 namespace layout {
 

@@ -6,7 +6,7 @@
 #include <QString>
 #include <memory>
 
-#include "transport.h"
+#include "device/transport.h"
 
 // Fault status an emulated read ends with when it lies outside the image.
 inline constexpr qint32 kEmulatorFaultAddress = 3;

@@ -1,9 +1,9 @@
-#include "recorder_dump.h"
+#include "device/recorder_dump.h"
 
 #include <QStringList>
 
-#include "data_convert.h"
-#include "memory_layout.h"
+#include "device/data_convert.h"
+#include "device/memory_layout.h"
 
 qint32 ReadRecorderContents(TavoReader& reader, DeviceClock& clock, RecorderContents& out,
                             QString* error) {

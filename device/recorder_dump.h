@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "transport.h"
+#include "device/transport.h"
 
 struct RecorderContents {
   RecorderKind kind = RecorderKind::Unknown;

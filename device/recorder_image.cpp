@@ -2,7 +2,7 @@
 // an activity state (none, tiny movement, level 1..9); every figure of the page (level
 // counts, steps, calories, distance, time in range) is summed from those slots, so
 // that the figures agree with the profile as they do on a real recorder.
-#include "recorder_image.h"
+#include "device/recorder_image.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -11,11 +11,11 @@
 #include <cmath>
 #include <numbers>
 
-#include "config.h"
-#include "helpers.h"
-#include "data_convert.h"
-#include "memory_layout.h"
-#include "shared_values.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
+#include "device/data_convert.h"
+#include "device/memory_layout.h"
+#include "frame/shared_values.h"
 
 namespace {
 

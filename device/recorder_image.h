@@ -11,7 +11,7 @@
 #include <QTime>
 #include <vector>
 
-#include "device_records.h"
+#include "device/device_records.h"
 
 // The recorder numbers an installation is configured with (SYSTEM section). The
 // generator writes them as the block's fixed text and version byte.

@@ -1,16 +1,16 @@
 // One read from the recorder: start, read, poll, settle, finish or stop. Each read is a
 // transfer of its own, and nothing here ever writes to the recorder.
-#include "transport.h"
+#include "device/transport.h"
 
 #include <QFile>
 #include <QThread>
 #include <array>
 #include <exception>
 
-#include "config.h"
-#include "data_convert.h"
-#include "readers.h"
-#include "trace.h"
+#include "frame/config.h"
+#include "device/data_convert.h"
+#include "device/readers.h"
+#include "frame/trace.h"
 
 void SystemDeviceClock::sleepMs(int ms) {
   if (ms > 0) QThread::msleep(static_cast<unsigned long>(ms));

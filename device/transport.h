@@ -7,7 +7,7 @@
 #include <QtGlobal>
 #include <memory>
 
-#include "device_records.h"
+#include "device/device_records.h"
 
 // Status values of Tavo_GetStatus.
 inline constexpr qint32 kTavoStatusDone = 0;

@@ -1,20 +1,20 @@
-#include "csv_batch.h"
+#include "exchange/csv_batch.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 
-#include "catalogue.h"
-#include "config.h"
-#include "csv_import.h"
-#include "db_safety.h"
-#include "csv_text.h"
-#include "dialog.h"
-#include "helpers.h"
-#include "shared_values.h"
-#include "store.h"
-#include "trace.h"
-#include "vbformat.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "exchange/csv_import.h"
+#include "store/db_safety.h"
+#include "exchange/csv_text.h"
+#include "frame/dialog.h"
+#include "frame/helpers.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
+#include "frame/trace.h"
+#include "frame/vbformat.h"
 
 using csv_detail::ImportText;
 

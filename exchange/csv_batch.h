@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <vector>
 
-#include "csv_export.h"
+#include "exchange/csv_export.h"
 
 class ProgressInterface;
 class VtDatabase;

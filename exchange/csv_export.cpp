@@ -1,14 +1,14 @@
-#include "csv_export.h"
+#include "exchange/csv_export.h"
 
 #include <QSaveFile>
 
-#include "catalogue.h"
-#include "config.h"
-#include "dialog.h"
-#include "helpers.h"
-#include "store.h"
-#include "trace.h"
-#include "vbformat.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "frame/dialog.h"
+#include "frame/helpers.h"
+#include "store/store.h"
+#include "frame/trace.h"
+#include "frame/vbformat.h"
 
 namespace {
 

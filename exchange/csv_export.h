@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "records.h"
+#include "store/records.h"
 
 class ProgressInterface;
 class VtDatabase;

@@ -1,11 +1,11 @@
-#include "csv_forms.h"
+#include "exchange/csv_forms.h"
 
 #include <QFileInfo>
 #include <vector>
 
-#include "catalogue.h"
-#include "helpers.h"
-#include "store.h"
+#include "frame/catalogue.h"
+#include "frame/helpers.h"
+#include "store/store.h"
 
 QString CsvDialogText(const char* key) { return GetIniCaption(QStringLiteral("CSVDIALOG"), QLatin1String(key)); }
 

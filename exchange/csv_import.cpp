@@ -1,15 +1,15 @@
-#include "csv_import.h"
+#include "exchange/csv_import.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QRegularExpression>
 
-#include "csv_text.h"
-#include "helpers.h"
-#include "profile.h"
-#include "trace.h"
-#include "vbformat.h"
+#include "exchange/csv_text.h"
+#include "frame/helpers.h"
+#include "frame/profile.h"
+#include "frame/trace.h"
+#include "frame/vbformat.h"
 
 using csv_detail::ImportText;
 

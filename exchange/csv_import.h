@@ -5,7 +5,7 @@
 #include <QString>
 #include <vector>
 
-#include "records.h"
+#include "store/records.h"
 
 // What line 1 says about a file.
 struct CsvFormat {

@@ -1,11 +1,11 @@
-#include "csv_text.h"
+#include "exchange/csv_text.h"
 
 #include <QStringDecoder>
 #include <QStringEncoder>
 
-#include "catalogue.h"
-#include "config.h"
-#include "csv_export.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "exchange/csv_export.h"
 
 namespace {
 

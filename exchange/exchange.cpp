@@ -1,1 +1,1 @@
-#include "exchange.h"
+#include "exchange/exchange.h"

@@ -2,8 +2,8 @@
 // may register users; a copy of the database made here lets a person go back. Without
 // that copy the import does not start: a full disk or an unwritable backup folder is
 // better told before the import than found out after it.
-#include "csv_batch.h"
-#include "backup.h"
+#include "exchange/csv_batch.h"
+#include "store/backup.h"
 
 bool BackupBeforeCsvImport(VtDatabase& /*db*/, QString& message) {
   const BackupOutcome outcome = MakeAutomaticBackup(QStringLiteral("CSV import"));

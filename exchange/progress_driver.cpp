@@ -1,12 +1,12 @@
-#include "progress_driver.h"
+#include "exchange/progress_driver.h"
 
 #include <algorithm>
 #include <vector>
 
-#include "csv_batch.h"
-#include "shared_values.h"
-#include "store.h"
-#include "trace.h"
+#include "exchange/csv_batch.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
+#include "frame/trace.h"
 
 void ProgressDriver::ProcSetParam(const QString& title, const QString& status, const QString& buttonText,
                                   int maximum, int startValue, bool buttonEnabled) {

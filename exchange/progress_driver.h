@@ -8,7 +8,7 @@
 #include <QStringList>
 #include <functional>
 
-#include "dialog.h"
+#include "frame/dialog.h"
 
 class VtDatabase;
 

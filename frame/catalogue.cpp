@@ -1,4 +1,4 @@
-#include "catalogue.h"
+#include "frame/catalogue.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -6,12 +6,12 @@
 
 #include <vector>
 
-#include "config.h"
-#include "dialog.h"
-#include "profile.h"
-#include "shared_values.h"
-#include "trace.h"
-#include "vbformat.h"
+#include "frame/config.h"
+#include "frame/dialog.h"
+#include "frame/profile.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
+#include "frame/vbformat.h"
 
 namespace {
 

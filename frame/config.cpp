@@ -1,4 +1,4 @@
-#include "config.h"
+#include "frame/config.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,9 +9,9 @@
 
 #include <stdexcept>
 
-#include "profile.h"
-#include "shared_values.h"
-#include "vbformat.h"
+#include "frame/profile.h"
+#include "frame/shared_values.h"
+#include "frame/vbformat.h"
 
 ConfigError::ConfigError(const QString& message) : std::runtime_error(message.toStdString()) {}
 

@@ -1,4 +1,4 @@
-#include "dialog.h"
+#include "frame/dialog.h"
 
 #include <QTextStream>
 

@@ -3,11 +3,11 @@
 // and the small conversions of dates, units and text.
 #pragma once
 
-#include "shared_values.h"
-#include "profile.h"
-#include "config.h"
-#include "trace.h"
-#include "dialog.h"
-#include "catalogue.h"
-#include "vbformat.h"
-#include "helpers.h"
+#include "frame/shared_values.h"
+#include "frame/profile.h"
+#include "frame/config.h"
+#include "frame/trace.h"
+#include "frame/dialog.h"
+#include "frame/catalogue.h"
+#include "frame/vbformat.h"
+#include "frame/helpers.h"

@@ -1,4 +1,4 @@
-#include "helpers.h"
+#include "frame/helpers.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -13,9 +13,9 @@
 #include <stdexcept>
 #include <utility>
 
-#include "config.h"
-#include "trace.h"
-#include "vbformat.h"
+#include "frame/config.h"
+#include "frame/trace.h"
+#include "frame/vbformat.h"
 
 namespace {
 

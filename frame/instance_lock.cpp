@@ -1,4 +1,4 @@
-#include "instance_lock.h"
+#include "frame/instance_lock.h"
 
 #include <QCryptographicHash>
 #include <QDir>

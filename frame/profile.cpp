@@ -1,4 +1,4 @@
-#include "profile.h"
+#include "frame/profile.h"
 
 #include <QFile>
 #include <QFileInfo>

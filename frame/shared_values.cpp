@@ -1,4 +1,4 @@
-#include "shared_values.h"
+#include "frame/shared_values.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
-#include "trace.h"
+#include "frame/trace.h"
 
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 
-#include "config.h"
-#include "shared_values.h"
-#include "vbformat.h"
+#include "frame/config.h"
+#include "frame/shared_values.h"
+#include "frame/vbformat.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "vbformat.h"
+#include "frame/vbformat.h"
 
 #include <cmath>
 #include <cstdio>

@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "data_convert.h"
-#include "device.h"
-#include "fuzz_setup.h"
+#include "device/data_convert.h"
+#include "device/device.h"
+#include "fuzz/fuzz_setup.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   FuzzConfigure();

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "fuzz_setup.h"
-#include "profile.h"
+#include "fuzz/fuzz_setup.h"
+#include "frame/profile.h"
 
 namespace {
 QString g_file;

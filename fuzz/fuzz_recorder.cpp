@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "fake_reader.h"
-#include "fuzz_setup.h"
-#include "recorder_dump.h"
+#include "device/fake_reader.h"
+#include "fuzz/fuzz_setup.h"
+#include "device/recorder_dump.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   FuzzConfigure();

@@ -5,8 +5,8 @@
 #include <QFile>
 #include <QTextStream>
 
-#include "device.h"
-#include "recorder_image.h"
+#include "device/device.h"
+#include "device/recorder_image.h"
 
 namespace {
 

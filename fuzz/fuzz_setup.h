@@ -5,9 +5,9 @@
 #include <QDir>
 #include <QString>
 
-#include "profile.h"
-#include "recorder_image.h"
-#include "shared_values.h"
+#include "frame/profile.h"
+#include "device/recorder_image.h"
+#include "frame/shared_values.h"
 
 inline QString FuzzScratchFolder() {
   const QString dir = QDir::tempPath() + QStringLiteral("/vantora-fuzz-%1").arg(::getpid());

@@ -10,7 +10,7 @@
 #include <QTextDocument>
 #include <QTextStream>
 
-#include "pdf_text.h"
+#include "chartmaker/pdf_text.h"
 
 int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -1,9 +1,9 @@
-#include "graph_window.h"
+#include "plan/graph_window.h"
 
 #include <algorithm>
 
 #include "charts/periods.h"
-#include "frame.h"
+#include "frame/frame.h"
 
 namespace plan {
 

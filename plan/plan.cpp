@@ -1,10 +1,10 @@
-#include "plan.h"
+#include "plan/plan.h"
 
 #include <cmath>
 
 #include "charts/day_stats.h"
-#include "frame.h"
-#include "store.h"
+#include "frame/frame.h"
+#include "store/store.h"
 
 namespace plan {
 

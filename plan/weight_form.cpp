@@ -1,12 +1,12 @@
-#include "weight_form.h"
+#include "plan/weight_form.h"
 
 #include <QDir>
 #include <QSaveFile>
 #include <cmath>
 
 #include "charts/day_stats.h"
-#include "frame.h"
-#include "store.h"
+#include "frame/frame.h"
+#include "store/store.h"
 
 namespace plan {
 

@@ -7,7 +7,7 @@
 #include <QDate>
 #include <QString>
 
-#include "plan.h"
+#include "plan/plan.h"
 
 class VtDatabase;
 

@@ -2,11 +2,11 @@
 // reset since its owner's last receive.
 #include <exception>
 
-#include "config.h"
-#include "helpers.h"
-#include "receive.h"
-#include "trace.h"
-#include "vbformat.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
+#include "receive/receive.h"
+#include "frame/trace.h"
+#include "frame/vbformat.h"
 
 namespace {
 

@@ -10,10 +10,10 @@
 #include <memory>
 #include <optional>
 
-#include "device.h"
-#include "dialog.h"
-#include "db_safety.h"
-#include "store.h"
+#include "device/device.h"
+#include "frame/dialog.h"
+#include "store/db_safety.h"
+#include "store/store.h"
 
 // Caller form value while a user screen was opened from the new-recorder question.
 inline const QString kCallerFormNewCpu = QStringLiteral("FORM_NEWCPU");

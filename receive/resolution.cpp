@@ -3,12 +3,12 @@
 #include <QRegularExpression>
 #include <exception>
 
-#include "catalogue.h"
-#include "config.h"
-#include "receive.h"
-#include "shared_values.h"
-#include "trace.h"
-#include "vbformat.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "receive/receive.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
+#include "frame/vbformat.h"
 
 namespace {
 

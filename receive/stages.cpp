@@ -5,12 +5,12 @@
 #include <QFile>
 #include <exception>
 
-#include "catalogue.h"
-#include "config.h"
-#include "helpers.h"
-#include "receive.h"
-#include "shared_values.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
+#include "receive/receive.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
 
 namespace {
 

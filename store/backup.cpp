@@ -1,5 +1,5 @@
-#include "backup.h"
-#include "db_safety.h"
+#include "store/backup.h"
+#include "store/db_safety.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,11 +15,11 @@
 
 #include <sqlcipher/sqlite3.h>
 
-#include "config.h"
-#include "engine.h"
-#include "schema.h"
-#include "store.h"
-#include "trace.h"
+#include "frame/config.h"
+#include "store/engine.h"
+#include "store/schema.h"
+#include "store/store.h"
+#include "frame/trace.h"
 
 namespace {
 

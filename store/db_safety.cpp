@@ -1,4 +1,4 @@
-#include "db_safety.h"
+#include "store/db_safety.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,12 +14,12 @@
 
 #include <sqlcipher/sqlite3.h>
 
-#include "catalogue.h"
-#include "config.h"
-#include "engine.h"
-#include "shared_values.h"
-#include "store.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "store/engine.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
+#include "frame/trace.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "engine.h"
+#include "store/engine.h"
 
 #include <QFileInfo>
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 #include <sqlcipher/sqlite3.h>
 
-#include "vbformat.h"
+#include "frame/vbformat.h"
 
 namespace {
 

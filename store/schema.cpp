@@ -1,10 +1,10 @@
-#include "schema.h"
+#include "store/schema.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 
-#include "engine.h"
+#include "store/engine.h"
 
 namespace {
 

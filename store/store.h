@@ -20,10 +20,10 @@
 #include <optional>
 #include <vector>
 
-#include "engine.h"
-#include "recorder_kinds.h"
-#include "records.h"
-#include "schema.h"
+#include "store/engine.h"
+#include "device/recorder_kinds.h"
+#include "store/records.h"
+#include "store/schema.h"
 
 struct FlashManage;
 struct FlashData;

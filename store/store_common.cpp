@@ -2,13 +2,13 @@
 #include <QDate>
 #include <QFile>
 
-#include "config.h"
-#include "helpers.h"
-#include "catalogue.h"
-#include "store.h"
-#include "store_internal.h"
-#include "trace.h"
-#include "vbformat.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
+#include "frame/catalogue.h"
+#include "store/store.h"
+#include "store/store_internal.h"
+#include "frame/trace.h"
+#include "frame/vbformat.h"
 
 namespace {
 

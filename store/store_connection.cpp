@@ -6,16 +6,16 @@
 #include <utility>
 #include <vector>
 
-#include "db_safety.h"
+#include "store/db_safety.h"
 
-#include "catalogue.h"
-#include "dialog.h"
-#include "helpers.h"
-#include "store.h"
-#include "backup.h"
-#include "store_internal.h"
-#include "trace.h"
-#include "vbformat.h"
+#include "frame/catalogue.h"
+#include "frame/dialog.h"
+#include "frame/helpers.h"
+#include "store/store.h"
+#include "store/backup.h"
+#include "store/store_internal.h"
+#include "frame/trace.h"
+#include "frame/vbformat.h"
 
 using namespace store_detail;
 

@@ -8,9 +8,9 @@
 #include <exception>
 #include <utility>
 
-#include "engine.h"
-#include "records.h"
-#include "schema.h"
+#include "store/engine.h"
+#include "store/records.h"
+#include "store/schema.h"
 
 namespace store_detail {
 

@@ -3,12 +3,12 @@
 #include <QFile>
 #include <array>
 
-#include "config.h"
-#include "device.h"
-#include "helpers.h"
-#include "store.h"
-#include "store_internal.h"
-#include "vbformat.h"
+#include "frame/config.h"
+#include "device/device.h"
+#include "frame/helpers.h"
+#include "store/store.h"
+#include "store/store_internal.h"
+#include "frame/vbformat.h"
 
 using namespace store_detail;
 

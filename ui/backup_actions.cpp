@@ -1,4 +1,4 @@
-#include "backup_actions.h"
+#include "ui/backup_actions.h"
 
 #include <QApplication>
 #include <QDateTime>
@@ -6,11 +6,11 @@
 #include <QFileDialog>
 #include <QFileInfo>
 
-#include "backup.h"
-#include "catalogue.h"
-#include "dialog.h"
-#include "startup.h"
-#include "store.h"
+#include "store/backup.h"
+#include "frame/catalogue.h"
+#include "frame/dialog.h"
+#include "ui/startup.h"
+#include "store/store.h"
 
 namespace {
 

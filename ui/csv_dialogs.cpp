@@ -1,4 +1,4 @@
-#include "csv_dialogs.h"
+#include "ui/csv_dialogs.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -9,14 +9,14 @@
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
-#include "catalogue.h"
-#include "config.h"
-#include "dialog.h"
-#include "form_look.h"
-#include "frmProgressBar.h"
-#include "helpers.h"
-#include "shared_values.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "frame/dialog.h"
+#include "ui/form_look.h"
+#include "ui/frmProgressBar.h"
+#include "frame/helpers.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
 
 namespace {
 

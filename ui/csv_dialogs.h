@@ -14,7 +14,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 
-#include "csv_forms.h"
+#include "exchange/csv_forms.h"
 
 class VtDatabase;
 

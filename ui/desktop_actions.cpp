@@ -1,13 +1,13 @@
-#include "desktop_actions.h"
+#include "ui/desktop_actions.h"
 
-#include "backup_actions.h"
-#include "csv_dialogs.h"
-#include "frmPrinterSetup.h"
-#include "frmSimulationWeight.h"
-#include "frmVersion.h"
-#include "printing.h"
-#include "shared_values.h"
-#include "store.h"
+#include "ui/backup_actions.h"
+#include "ui/csv_dialogs.h"
+#include "ui/frmPrinterSetup.h"
+#include "ui/frmSimulationWeight.h"
+#include "ui/frmVersion.h"
+#include "ui/printing.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // own: printing, the weight plan, CSV, backups, help and version.
 #pragma once
 
-#include "frmTerminal.h"
+#include "ui/frmTerminal.h"
 
 class ChartMaker;
 class VtDatabase;

@@ -1,12 +1,12 @@
-#include "desktop_screens.h"
+#include "ui/desktop_screens.h"
 
-#include "catalogue.h"
-#include "config.h"
-#include "frmProgressBar.h"
-#include "frmUserDelete.h"
-#include "frmUserModify.h"
-#include "frmUserRegist.h"
-#include "receive_questions.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "ui/frmProgressBar.h"
+#include "ui/frmUserDelete.h"
+#include "ui/frmUserModify.h"
+#include "ui/frmUserRegist.h"
+#include "ui/receive_questions.h"
 
 QtUserScreens::QtUserScreens(VtDatabase& db) : db_(db) {}
 

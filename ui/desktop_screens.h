@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "frmTerminal.h"
+#include "ui/frmTerminal.h"
 
 class QtReceiveQuestions;
 

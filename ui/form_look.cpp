@@ -1,9 +1,9 @@
-#include "form_look.h"
+#include "ui/form_look.h"
 
 #include <QPalette>
 #include <QWidget>
 
-#include "shared_values.h"
+#include "frame/shared_values.h"
 
 void ApplyCommonFormLook(QWidget& form) {
   const std::uint32_t c = GetCommonFormBackColor();

@@ -1,4 +1,4 @@
-#include "frmPrinterSetup.h"
+#include "ui/frmPrinterSetup.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -7,11 +7,11 @@
 #include <QStandardPaths>
 #include <QTimer>
 
-#include "catalogue.h"
-#include "chartmaker.h"
-#include "helpers.h"
-#include "shared_values.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "chartmaker/chartmaker.h"
+#include "frame/helpers.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
 
 namespace {
 

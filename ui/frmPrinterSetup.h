@@ -8,7 +8,7 @@
 #include <QPushButton>
 #include <functional>
 
-#include "printing.h"
+#include "ui/printing.h"
 
 class frmPrinterSetup : public QDialog {
   Q_OBJECT

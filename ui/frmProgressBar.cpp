@@ -1,4 +1,4 @@
-#include "frmProgressBar.h"
+#include "ui/frmProgressBar.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -7,9 +7,9 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "form_look.h"
-#include "shared_values.h"
-#include "trace.h"
+#include "ui/form_look.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
 
 frmProgressBar::frmProgressBar(VtDatabase* db, QWidget* parent) : QDialog(parent), driver_(db) {
   setObjectName(QStringLiteral("frmProgressBar"));

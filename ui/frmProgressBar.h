@@ -17,7 +17,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 
-#include "progress_driver.h"
+#include "exchange/progress_driver.h"
 
 class VtDatabase;
 

@@ -1,17 +1,17 @@
-#include "frmSimulationGraph.h"
+#include "ui/frmSimulationGraph.h"
 
 #include <QButtonGroup>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
-#include "charts.h"
-#include "chartmaker.h"
-#include "frame.h"
-#include "ini_picture.h"
-#include "picture_surface.h"
-#include "plan.h"
-#include "store.h"
+#include "charts/charts.h"
+#include "chartmaker/chartmaker.h"
+#include "frame/frame.h"
+#include "ui/ini_picture.h"
+#include "ui/picture_surface.h"
+#include "plan/plan.h"
+#include "store/store.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include <QRadioButton>
 #include <memory>
 
-#include "graph_window.h"
-#include "weight_form.h"
+#include "plan/graph_window.h"
+#include "plan/weight_form.h"
 
 class ChartMaker;
 class PictureSurface;

@@ -1,4 +1,4 @@
-#include "frmSimulationWeight.h"
+#include "ui/frmSimulationWeight.h"
 
 #include <QButtonGroup>
 #include <QFontMetrics>
@@ -9,10 +9,10 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "frame.h"
-#include "frmSimulationGraph.h"
-#include "ini_picture.h"
-#include "picture_surface.h"
+#include "frame/frame.h"
+#include "ui/frmSimulationGraph.h"
+#include "ui/ini_picture.h"
+#include "ui/picture_surface.h"
 
 namespace {
 

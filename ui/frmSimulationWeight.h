@@ -13,8 +13,8 @@
 #include <QRadioButton>
 #include <memory>
 
-#include "chartmaker.h"
-#include "weight_form.h"
+#include "chartmaker/chartmaker.h"
+#include "plan/weight_form.h"
 
 class VtDatabase;
 class PictureSurface;

@@ -1,4 +1,4 @@
-#include "frmTerminal.h"
+#include "ui/frmTerminal.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -20,17 +20,17 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-#include "catalogue.h"
-#include "printing.h"
-#include "form_look.h"
-#include "config.h"
-#include "helpers.h"
-#include "ini_picture.h"
-#include "make_chart.h"
-#include "receive_screens.h"
-#include "shared_values.h"
-#include "startup.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "ui/printing.h"
+#include "ui/form_look.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
+#include "ui/ini_picture.h"
+#include "charts/make_chart.h"
+#include "ui/receive_screens.h"
+#include "frame/shared_values.h"
+#include "ui/startup.h"
+#include "frame/trace.h"
 
 namespace {
 

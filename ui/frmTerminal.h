@@ -10,10 +10,10 @@
 #include <array>
 #include <functional>
 
-#include "chartmaker.h"
-#include "ranges.h"
-#include "receive.h"
-#include "terminal_logic.h"
+#include "chartmaker/chartmaker.h"
+#include "charts/ranges.h"
+#include "receive/receive.h"
+#include "ui/terminal_logic.h"
 
 class QAbstractButton;
 class QActionGroup;

@@ -1,12 +1,12 @@
-#include "frmUserDelete.h"
+#include "ui/frmUserDelete.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "catalogue.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "frame/trace.h"
 
 namespace {
 const QString kSection = QStringLiteral("USERDELETE");

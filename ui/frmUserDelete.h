@@ -4,8 +4,8 @@
 
 #include <QStringList>
 
-#include "modal_screen.h"
-#include "user_logic.h"
+#include "ui/modal_screen.h"
+#include "ui/user_logic.h"
 
 class QLabel;
 class QPushButton;

@@ -1,8 +1,8 @@
-#include "frmUserModify.h"
+#include "ui/frmUserModify.h"
 
 #include <QTimer>
 
-#include "trace.h"
+#include "frame/trace.h"
 
 frmUserModify::frmUserModify(VtDatabase& db, const QString& userId, QWidget* parent)
     : UserFormDialog(db, UserFormLogic::Mode::Modify, userId, parent) {

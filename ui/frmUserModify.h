@@ -2,7 +2,7 @@
 // the same fields, checks and layout, other message codes.
 #pragma once
 
-#include "user_form_dialog.h"
+#include "ui/user_form_dialog.h"
 
 class frmUserModify : public UserFormDialog {
   Q_OBJECT

@@ -1,6 +1,6 @@
-#include "frmUserRegist.h"
+#include "ui/frmUserRegist.h"
 
-#include "trace.h"
+#include "frame/trace.h"
 
 frmUserRegist::frmUserRegist(VtDatabase& db, const QString& callerForm, QWidget* parent)
     : UserFormDialog(db, UserFormLogic::Mode::Regist, QString(), parent), callerForm_(callerForm) {

@@ -3,7 +3,7 @@
 // to that question (the receive workflow takes care of it).
 #pragma once
 
-#include "user_form_dialog.h"
+#include "ui/user_form_dialog.h"
 
 class frmUserRegist : public UserFormDialog {
   Q_OBJECT

@@ -1,4 +1,4 @@
-#include "frmUserSelectDialog.h"
+#include "ui/frmUserSelectDialog.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
@@ -6,10 +6,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "catalogue.h"
-#include "ini_picture.h"
-#include "shared_values.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "ui/ini_picture.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <QListWidget>
 #include <memory>
 
-#include "modal_screen.h"
-#include "user_logic.h"
+#include "ui/modal_screen.h"
+#include "ui/user_logic.h"
 
 class QLabel;
 class QPushButton;

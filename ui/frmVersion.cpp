@@ -1,4 +1,4 @@
-#include "frmVersion.h"
+#include "ui/frmVersion.h"
 
 #include <QDesktopServices>
 #include <QFileInfo>
@@ -7,12 +7,12 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
-#include "catalogue.h"
-#include "config.h"
-#include "helpers.h"
-#include "ini_picture.h"
-#include "shared_values.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
+#include "ui/ini_picture.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
 
 namespace {
 

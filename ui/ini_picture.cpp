@@ -1,12 +1,12 @@
-#include "ini_picture.h"
+#include "ui/ini_picture.h"
 
 #include <QAbstractButton>
 #include <QIcon>
 #include <QImageReader>
 #include <QLabel>
 
-#include "catalogue.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "frame/trace.h"
 
 bool LoadIniPicture(const QString& section, const QString& key, QPixmap& picture) {
   // GetIniPicturePath logs a missing file itself.

@@ -1,4 +1,4 @@
-#include "modal_screen.h"
+#include "ui/modal_screen.h"
 
 #include <QApplication>
 #include <QGridLayout>
@@ -9,10 +9,10 @@
 #include <QPushButton>
 #include <QShowEvent>
 
-#include "catalogue.h"
-#include "ini_picture.h"
-#include "shared_values.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "ui/ini_picture.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <QString>
 #include <array>
 
-#include "receive.h"
+#include "receive/receive.h"
 
 class QHBoxLayout;
 class QLabel;

@@ -4,7 +4,7 @@
 #include <QLabel>
 #include <QPixmap>
 
-#include "chartmaker.h"
+#include "chartmaker/chartmaker.h"
 
 class PictureSurface : public QLabel, public ChartSurface {
  public:

@@ -1,17 +1,17 @@
-#include "printing.h"
+#include "ui/printing.h"
 
 #include <QDir>
 #include <QPageSize>
 #include <QPrinterInfo>
 #include <QSet>
 
-#include "catalogue.h"
-#include "chartmaker.h"
-#include "config.h"
-#include "helpers.h"
-#include "report_printer.h"
-#include "shared_values.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "chartmaker/chartmaker.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
+#include "chartmaker/report_printer.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
 
 // ---------------------------------------------------------------- printer lists
 

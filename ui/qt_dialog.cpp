@@ -1,4 +1,4 @@
-#include "qt_dialog.h"
+#include "ui/qt_dialog.h"
 
 #include <QMessageBox>
 

@@ -4,7 +4,7 @@
 #include <QPointer>
 #include <QWidget>
 
-#include "dialog.h"
+#include "frame/dialog.h"
 
 class QtDialog : public DialogInterface {
  public:

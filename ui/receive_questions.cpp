@@ -1,8 +1,8 @@
-#include "receive_questions.h"
+#include "ui/receive_questions.h"
 
-#include "frmUserRegist.h"
-#include "frmUserSelectDialog.h"
-#include "recv_dialogs.h"
+#include "ui/frmUserRegist.h"
+#include "ui/frmUserSelectDialog.h"
+#include "ui/recv_dialogs.h"
 
 QtReceiveQuestions::QtReceiveQuestions(QWidget* parent) : parent_(parent) {}
 

@@ -5,7 +5,7 @@
 #include <QPointer>
 #include <QWidget>
 
-#include "receive.h"
+#include "receive/receive.h"
 
 class QtReceiveQuestions : public ReceiveQuestions {
  public:

@@ -1,4 +1,4 @@
-#include "receive_screens.h"
+#include "ui/receive_screens.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -14,9 +14,9 @@
 #include <QVBoxLayout>
 #include <cmath>
 
-#include "catalogue.h"
-#include "form_look.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "ui/form_look.h"
+#include "frame/trace.h"
 
 // ---------------------------------------------------------------- clock
 

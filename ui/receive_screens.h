@@ -17,8 +17,8 @@
 #include <QDialog>
 #include <QPointer>
 
-#include "receive.h"
-#include "transport.h"
+#include "receive/receive.h"
+#include "device/transport.h"
 
 class QLabel;
 class QMovie;

@@ -1,4 +1,4 @@
-#include "recv_dialogs.h"
+#include "ui/recv_dialogs.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -6,7 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "catalogue.h"
+#include "frame/catalogue.h"
 
 namespace {
 

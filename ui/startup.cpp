@@ -1,4 +1,4 @@
-#include "startup.h"
+#include "ui/startup.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -11,15 +11,15 @@
 #include <QUrl>
 #include <cmath>
 
-#include "catalogue.h"
-#include "chartmaker.h"
-#include "config.h"
-#include "dialog.h"
-#include "helpers.h"
-#include "instance_lock.h"
-#include "shared_values.h"
-#include "store.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "chartmaker/chartmaker.h"
+#include "frame/config.h"
+#include "frame/dialog.h"
+#include "frame/helpers.h"
+#include "frame/instance_lock.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
+#include "frame/trace.h"
 
 // ---- platforms ----
 

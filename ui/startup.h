@@ -9,7 +9,7 @@
 #include <functional>
 #include <memory>
 
-#include "db_safety.h"
+#include "store/db_safety.h"
 
 class ChartMaker;
 class ProgressInterface;

@@ -1,10 +1,10 @@
-#include "terminal_logic.h"
+#include "ui/terminal_logic.h"
 
 #include <algorithm>
 
-#include "receive.h"
-#include "shared_values.h"
-#include "transport.h"
+#include "receive/receive.h"
+#include "frame/shared_values.h"
+#include "device/transport.h"
 
 MenuState MenuStateFor(const QString& screenState, const QString& focusState, bool groupHasUsers,
                        bool recorderHandled, const QString& dataState) {

@@ -7,7 +7,7 @@
 #include <functional>
 #include <vector>
 
-#include "store.h"
+#include "store/store.h"
 
 class DeviceClock;
 class TavoReader;

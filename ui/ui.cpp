@@ -1,1 +1,1 @@
-#include "ui.h"
+#include "ui/ui.h"

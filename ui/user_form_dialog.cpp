@@ -1,4 +1,4 @@
-#include "user_form_dialog.h"
+#include "ui/user_form_dialog.h"
 
 #include <QEvent>
 #include <QGridLayout>
@@ -10,7 +10,7 @@
 #include <QVBoxLayout>
 #include <functional>
 
-#include "catalogue.h"
+#include "frame/catalogue.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <QRadioButton>
 #include <array>
 
-#include "modal_screen.h"
-#include "user_logic.h"
+#include "ui/modal_screen.h"
+#include "ui/user_logic.h"
 
 class QGroupBox;
 class QLabel;

@@ -1,12 +1,12 @@
-#include "user_logic.h"
+#include "ui/user_logic.h"
 
-#include "catalogue.h"
-#include "config.h"
-#include "helpers.h"
-#include "schema.h"
-#include "shared_values.h"
-#include "trace.h"
-#include "vbformat.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
+#include "store/schema.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
+#include "frame/vbformat.h"
 
 namespace {
 

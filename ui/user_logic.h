@@ -9,8 +9,8 @@
 #include <array>
 #include <vector>
 
-#include "receive.h"
-#include "store.h"
+#include "receive/receive.h"
+#include "store/store.h"
 
 // ---- input filters and number forms of the target fields ----
 

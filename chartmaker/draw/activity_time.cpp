@@ -1,4 +1,4 @@
-#include "draw/bar_chart.h"
+#include "chartmaker/draw/bar_chart.h"
 
 namespace chartdraw {
 

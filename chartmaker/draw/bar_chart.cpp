@@ -1,10 +1,10 @@
-#include "draw/bar_chart.h"
+#include "chartmaker/draw/bar_chart.h"
 
 #include <QFontMetricsF>
 #include <algorithm>
 #include <cmath>
 
-#include "draw/layout.h"
+#include "chartmaker/draw/layout.h"
 
 namespace chartdraw {
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "draw/common.h"
+#include "chartmaker/draw/common.h"
 
 namespace chartdraw {
 

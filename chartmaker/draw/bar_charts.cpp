@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "draw/bar_chart.h"
+#include "chartmaker/draw/bar_chart.h"
 
 namespace chartdraw {
 

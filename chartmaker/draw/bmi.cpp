@@ -1,7 +1,7 @@
 #include <QFontMetricsF>
 #include <algorithm>
 
-#include "draw/charts.h"
+#include "chartmaker/draw/charts.h"
 
 namespace chartdraw {
 

@@ -3,8 +3,8 @@
 
 #include <optional>
 
-#include "chartdraw.h"
-#include "draw/common.h"
+#include "chartmaker/chartdraw.h"
+#include "chartmaker/draw/common.h"
 
 namespace chartdraw {
 

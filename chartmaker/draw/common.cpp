@@ -1,11 +1,11 @@
-#include "draw/common.h"
+#include "chartmaker/draw/common.h"
 
 #include <QFontMetricsF>
 #include <QLocale>
 #include <algorithm>
 #include <cmath>
 
-#include "draw/layout.h"
+#include "chartmaker/draw/layout.h"
 
 namespace chartdraw {
 

@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-#include "chartfiles.h"
-#include "chartsettings.h"
+#include "chartmaker/chartfiles.h"
+#include "chartmaker/chartsettings.h"
 
 namespace chartdraw {
 

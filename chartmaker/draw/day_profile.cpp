@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "draw/charts.h"
+#include "chartmaker/draw/charts.h"
 
 namespace chartdraw {
 

@@ -1,10 +1,10 @@
-#include "chartdraw.h"
+#include "chartmaker/chartdraw.h"
 
 #include <algorithm>
 
-#include "chartmaker.h"
-#include "draw/bar_chart.h"
-#include "draw/charts.h"
+#include "chartmaker/chartmaker.h"
+#include "chartmaker/draw/bar_chart.h"
+#include "chartmaker/draw/charts.h"
 
 using namespace chartdraw;
 

@@ -1,8 +1,8 @@
 #include <QFontMetricsF>
 #include <algorithm>
 
-#include "draw/bar_chart.h"
-#include "draw/charts.h"
+#include "chartmaker/draw/bar_chart.h"
+#include "chartmaker/draw/charts.h"
 
 namespace chartdraw {
 

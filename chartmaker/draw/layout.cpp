@@ -1,4 +1,4 @@
-#include "draw/layout.h"
+#include "chartmaker/draw/layout.h"
 
 #include <algorithm>
 #include <cmath>

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "chartfiles.h"
+#include "chartmaker/chartfiles.h"
 
 namespace chartdraw {
 

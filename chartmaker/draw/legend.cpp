@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "draw/common.h"
+#include "chartmaker/draw/common.h"
 
 namespace chartdraw {
 

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <array>
 
-#include "draw/charts.h"
-#include "draw/layout.h"
+#include "chartmaker/draw/charts.h"
+#include "chartmaker/draw/layout.h"
 
 namespace chartdraw {
 

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <tuple>
 
-#include "draw/charts.h"
-#include "draw/layout.h"
+#include "chartmaker/draw/charts.h"
+#include "chartmaker/draw/layout.h"
 
 namespace chartdraw {
 

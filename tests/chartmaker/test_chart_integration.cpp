@@ -8,15 +8,15 @@
 #include <QImage>
 #include <QSet>
 
-#include "chartfiles.h"
-#include "chartmaker.h"
-#include "charts.h"
-#include "data_convert.h"
-#include "frame.h"
-#include "recorder_image.h"
-#include "store.h"
-#include "test_installation.h"
-#include "sample_user.h"
+#include "chartmaker/chartfiles.h"
+#include "chartmaker/chartmaker.h"
+#include "charts/charts.h"
+#include "device/data_convert.h"
+#include "frame/frame.h"
+#include "device/recorder_image.h"
+#include "store/store.h"
+#include "testsupport/test_installation.h"
+#include "testsupport/sample_user.h"
 
 namespace {
 

@@ -9,11 +9,11 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
-#include "chart_fixtures.h"
-#include "chartdraw.h"
-#include "chartfiles.h"
-#include "chartmaker.h"
-#include "chartsettings.h"
+#include "testsupport/chart_fixtures.h"
+#include "chartmaker/chartdraw.h"
+#include "chartmaker/chartfiles.h"
+#include "chartmaker/chartmaker.h"
+#include "chartmaker/chartsettings.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include <QTemporaryDir>
 #include <cmath>
 
-#include "chart_fixtures.h"
-#include "chartdraw.h"
-#include "draw/layout.h"
+#include "testsupport/chart_fixtures.h"
+#include "chartmaker/chartdraw.h"
+#include "chartmaker/draw/layout.h"
 
 using namespace chartdraw;
 

@@ -7,13 +7,13 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
-#include "charts.h"
-#include "data_convert.h"
-#include "frame.h"
-#include "recorder_image.h"
-#include "store.h"
-#include "test_installation.h"
-#include "sample_user.h"
+#include "charts/charts.h"
+#include "device/data_convert.h"
+#include "frame/frame.h"
+#include "device/recorder_image.h"
+#include "store/store.h"
+#include "testsupport/test_installation.h"
+#include "testsupport/sample_user.h"
 
 using namespace charts;
 

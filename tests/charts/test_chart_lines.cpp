@@ -1,7 +1,7 @@
 // Day list rules, aggregates and the lines of the chart files, from records in memory.
 #include <gtest/gtest.h>
 
-#include "charts.h"
+#include "charts/charts.h"
 #include "frame/helpers.h"
 
 using namespace charts;

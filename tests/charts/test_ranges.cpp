@@ -3,8 +3,8 @@
 
 #include <QRegularExpression>
 
-#include "charts.h"
-#include "test_installation.h"
+#include "charts/charts.h"
+#include "testsupport/test_installation.h"
 
 using namespace charts;
 

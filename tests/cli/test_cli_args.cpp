@@ -6,7 +6,7 @@
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
 
-#include "test_installation.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <limits>
 #include <vector>
 
-#include "device.h"
+#include "device/device.h"
 
 namespace {
 

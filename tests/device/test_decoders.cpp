@@ -4,7 +4,7 @@
 #include <QByteArray>
 #include <functional>
 
-#include "device.h"
+#include "device/device.h"
 
 namespace {
 

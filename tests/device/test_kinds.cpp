@@ -1,9 +1,9 @@
 // Kind and language of a recorder, acceptance by the installation, the ring.
 #include <gtest/gtest.h>
 
-#include "device.h"
-#include "device_test_util.h"
-#include "test_installation.h"
+#include "device/device.h"
+#include "testsupport/device_test_util.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

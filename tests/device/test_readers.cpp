@@ -5,9 +5,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "device.h"
-#include "device_test_util.h"
-#include "test_installation.h"
+#include "device/device.h"
+#include "testsupport/device_test_util.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

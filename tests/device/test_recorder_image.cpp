@@ -11,8 +11,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include "device.h"
-#include "test_installation.h"
+#include "device/device.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 
 #include <QFile>
 
-#include "device.h"
-#include "fake_reader.h"
-#include "device_test_util.h"
-#include "test_installation.h"
+#include "device/device.h"
+#include "device/fake_reader.h"
+#include "testsupport/device_test_util.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

@@ -11,11 +11,11 @@
 #include <QSet>
 #include <QTemporaryDir>
 
-#include "catalogue.h"
-#include "config.h"
-#include "helpers.h"
-#include "profile.h"
-#include "shared_values.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
+#include "frame/profile.h"
+#include "frame/shared_values.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <QDir>
 #include <QStringDecoder>
 
-#include "exchange_fixture.h"
+#include "testsupport/exchange_fixture.h"
 
 namespace {
 

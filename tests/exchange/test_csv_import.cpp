@@ -4,7 +4,7 @@
 #include <QFileInfo>
 #include <map>
 
-#include "exchange_fixture.h"
+#include "testsupport/exchange_fixture.h"
 
 namespace {
 

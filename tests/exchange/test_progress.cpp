@@ -1,7 +1,7 @@
 // The progress driver: its bar, its cancel between users, and the operations it runs.
 #include <QDir>
 
-#include "exchange_fixture.h"
+#include "testsupport/exchange_fixture.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <QRegularExpression>
 #include <QStringEncoder>
 
-#include "catalogue.h"
-#include "shared_values.h"
-#include "test_installation.h"
+#include "frame/catalogue.h"
+#include "frame/shared_values.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

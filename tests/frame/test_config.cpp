@@ -3,10 +3,10 @@
 #include <QDir>
 #include <QFile>
 
-#include "config.h"
-#include "profile.h"
-#include "shared_values.h"
-#include "test_installation.h"
+#include "frame/config.h"
+#include "frame/profile.h"
+#include "frame/shared_values.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

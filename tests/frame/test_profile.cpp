@@ -5,7 +5,7 @@
 #include <QStringEncoder>
 #include <QTemporaryDir>
 
-#include "profile.h"
+#include "frame/profile.h"
 
 namespace {
 

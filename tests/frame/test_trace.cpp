@@ -6,9 +6,9 @@
 
 #include <stdexcept>
 
-#include "shared_values.h"
-#include "test_installation.h"
-#include "trace.h"
+#include "frame/shared_values.h"
+#include "testsupport/test_installation.h"
+#include "frame/trace.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 
 #include <stdexcept>
 
-#include "config.h"
-#include "helpers.h"
-#include "test_installation.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

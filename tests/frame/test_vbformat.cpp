@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "vbformat.h"
+#include "frame/vbformat.h"
 
 namespace {
 

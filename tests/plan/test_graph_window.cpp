@@ -4,8 +4,8 @@
 //   k=3 26 Aug-22 Sep, k=4 23 Sep-20 Oct, k=5 21 Oct-17 Nov, k=6 18 Nov-15 Dec.
 #include <gtest/gtest.h>
 
-#include "graph_window.h"
-#include "test_installation.h"
+#include "plan/graph_window.h"
+#include "testsupport/test_installation.h"
 
 using plan::GraphWindow;
 

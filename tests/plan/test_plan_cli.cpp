@@ -6,9 +6,9 @@
 #include <QProcess>
 #include <gtest/gtest.h>
 
-#include "frame.h"
-#include "sample_user.h"
-#include "weight_form.h"
+#include "frame/frame.h"
+#include "testsupport/sample_user.h"
+#include "plan/weight_form.h"
 
 namespace {
 

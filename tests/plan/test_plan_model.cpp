@@ -2,9 +2,9 @@
 // in the comment, so a failing figure can be checked without the code.
 #include <gtest/gtest.h>
 
-#include "frame.h"
-#include "plan.h"
-#include "test_installation.h"
+#include "frame/frame.h"
+#include "plan/plan.h"
+#include "testsupport/test_installation.h"
 
 using namespace plan;
 

@@ -5,9 +5,9 @@
 
 #include <memory>
 
-#include "frame.h"
-#include "sample_user.h"
-#include "weight_form.h"
+#include "frame/frame.h"
+#include "testsupport/sample_user.h"
+#include "plan/weight_form.h"
 
 using namespace plan;
 

@@ -3,8 +3,8 @@
 #include <QFileInfo>
 #include <QProcess>
 
-#include "catalogue.h"
-#include "receive_fixture.h"
+#include "frame/catalogue.h"
+#include "testsupport/receive_fixture.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Faults and cancels at every point: each ending reports its codes and leaves the
 // database as it was, apart from the overlap day that the page arithmetic deletes.
-#include "receive_fixture.h"
+#include "testsupport/receive_fixture.h"
 
 using Answer = ReceiveQuestions::NewCpuAnswer;
 

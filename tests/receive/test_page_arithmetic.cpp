@@ -1,5 +1,5 @@
 // Page arithmetic of the ring and the reset test, on hand-made management records.
-#include "receive_fixture.h"
+#include "testsupport/receive_fixture.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // What a receive must never do: store a recorder with impossible page numbers, report
 // pages it skipped as stored, run beside another writer, or store a retry's user twice.
-#include "catalogue.h"
-#include "receive_fixture.h"
+#include "frame/catalogue.h"
+#include "testsupport/receive_fixture.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <QFileInfo>
 #include <algorithm>
 
-#include "receive_fixture.h"
+#include "testsupport/receive_fixture.h"
 
 using Answer = ReceiveQuestions::NewCpuAnswer;
 using Scenario = ReceiveFixture;

@@ -9,9 +9,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "backup.h"
-#include "config.h"
-#include "store_fixture.h"
+#include "store/backup.h"
+#include "frame/config.h"
+#include "testsupport/store_fixture.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 
 #include <sqlcipher/sqlite3.h>
 
-#include "catalogue.h"
-#include "store_fixture.h"
+#include "frame/catalogue.h"
+#include "testsupport/store_fixture.h"
 
 namespace {
 

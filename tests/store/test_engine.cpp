@@ -4,7 +4,7 @@
 #include <chrono>
 #include <thread>
 
-#include "store_fixture.h"
+#include "testsupport/store_fixture.h"
 
 namespace {
 

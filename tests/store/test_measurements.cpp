@@ -1,8 +1,8 @@
 // Days and profiles as stored from a recorder or a CSV file, and the chart queries.
 #include <QFile>
 
-#include "device.h"
-#include "store_fixture.h"
+#include "device/device.h"
+#include "testsupport/store_fixture.h"
 
 namespace {
 

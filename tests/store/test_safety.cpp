@@ -6,12 +6,12 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include "catalogue.h"
-#include "config.h"
-#include "db_safety.h"
-#include "store_fixture.h"
-#include "shared_values.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "store/db_safety.h"
+#include "testsupport/store_fixture.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
 
 namespace {
 

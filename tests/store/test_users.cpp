@@ -1,7 +1,7 @@
 // Users, groups, recorders and general items.
-#include "device.h"
-#include "catalogue.h"
-#include "store_fixture.h"
+#include "device/device.h"
+#include "frame/catalogue.h"
+#include "testsupport/store_fixture.h"
 
 namespace {
 

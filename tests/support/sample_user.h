@@ -4,11 +4,11 @@
 
 #include <QString>
 
-#include "device.h"
-#include "recorder_image.h"
-#include "shared_values.h"
-#include "store.h"
-#include "test_installation.h"
+#include "device/device.h"
+#include "device/recorder_image.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
+#include "testsupport/test_installation.h"
 
 // Hana Sato, 41, 160 cm, 60 kg, with step and calorie targets, in the default group.
 inline UserRecord SampleUser(const QString& userId) {

@@ -1,13 +1,13 @@
-#include "test_installation.h"
+#include "testsupport/test_installation.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
-#include "catalogue.h"
-#include "config.h"
-#include "profile.h"
-#include "shared_values.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
+#include "frame/profile.h"
+#include "frame/shared_values.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 
 #include <ostream>
 
-#include "dialog.h"
+#include "frame/dialog.h"
 
 class TestInstallation {
  public:

@@ -12,15 +12,15 @@
 #include <QTimer>
 #include <cstdio>
 
-#include "catalogue.h"
-#include "chartmaker.h"
-#include "config.h"
-#include "frmTerminal.h"
-#include "readers.h"
-#include "receive_screens.h"
-#include "shared_values.h"
-#include "store.h"
-#include "trace.h"
+#include "frame/catalogue.h"
+#include "chartmaker/chartmaker.h"
+#include "frame/config.h"
+#include "ui/frmTerminal.h"
+#include "device/readers.h"
+#include "ui/receive_screens.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
+#include "frame/trace.h"
 
 namespace {
 

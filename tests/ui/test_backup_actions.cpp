@@ -3,12 +3,12 @@
 #include <QFileInfo>
 #include <gtest/gtest.h>
 
-#include "backup.h"
-#include "backup_actions.h"
-#include "catalogue.h"
-#include "dialog.h"
-#include "store.h"
-#include "store_fixture.h"
+#include "store/backup.h"
+#include "ui/backup_actions.h"
+#include "frame/catalogue.h"
+#include "frame/dialog.h"
+#include "store/store.h"
+#include "testsupport/store_fixture.h"
 
 namespace {
 

@@ -11,15 +11,15 @@
 #include <QUrl>
 #include <gtest/gtest.h>
 
-#include "catalogue.h"
-#include "chart_fixtures.h"
-#include "chartmaker.h"
-#include "config.h"
-#include "frmPrinterSetup.h"
-#include "frmVersion.h"
-#include "printing.h"
-#include "shared_values.h"
-#include "test_installation.h"
+#include "frame/catalogue.h"
+#include "testsupport/chart_fixtures.h"
+#include "chartmaker/chartmaker.h"
+#include "frame/config.h"
+#include "ui/frmPrinterSetup.h"
+#include "ui/frmVersion.h"
+#include "ui/printing.h"
+#include "frame/shared_values.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

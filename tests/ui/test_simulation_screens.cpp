@@ -8,11 +8,11 @@
 
 #include <memory>
 
-#include "frame.h"
-#include "frmSimulationGraph.h"
-#include "frmSimulationWeight.h"
-#include "picture_surface.h"
-#include "sample_user.h"
+#include "frame/frame.h"
+#include "ui/frmSimulationGraph.h"
+#include "ui/frmSimulationWeight.h"
+#include "ui/picture_surface.h"
+#include "testsupport/sample_user.h"
 
 namespace {
 

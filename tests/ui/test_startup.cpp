@@ -7,15 +7,15 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-#include "catalogue.h"
-#include "chart_fixtures.h"
-#include "chartmaker.h"
-#include "config.h"
-#include "helpers.h"
-#include "shared_values.h"
-#include "startup.h"
-#include "store.h"
-#include "test_installation.h"
+#include "frame/catalogue.h"
+#include "testsupport/chart_fixtures.h"
+#include "chartmaker/chartmaker.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
+#include "frame/shared_values.h"
+#include "ui/startup.h"
+#include "store/store.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

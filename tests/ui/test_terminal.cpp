@@ -12,9 +12,9 @@
 
 #include <QLineEdit>
 
-#include "fake_reader.h"
-#include "sample_user.h"
-#include "terminal_fixture.h"
+#include "device/fake_reader.h"
+#include "testsupport/sample_user.h"
+#include "testsupport/terminal_fixture.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // The user screens' logic without widgets: filters, the checks at their bounds and in
 // their order, the store's answers turned into messages, selection and deletion.
-#include "config.h"
-#include "user_fixture.h"
-#include "user_logic.h"
+#include "frame/config.h"
+#include "testsupport/user_fixture.h"
+#include "ui/user_logic.h"
 
 namespace {
 

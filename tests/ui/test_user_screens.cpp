@@ -7,13 +7,13 @@
 #include <QPushButton>
 #include <QtTest/QTest>
 
-#include "frmUserDelete.h"
-#include "frmUserModify.h"
-#include "frmUserRegist.h"
-#include "frmUserSelectDialog.h"
-#include "receive_questions.h"
-#include "screen_script.h"
-#include "user_fixture.h"
+#include "ui/frmUserDelete.h"
+#include "ui/frmUserModify.h"
+#include "ui/frmUserRegist.h"
+#include "ui/frmUserSelectDialog.h"
+#include "ui/receive_questions.h"
+#include "testsupport/screen_script.h"
+#include "testsupport/user_fixture.h"
 
 namespace {
 

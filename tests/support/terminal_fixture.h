@@ -11,16 +11,16 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-#include "chartmaker.h"
-#include "config.h"
-#include "desktop_screens.h"
-#include "frmTerminal.h"
-#include "readers.h"
-#include "receive_screens.h"
-#include "recorder_image.h"
-#include "shared_values.h"
-#include "store.h"
-#include "test_installation.h"
+#include "chartmaker/chartmaker.h"
+#include "frame/config.h"
+#include "ui/desktop_screens.h"
+#include "ui/frmTerminal.h"
+#include "device/readers.h"
+#include "ui/receive_screens.h"
+#include "device/recorder_image.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
+#include "testsupport/test_installation.h"
 
 // Answers the questions from fields and records what was asked.
 class ScriptedScreens : public TerminalScreens, public ReceiveQuestions {

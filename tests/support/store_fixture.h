@@ -7,8 +7,8 @@
 #include <QRegularExpression>
 #include <memory>
 
-#include "store.h"
-#include "test_installation.h"
+#include "store/store.h"
+#include "testsupport/test_installation.h"
 
 class StoreTest : public ::testing::Test {
  protected:

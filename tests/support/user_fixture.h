@@ -8,14 +8,14 @@
 #include <QFile>
 #include <memory>
 
-#include "catalogue.h"
-#include "device.h"
-#include "receive.h"
-#include "recorder_image.h"
-#include "sample_user.h"
-#include "shared_values.h"
-#include "store.h"
-#include "test_installation.h"
+#include "frame/catalogue.h"
+#include "device/device.h"
+#include "receive/receive.h"
+#include "device/recorder_image.h"
+#include "testsupport/sample_user.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
+#include "testsupport/test_installation.h"
 
 class UserScreenFixture : public ::testing::Test {
  protected:

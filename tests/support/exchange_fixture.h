@@ -9,11 +9,11 @@
 
 #include <memory>
 
-#include "exchange.h"
-#include "frame.h"
-#include "sample_user.h"
-#include "store.h"
-#include "test_installation.h"
+#include "exchange/exchange.h"
+#include "frame/frame.h"
+#include "testsupport/sample_user.h"
+#include "store/store.h"
+#include "testsupport/test_installation.h"
 
 inline const QString kCsvUser = QStringLiteral("U000000001");
 

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include "test_installation.h"
+#include "testsupport/test_installation.h"
 
 // True when the installation's trace log holds the line "|level|name|message" (the
 // log pads short names to a fixed width).

@@ -10,12 +10,12 @@
 #include <deque>
 #include <memory>
 
-#include "device.h"
-#include "fake_reader.h"
-#include "receive.h"
-#include "shared_values.h"
-#include "store.h"
-#include "test_installation.h"
+#include "device/device.h"
+#include "device/fake_reader.h"
+#include "receive/receive.h"
+#include "frame/shared_values.h"
+#include "store/store.h"
+#include "testsupport/test_installation.h"
 
 // Answers queued by the test; an empty queue answers cancel.
 class ScriptedQuestions : public ReceiveQuestions {

@@ -1,0 +1,1 @@
+#include "chartmaker/chartmaker.h"

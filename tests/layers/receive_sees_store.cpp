@@ -1,0 +1,2 @@
+#include "receive/receive.h"
+#include "store/store.h"

@@ -1,0 +1,1 @@
+#include "receive/receive.h"
