@@ -209,10 +209,7 @@ int cmd_check(const QStringList& args) {
   if (path.isEmpty()) path = kDefaultDbPath;
   if (QFileInfo::exists(QStringLiteral("ACTA.res"))) LoadResource();
   InstallationLock lock(path);
-  if (!lock.acquire()) {
-    MessageDialog(QStringLiteral("COMN-W-0001"));
-    return 1;
-  }
+  if (!AcquireForWriting(lock)) return 1;
   // The check the desktop runs at start: recovery from a good copy, rekey of an older
   // database, or the reason why there is no usable database.
   const DatabaseStartResult r = PrepareDatabaseAtStart(path);

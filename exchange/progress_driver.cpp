@@ -5,6 +5,7 @@
 
 #include "exchange/csv_batch.h"
 #include "frame/shared_values.h"
+#include "store/db_safety.h"
 #include "store/store.h"
 #include "frame/trace.h"
 
@@ -139,6 +140,8 @@ int ProgressDriver::run() {
 }
 
 int DeleteGroup(VtDatabase& db, const QString& groupId, ProgressInterface& progress) {
+  InstallationLock lock(db.path());
+  if (!AcquireForWriting(lock)) return 3;
   std::vector<UserInfo> users;
   GetUserList(db, groupId, users);
   progress.setMaximum(static_cast<int>(users.size()) + 1);

@@ -4,6 +4,7 @@
 
 #include "charts/day_stats.h"
 #include "frame/frame.h"
+#include "store/db_safety.h"
 #include "store/store.h"
 
 namespace plan {
@@ -262,6 +263,8 @@ CheckResult CheckPlanFigures(const QString& startWeight, const QString& targetWe
 // ---- the saved plan ----
 
 bool SaveWeightPlan(VtDatabase& db, const WeightPlanRecord& record) {
+  InstallationLock lock(db.path());
+  if (!AcquireForWriting(lock)) return false;
   bool ok = VTDB_BeginTrans(db);
   if (ok) {
     ok = SetWeightPlan(db, record) && VTDB_CommitTrans(db);

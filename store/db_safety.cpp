@@ -16,6 +16,7 @@
 
 #include "frame/catalogue.h"
 #include "frame/config.h"
+#include "frame/dialog.h"
 #include "store/engine.h"
 #include "frame/shared_values.h"
 #include "store/store.h"
@@ -417,3 +418,10 @@ void InstallationLock::release() {
 bool InstallationLock::held() const { return impl_->file.isLocked(); }
 
 QString InstallationLock::path() const { return impl_->path; }
+
+bool AcquireForWriting(InstallationLock& lock) {
+  if (lock.acquire()) return true;
+  WriteTrace(QStringLiteral("1"), QStringLiteral("InstallationLock"), QStringLiteral("busy: ") + lock.path());
+  MessageDialog(QStringLiteral("COMN-W-0001"));
+  return false;
+}

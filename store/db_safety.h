@@ -93,8 +93,9 @@ bool MakePrivateFile(const QString& path);
 // ---- one writer at a time ----
 
 // The lock of an installation: a lock file beside the database. Every writer (the
-// window's receives and closing, each command of the tool that writes) holds it while it
-// writes; a lock left by a process that died is taken over.
+// window's receives, user changes, weight plans, imports, group deletion and closing;
+// each command of the tool that writes) holds it while it writes; a lock left by a
+// process that died is taken over.
 class InstallationLock {
  public:
   explicit InstallationLock(const QString& dbPath);
@@ -112,3 +113,7 @@ class InstallationLock {
   struct Impl;
   std::unique_ptr<Impl> impl_;
 };
+
+// Takes lock for a change made from a screen or a command. When another writer keeps it
+// past the wait, tells the person that Vantora is busy ("COMN-W-0001") and returns false.
+bool AcquireForWriting(InstallationLock& lock);

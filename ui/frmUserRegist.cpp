@@ -4,6 +4,7 @@
 
 frmUserRegist::frmUserRegist(VtDatabase& db, const QString& callerForm, QWidget* parent)
     : UserFormDialog(db, UserFormLogic::Mode::Regist, QString(), parent), callerForm_(callerForm) {
+  logic().setWriterLockHeld(callerForm == kCallerFormNewCpu);
   buildButtons(btnUserRegist, "btnUserRegist", btnUserRegistCancel, "btnUserRegistCancel");
   connect(btnUserRegist, &QPushButton::clicked, this, [this] {
     if (!pressOk()) return;

@@ -35,6 +35,7 @@ class UserFormDialog : public ModalScreen {
   std::array<QRadioButton*, 3> optTargetUsing{};
 
   const UserFormLogic& logic() const { return logic_; }
+  UserFormLogic& logic() { return logic_; }
 
  protected:
   UserFormDialog(VtDatabase& db, UserFormLogic::Mode mode, const QString& userId, QWidget* parent);

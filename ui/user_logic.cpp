@@ -3,6 +3,7 @@
 #include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/helpers.h"
+#include "store/db_safety.h"
 #include "store/schema.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
@@ -175,6 +176,8 @@ UserFormLogic::Outcome UserFormLogic::submit() {
   }
 
   UserInfo u = record();
+  InstallationLock lock(db_.path());
+  if (!writerLockHeld_ && !AcquireForWriting(lock)) return Outcome{false, UserField::None, QStringLiteral("COMN-W-0001")};
   const int rc = regist ? SetUser(db_, u) : EditUser(db_, u);
   auto warn = [&](const QString& code, const QString& extra = QString()) {
     MessageDialog(code, extra);
@@ -294,6 +297,8 @@ bool UserDeleteLogic::deleteUser() {
   WriteTrace(QStringLiteral("0"), form, QStringLiteral("btnUserDelete_Click Start"));
   const QString id = user_.USER_ID.trimmed();
   if (id.isEmpty()) return false;
+  InstallationLock lock(db_.path());
+  if (!AcquireForWriting(lock)) return false;
   int rc = DeleteUser(db_, id, false);
   if (rc == 2) {
     if (QuestionDialog(QStringLiteral("UDEL-W-0001")) != kAnswerYes) return false;

@@ -78,6 +78,10 @@ class UserFormLogic {
   // The user stored by submit() (Regist), or the user changed (Modify).
   QString userId() const { return userId_; }
 
+  // submit() takes the installation's writer lock unless the caller holds it already:
+  // a receive that asks for a new user keeps the lock from its start to its commit.
+  void setWriterLockHeld(bool held) { writerLockHeld_ = held; }
+
  private:
   Outcome checkTargets();
   UserInfo record() const;
@@ -86,6 +90,7 @@ class UserFormLogic {
   Mode mode_;
   QString userId_;
   UserInfo loaded_;
+  bool writerLockHeld_ = false;
 };
 
 // frmUserSelectDialog's logic.

@@ -1,6 +1,8 @@
 // The user screens' logic without widgets: filters, the checks at their bounds and in
 // their order, the store's answers turned into messages, selection and deletion.
 #include "frame/config.h"
+#include "frame/shared_values.h"
+#include "store/db_safety.h"
 #include "testsupport/user_fixture.h"
 #include "ui/user_logic.h"
 
@@ -172,4 +174,33 @@ TEST_F(UserForm, AChangeKeepsWhatTheFormDoesNotHoldAndUsesItsOwnCodes) {
   UserFormLogic gone(*db, Mode::Modify, QStringLiteral("U000000099"));
   EXPECT_FALSE(gone.load());
   EXPECT_TRUE(wasShown(QStringLiteral("UEDT-C-0004")));
+}
+
+TEST_F(UserForm, ScreenChangesWaitForTheOtherWriterAndThenSayVantoraIsBusy) {
+  const int wait = GetWriterLockWaitMs();
+  SetWriterLockWaitMs(50);
+  const QString kept = addUser(QStringLiteral("残る人"));
+  const QString users = QStringLiteral("SELECT COUNT(*) FROM [USER] WHERE USER_ID <> 'U999999999'");
+  {
+    InstallationLock other(db->path());
+    ASSERT_TRUE(other.acquire(0));
+    UserFormLogic form(*db, Mode::Regist);
+    ASSERT_TRUE(form.load());
+    form.firstName = QStringLiteral("新しい人");
+    EXPECT_EQ(form.submit().code, QStringLiteral("COMN-W-0001"));
+    EXPECT_EQ(count(users), 1);
+
+    SetCurrentUserId(kept);
+    UserDeleteLogic deletion(*db);
+    ASSERT_TRUE(deletion.load());
+    EXPECT_FALSE(deletion.deleteUser());
+    EXPECT_EQ(count(users), 1);
+
+    // A receive that asks for a new user holds the lock itself; its registration
+    // must not wait for it.
+    form.setWriterLockHeld(true);
+    EXPECT_TRUE(form.submit().close);
+    EXPECT_EQ(count(users), 2);
+  }
+  SetWriterLockWaitMs(wait);
 }
