@@ -73,9 +73,10 @@ TEST_F(TerminalTest, AFirstStartShowsTheEmptyUserListWithOnlyRegistrationOffered
 TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUserWithoutQuestions) {
   frmTerminal& w = open();
   QSignalSpy drawn(&w, &frmTerminal::chartDrawn);
+  screens.newCpu = {ReceiveQuestions::NewCpuAnswer::CreateUser};
   placeRecorder(Recorder(10, kLastDay));
   ASSERT_TRUE(WaitUntil([] { return GetScreenState() == kStateJob; }));
-  EXPECT_EQ(screens.asked, QStringList({QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("frmUserRegist")}));
+  EXPECT_EQ(screens.asked, QStringList({QStringLiteral("NewCPU"), QStringLiteral("UserRegist")}));
   const QString userId = screens.lastRegisteredId;
   ASSERT_FALSE(userId.isEmpty());
   EXPECT_EQ(GetCurrentUserId(), userId);
@@ -153,6 +154,7 @@ TEST_F(TerminalTest, CancelDuringThePagesStoresNothingAndTheWindowStaysOnItsFace
     }
   });
   presser.start(0);
+  screens.newCpu = {ReceiveQuestions::NewCpuAnswer::CreateUser};
   placeRecorder(Recorder(40, kLastDay));
   ASSERT_TRUE(WaitUntil([&] { return !screens.lastRegisteredId.isEmpty() && !GetReceiveRunning(); }));
   presser.stop();
@@ -182,7 +184,7 @@ TEST_F(TerminalTest, ARecorderPlacedWhileRegistrationIsOpenIsNotReceivedWhenItCl
   EXPECT_TRUE(GetRecorderHandled()) << "seen while the screen was open";
   QTest::qWait(150);
   EXPECT_EQ(daysOf(screens.lastRegisteredId), 0);
-  EXPECT_EQ(screens.asked, QStringList({QStringLiteral("frmUserRegist")}));
+  EXPECT_EQ(screens.asked, QStringList({QStringLiteral("UserRegist")}));
   EXPECT_EQ(w.lvUserList->count(), 1);
   EXPECT_TRUE(w.btnReceive->isEnabled());
   EXPECT_TRUE(w.mnuReceive->isEnabled());
@@ -190,10 +192,11 @@ TEST_F(TerminalTest, ARecorderPlacedWhileRegistrationIsOpenIsNotReceivedWhenItCl
   // Taken off and placed again: now it is received.
   takeRecorder();
   ASSERT_TRUE(WaitUntil([] { return !GetRecorderHandled(); }));
-  screens.newCpuAnswer = ReceiveQuestions::NewCpuAnswer::SelectUser;
-  screens.selectId = screens.lastRegisteredId;
+  screens.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
+  screens.selected = {screens.lastRegisteredId};
+  screens.yesNo = {true};
   placeRecorder(Recorder(5, kLastDay));
-  ASSERT_TRUE(WaitUntil([&] { return daysOf(screens.selectId) == 5; }));
+  ASSERT_TRUE(WaitUntil([&] { return daysOf(screens.lastRegisteredId) == 5; }));
 }
 
 class NavigationTest : public TerminalTest {
@@ -307,7 +310,7 @@ TEST_F(NavigationTest, AnUnchangedChartReusesItsFilesAndAChangedUserRebuildsThem
   }, 3000));
   EXPECT_EQ(w.headerFile(), header);
   w.btnUserEdit->click();
-  EXPECT_EQ(screens.asked.last(), QStringLiteral("frmUserModify ") + kUser);
+  EXPECT_EQ(screens.asked.last(), QStringLiteral("UserModify ") + kUser);
   EXPECT_FALSE(QFileInfo::exists(header)) << "the old files go when the chart is made anew";
   EXPECT_TRUE(QFileInfo::exists(w.headerFile()));
   w.close();

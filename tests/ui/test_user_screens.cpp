@@ -69,7 +69,6 @@ class UserScreens : public UserScreenFixture {
 
   ReceiveReport receive(ScreenScript& script) {
     EmulatedReader reader(inst->readerPath());
-    NoWaitClock clock;
     NullProgress progress;
     ReceiveServices s{*db, reader, clock, progress};
     QtReceiveQuestions questions(nullptr);
