@@ -316,16 +316,6 @@ TEST(Lines, PlanWeightsBeforeInsideAndAfterThePlan) {
   rec.StartWeight = QStringLiteral("80");
   ASSERT_TRUE(PlanFromRecord(rec).has_value());
 
-  // The .sim file: a line at every week end and on the element before the last.
-  std::vector<ChartDayRecord> days = Days(D(2024, 1, 8), D(2024, 1, 24));
-  days[2].NewestOfDay = false;
-  const QStringList sim = SimLines(plan, days, D(2024, 1, 24));  // weeks end on Wednesdays
-  ASSERT_EQ(sim.size(), 5);
-  EXPECT_EQ(sim[0], QStringLiteral("900"));
-  EXPECT_EQ(sim[1], QStringLiteral("20240110,80,20240120,75"));
-  EXPECT_EQ(sim[2], QStringLiteral("20240110,60.4,80"));
-  EXPECT_EQ(sim[3], QStringLiteral("20240117,60.4,76.5"));
-  EXPECT_EQ(sim[4], QStringLiteral("20240123,60.4,75"));
 }
 
 TEST(Lines, HeaderLinesKeepTheirWording) {

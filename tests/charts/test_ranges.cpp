@@ -219,26 +219,7 @@ TEST_F(Navigation, NoDataAndOneDay) {
   }
 }
 
-TEST_F(Navigation, ScreenStateButtonsAndPickers) {
-  RangeState s;
-  s.dtDateEnd = D(2030, 1, 1);
-  InitChartState(s, first_, last_);
-  EXPECT_FALSE(s.noData);
-  EXPECT_EQ(s.chartKind, 100);
-  EXPECT_EQ(s.dtDateEnd, last_);
-  EXPECT_EQ(s.dtDateStart, last_.addDays(-6));
-
-  EXPECT_TRUE(SelectPeriod(s, kPeriodDay));
-  EXPECT_EQ(s.chartKind, 5);
-  EXPECT_EQ(s.dtDateStart, last_);
-  // A graph button from the day view moves to a week first.
-  SelectGraph(s, 1);
-  EXPECT_EQ(s.periodKind, kPeriodWeek);
-  EXPECT_EQ(s.chartKind, 200);
-  EXPECT_EQ(s.dtDateStart, last_.addDays(-6));
-  SelectPeriod(s, kPeriodSixMonths);
-  EXPECT_EQ(s.chartKind, 202);
-
+TEST_F(Navigation, ThePickersKeepTheWindowInsideTheData) {
   // The user moves the end picker near the first day: the start follows and the
   // window keeps its length as far as the data allows.
   RangeState w = StateFor(first_, last_, kPeriodWeek);

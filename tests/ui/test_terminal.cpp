@@ -104,8 +104,8 @@ TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUse
 
 TEST_F(TerminalTest, TheNewRecorderQuestionAnsweredOnTheRealScreensRegistersAndDrawsTheWeek) {
   frmTerminal& w = open(true);
-  // A person answering: create a user, type the name, register. The receive's own two
-  // screens are left to work.
+  // A person answering: create a user, cancel the registration (back to the question),
+  // create again, type the name, register. The receive's own two screens are left to work.
   QStringList answered;
   QTimer person;
   QObject::connect(&person, &QTimer::timeout, [&] {
@@ -117,6 +117,10 @@ TEST_F(TerminalTest, TheNewRecorderQuestionAnsweredOnTheRealScreensRegistersAndD
       modal->findChild<QPushButton*>(QStringLiteral("btnCreateUser"))->click();
     } else if (name == QLatin1String("frmUserRegist")) {
       answered << name;
+      if (answered.size() == 2) {
+        modal->findChild<QPushButton*>(QStringLiteral("btnUserRegistCancel"))->click();
+        return;
+      }
       modal->findChild<QLineEdit*>(QStringLiteral("txtFN"))->insert(QStringLiteral("森 さくら"));
       modal->findChild<QPushButton*>(QStringLiteral("btnUserRegist"))->click();
     }
@@ -126,12 +130,14 @@ TEST_F(TerminalTest, TheNewRecorderQuestionAnsweredOnTheRealScreensRegistersAndD
   ASSERT_TRUE(WaitUntil([] { return GetScreenState() == kStateJob && !GetReceiveRunning(); }))
       << answered.join(u',').toStdString();
   person.stop();
-  EXPECT_EQ(answered, QStringList({QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("frmUserRegist")}));
+  EXPECT_EQ(answered, QStringList({QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("frmUserRegist"),
+                                   QStringLiteral("frmRecvMsgNewCPU"), QStringLiteral("frmUserRegist")}));
   EXPECT_EQ(w.lblUserNickName->text(), QStringLiteral("森 さくら"));
   EXPECT_EQ(daysOf(GetCurrentUserId()), 8);
   EXPECT_FALSE(w.pictureContents->image().isNull());
   EXPECT_EQ(w.rangeState().chartKind, 100);
   EXPECT_EQ(w.rangeState().dtDateEnd, kLastDay);
+  EXPECT_FALSE(GetModalFormOpen());
 }
 
 TEST_F(TerminalTest, CancelDuringThePagesStoresNothingAndTheWindowStaysOnItsFace) {
