@@ -344,14 +344,10 @@ TEST_F(ChartDb, GeneratedRecorderDays) {
     if (d.NewestOfDay && d.ACT_LEVEL_BLOCK.count(QLatin1Char(',')) == 719) ++withBlock;
   EXPECT_EQ(withBlock, 21);
 
-  // Four-week spans anchored on 2024-01-03: the span 2023-12-07 .. 2024-01-03 holds the
-  // year end.
+  // The four-week span that holds the year end is one counted line.
   ASSERT_TRUE(make(102, D(2023, 11, 1), D(2024, 1, 3)));
   ASSERT_EQ(iface_.size(), 6);
-  EXPECT_EQ(iface_[3].section(QLatin1Char(','), 1, 2), QStringLiteral("20231101,20231108"));
-  EXPECT_EQ(iface_[5].section(QLatin1Char(','), 1, 2), QStringLiteral("20231207,20240103"));
-  EXPECT_EQ(Field(iface_[5], 1), QStringLiteral("0"));
-  EXPECT_EQ(iface_[5].split(QLatin1Char(',')).size(), 786);
+  EXPECT_EQ(iface_[5].section(QLatin1Char(','), 0, 2), QStringLiteral("0,20231207,20240103"));
 
   // A second reception of the same recorder later on gives the same days again.
   o.lastDay = D(2024, 1, 10);

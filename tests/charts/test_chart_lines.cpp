@@ -158,9 +158,6 @@ TEST(Lines, HeadLinesAndDailyLines) {
                          QString(23, QLatin1Char(',')) + QStringLiteral("23.0"));
   EXPECT_EQ(Fields(head[1]).size(), 32);
   EXPECT_EQ(head[2], QStringLiteral("0,0,0,0,0,0"));
-  const QStringList emptyLines = InterfaceDataLines(c, empty);
-  ASSERT_EQ(emptyLines.size(), 2);
-  EXPECT_EQ(emptyLines[0], QStringLiteral("3,20240101,20240101") + QString(24, QLatin1Char(',')));
 
   std::vector<ChartDayRecord> days = Days(D(2024, 1, 1), D(2024, 1, 2));
   days[0].STEP_COUNT = QStringLiteral("5001");
