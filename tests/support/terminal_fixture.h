@@ -18,59 +18,31 @@
 #include "device/readers.h"
 #include "ui/receive_screens.h"
 #include "device/recorder_image.h"
-#include "frame/shared_values.h"
-#include "store/store.h"
-#include "testsupport/test_installation.h"
+#include "testsupport/receive_fixture.h"
 
-// Answers the questions from fields and records what was asked.
-class ScriptedScreens : public TerminalScreens, public ReceiveQuestions {
+// The user screens answered from fields, the receive's questions from the receive
+// fixture's queues; every screen asked for is recorded.
+class ScriptedScreens : public TerminalScreens, public ScriptedQuestions {
  public:
   // frmUserRegist: registers this name (empty: cancelled). duringRegist runs while the
   // screen is "open" (ModalFormOpen set, as the real screen does).
   QString registName = QStringLiteral("山田 花子");
   std::function<void()> duringRegist;
-  NewCpuAnswer newCpuAnswer = NewCpuAnswer::CreateUser;
-  bool answerYes = true;
-  QString selectId;
-  QStringList asked;
   QString lastRegisteredId;
+  VtDatabase* db = nullptr;
 
   QString registerUser(QWidget*) override { return doRegister(); }
+  QString registerUser(VtDatabase&) override { return doRegister(); }
   bool modifyUser(QWidget*, const QString& id) override {
-    asked << QStringLiteral("frmUserModify ") + id;
+    asked << QStringLiteral("UserModify ") + id;
     return true;
   }
-  bool deleteUsers(QWidget*) override {
-    asked << QStringLiteral("frmUserDelete");
-    return false;
-  }
+  bool deleteUsers(QWidget*) override { return false; }
   ReceiveQuestions& receiveQuestions(QWidget*) override { return *this; }
-  NewCpuAnswer newRecorder(const RecvMsgNewCPU&) override {
-    asked << QStringLiteral("frmRecvMsgNewCPU");
-    return newCpuAnswer;
-  }
-  bool receiveForCurrentUser(const RecvMsgNewCPUSelectUser&) override {
-    asked << QStringLiteral("frmRecvMsgNewCPUSelectUser");
-    return answerYes;
-  }
-  bool takeOverRecorder(const RecvMsgAlertUser&) override {
-    asked << QStringLiteral("frmRecvMsgAlertUser");
-    return answerYes;
-  }
-  bool receiveResetRecorder(const RecvMsgAlertReset&) override {
-    asked << QStringLiteral("frmRecvMsgAlertReset");
-    return answerYes;
-  }
-  QString registerUser(VtDatabase&) override { return doRegister(); }
-  QString selectUser(VtDatabase&) override {
-    asked << QStringLiteral("frmUserSelectDialog");
-    return selectId;
-  }
-  VtDatabase* db = nullptr;
 
  private:
   QString doRegister() {
-    asked << QStringLiteral("frmUserRegist");
+    asked << QStringLiteral("UserRegist");
     SetModalFormOpen(true);
     if (duringRegist) duringRegist();
     QString id;

@@ -1,51 +1,30 @@
-// A throw-away installation of one edition with a fresh database, the pictures of the
-// users, and helpers to add users and days, for the user screens and receive dialogs.
+// The receive fixture's installation with the users' pictures and the form look added, for
+// the user screens and receive dialogs.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
-#include <memory>
-
 #include "frame/catalogue.h"
-#include "device/device.h"
-#include "receive/receive.h"
-#include "device/recorder_image.h"
+#include "testsupport/receive_fixture.h"
 #include "testsupport/sample_user.h"
-#include "frame/shared_values.h"
-#include "store/store.h"
-#include "testsupport/test_installation.h"
 
-class UserScreenFixture : public ::testing::Test {
+class UserScreenFixture : public ReceiveFixture {
  protected:
   void SetUp() override { setUpEdition(QStringLiteral("ja")); }
-  void TearDown() override {
-    db.reset();
-    inst.reset();
-  }
 
+  // One installation at a time: the old one puts the process back when it goes.
   void setUpEdition(const QString& lang) {
     db.reset();
     inst.reset();
-    inst = std::make_unique<TestInstallation>(lang);
-    ASSERT_TRUE(inst->isValid());
-    // The users' pictures and the form look, as an installation has them.
+    ReceiveFixture::setUpEdition(lang);
+    if (HasFatalFailure()) return;
     const QDir images(QStringLiteral(VANTORA_SOURCE_DIR "/dist/common/images"));
     for (const QString& f : images.entryList({QStringLiteral("*.png"), QStringLiteral("*.gif")}))
       QFile::copy(images.filePath(f), inst->path(QStringLiteral("images/") + f));
     LoadCommonFormat();
-    SetScreenState(kStateUserSelect);
-    QString error;
-    QFile::remove(inst->dbFile());
-    ASSERT_TRUE(CreateDatabaseFile(inst->dbFile(), kDefaultDbPassword, &error)) << error.toStdString();
-    db = std::make_unique<VtDatabase>();
-    db->open(inst->dbFile(), kDefaultDbPassword);
   }
 
+  // A registered user with the given picture.
   QString addUser(const QString& name, int icon = 1) {
-    QString id;
-    EXPECT_EQ(RegisterUserByName(*db, name, id), 0) << name.toStdString();
+    const QString id = ReceiveFixture::addUser(name);
     if (icon != 1) {
       UserInfo u;
       GetUserInfo(*db, u, id);
@@ -53,29 +32,6 @@ class UserScreenFixture : public ::testing::Test {
       EXPECT_EQ(EditUser(*db, u), 0);
     }
     return id;
-  }
-
-  RecorderImageOptions recorder(int days, const QDate& lastDay = QDate(2024, 6, 30)) const {
-    RecorderImageOptions o;
-    o.numbers = RecorderNumbers::FromConfig();
-    o.kind = RecorderKind::BrioNormal;
-    o.days = days;
-    o.lastDay = lastDay;
-    o.cpuNo = QStringLiteral("A00042");
-    return o;
-  }
-  void place(const RecorderImageOptions& o) {
-    QDir(inst->readerPath()).removeRecursively();
-    QDir().mkpath(inst->readerPath());
-    QString error;
-    ASSERT_TRUE(WriteRecorderImage(o, inst->readerPath() + QStringLiteral("/recorder.img"), &error))
-        << error.toStdString();
-  }
-
-  int count(const QString& sql, const QString& bind1 = QString()) {
-    Statement st(*db, sql);
-    if (!bind1.isNull()) st.bind(1, bind1);
-    return st.step() ? st.text(0).toInt() : -1;
   }
 
   // True when a message of that catalogue code was shown (with or without extra text).
@@ -90,7 +46,4 @@ class UserScreenFixture : public ::testing::Test {
   QString lastShownText() {
     return inst->dialog().shown.empty() ? QString() : inst->dialog().shown.back().text;
   }
-
-  std::unique_ptr<TestInstallation> inst;
-  std::unique_ptr<VtDatabase> db;
 };

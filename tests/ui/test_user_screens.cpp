@@ -69,7 +69,6 @@ class UserScreens : public UserScreenFixture {
 
   ReceiveReport receive(ScreenScript& script) {
     EmulatedReader reader(inst->readerPath());
-    NoWaitClock clock;
     NullProgress progress;
     ReceiveServices s{*db, reader, clock, progress};
     QtReceiveQuestions questions(nullptr);
@@ -167,26 +166,6 @@ TEST_F(UserScreens, DeletionAsksOnlyForAUserWithDaysAndClosesAfterThePress) {
   EXPECT_EQ(screen.result(), QDialog::Accepted);
   EXPECT_EQ(screen.deletedUserIds(), QStringList{keep});
   EXPECT_EQ(days(keep), 0);
-}
-
-TEST_F(UserScreens, ANewRecorderWithNoUsersIsReceivedForAUserRegisteredOnTheSpot) {
-  place(recorder(6));
-  ScreenScript script;
-  script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnCreateUser"); });
-  script.then(QStringLiteral("frmUserRegist"), [](QDialog* s) { click(s, "btnUserRegistCancel"); });
-  script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnCreateUser"); });
-  script.then(QStringLiteral("frmUserRegist"), [](QDialog* s) {
-    typeInto(s, "txtFN", QStringLiteral("森 さくら"));
-    click(s, "btnUserRegist");
-  });
-  const ReceiveReport r = receive(script);
-  ASSERT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
-  UserInfo u;
-  ASSERT_TRUE(GetUserInfoFromCPUNo(*db, u, QStringLiteral("A00042")));
-  EXPECT_EQ(u.FIRST_NAME, QStringLiteral("森 さくら"));
-  EXPECT_EQ(r.userId, u.USER_ID);
-  EXPECT_EQ(days(u.USER_ID), 6);
-  EXPECT_FALSE(GetModalFormOpen());
 }
 
 TEST_F(UserScreens, CancellingTheNewRecorderQuestionStoresNothing) {
