@@ -23,10 +23,10 @@ QString argText(sqlite3_value* v) {
   return p ? QString::fromUtf8(p, sqlite3_value_bytes(v)) : QString();
 }
 
-// ---- SQL functions of the old engine ----
+// ---- SQL functions the queries use: CINT, CDbl, LEN, StrComp ----
 
-// CINT: to a 16-bit integer, halves to even; a text that is no number is an error, as it
-// was for the old engine. Digits-only texts (the usual SEQ_NUM and counts) skip Qt.
+// CINT: to a 16-bit integer, halves to even; a text that is no number is an error, so a
+// damaged value stops the query instead of counting as 0. Digits-only texts (the usual SEQ_NUM and counts) skip Qt.
 void sqlCint(sqlite3_context* ctx, int, sqlite3_value** argv) {
   sqlite3_value* v = argv[0];
   switch (sqlite3_value_type(v)) {
@@ -130,7 +130,8 @@ bool isAscii(const char* p, int n) {
   return true;
 }
 
-// JETTEXT: "=" and ordering as the old engine compared text.
+// JETTEXT: text equality and ordering that ignore trailing blanks, letter case and
+// character width, so "Yamada " and "YAMADA" are one name.
 int jetCollate(void*, int n1, const void* v1, int n2, const void* v2) {
   const auto* a = static_cast<const char*>(v1);
   const auto* b = static_cast<const char*>(v2);

@@ -95,7 +95,7 @@ bool VTDB_GetUserInfoFromUserId(VtDatabase& db, const QString& userId, UserRecor
 bool VTDB_GetUserInfoFromGroupId(VtDatabase& db, const QString& groupId,
                                  std::vector<UserRecord>& users);
 bool VTDB_ExistUser(VtDatabase& db);
-// The "=" searches compare like the old engine (trailing blanks, case, width ignored);
+// The "=" searches ignore trailing blanks, letter case and character width;
 // a non-empty excludeGroupId leaves that group out.
 bool VTDB_isUsedName(VtDatabase& db, const QString& first, const QString& middle,
                      const QString& last, const QString& excludeGroupId);

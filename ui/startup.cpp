@@ -105,7 +105,7 @@ bool ScriptedStartupPlatform::otherInstanceRunning() {
   return anotherInstance;
 }
 
-void ScriptedStartupPlatform::stepReached(int step) { log << QStringLiteral("step %1").arg(step); }
+void ScriptedStartupPlatform::stepReached(StartupStep step) { log << QStringLiteral("step ") + StartupStepName(step); }
 
 // ---- fixed texts ----
 
@@ -138,7 +138,28 @@ QString DatabaseBrokenMessage() {
 StartupSequence::StartupSequence(StartupPlatform& platform, ChartMaker& chart)
     : platform_(platform), chart_(chart) {}
 
-StartupSequence::Outcome StartupSequence::stop(int step) {
+QString StartupStepName(StartupStep step) {
+  switch (step) {
+    case StartupStep::None: return QString();
+    case StartupStep::SystemCheck: return QStringLiteral("system check");
+    case StartupStep::FreeDiskSpace: return QStringLiteral("free disk space");
+    case StartupStep::DatabaseCheck: return QStringLiteral("database check");
+    case StartupStep::FirstTraceLevel: return QStringLiteral("first trace level");
+    case StartupStep::Messages: return QStringLiteral("messages");
+    case StartupStep::Configuration: return QStringLiteral("configuration");
+    case StartupStep::LocaleDates: return QStringLiteral("locale dates");
+    case StartupStep::Language: return QStringLiteral("language");
+    case StartupStep::ScreenFormats: return QStringLiteral("screen formats");
+    case StartupStep::TraceLevel: return QStringLiteral("trace level");
+    case StartupStep::SingleInstance: return QStringLiteral("single instance");
+    case StartupStep::Splash: return QStringLiteral("splash");
+    case StartupStep::ChartLibrary: return QStringLiteral("chart library");
+    case StartupStep::DatabaseMove: return QStringLiteral("database move");
+  }
+  return QString();
+}
+
+StartupSequence::Outcome StartupSequence::stop(StartupStep step) {
   stoppedAt_ = step;
   return Outcome::Stop;
 }
@@ -195,23 +216,23 @@ bool StartupSequence::shiftDatabase() {
 }
 
 StartupSequence::Outcome StartupSequence::run() {
-  stoppedAt_ = 0;
+  stoppedAt_ = StartupStep::None;
 
-  platform_.stepReached(1);
+  platform_.stepReached(StartupStep::SystemCheck);
   QString message;
   if (osCheck(message) != 0) {
     showPlain(message);
-    return stop(1);
+    return stop(StartupStep::SystemCheck);
   }
 
-  platform_.stepReached(2);
+  platform_.stepReached(StartupStep::FreeDiskSpace);
   QString drive;
   if (!checkFreeDiskSpace(kDefaultDbPath, kMinimumFreeGigabytes, drive)) {
     showPlain(FreeDiskMessage(drive, kMinimumFreeGigabytes));
-    return stop(2);
+    return stop(StartupStep::FreeDiskSpace);
   }
 
-  platform_.stepReached(3);
+  platform_.stepReached(StartupStep::DatabaseCheck);
   if (!dbCheck(message)) {
     if (!message.isEmpty()) {
       // The catalogue is read early for this one message, so that it says what is wrong
@@ -226,53 +247,53 @@ StartupSequence::Outcome StartupSequence::run() {
         if (platform_.openDocument(manual)) break;
       }
     }
-    return stop(3);
+    return stop(StartupStep::DatabaseCheck);
   }
 
   if (GetStartupDone()) return Outcome::Continue;
 
-  platform_.stepReached(4);
+  platform_.stepReached(StartupStep::FirstTraceLevel);
   SetLogLevel(QStringLiteral("1"));
 
-  platform_.stepReached(5);
-  if (!LoadResource()) return stop(5);
+  platform_.stepReached(StartupStep::Messages);
+  if (!LoadResource()) return stop(StartupStep::Messages);
 
-  platform_.stepReached(6);
+  platform_.stepReached(StartupStep::Configuration);
   if (!Ini_LoadConfig()) {
     MessageDialog(Ini_ConfigProblemCode());
-    return stop(6);
+    return stop(StartupStep::Configuration);
   }
   // A database restored from a copy is said once, now that the messages can be read.
   if (databaseStart_.outcome == DatabaseStartResult::Outcome::Recovered)
     MessageDialog(databaseStart_.messageCode, databaseStart_.messageArg);
 
-  platform_.stepReached(7);
+  platform_.stepReached(StartupStep::LocaleDates);
   if (Ini_GetLocaleCheck() == 1) SetLocaleDateFormats();
 
-  platform_.stepReached(8);
+  platform_.stepReached(StartupStep::Language);
   SetLangCode(QString::number(Ini_GetLang()));
 
-  platform_.stepReached(9);
+  platform_.stepReached(StartupStep::ScreenFormats);
   LoadCommonFormat();
 
-  platform_.stepReached(10);
+  platform_.stepReached(StartupStep::TraceLevel);
   SetLogLevel(QString::number(Ini_GetLogLevel()));
 
-  platform_.stepReached(11);
+  platform_.stepReached(StartupStep::SingleInstance);
   if (platform_.otherInstanceRunning()) {
     MessageDialog(QStringLiteral("PTOP-I-0001"));
-    return stop(11);
+    return stop(StartupStep::SingleInstance);
   }
 
-  platform_.stepReached(12);
+  platform_.stepReached(StartupStep::Splash);
   if (splash_) splash_();
 
-  platform_.stepReached(13);
+  platform_.stepReached(StartupStep::ChartLibrary);
   // A chart library that cannot read its settings keeps its defaults; nothing to stop for.
   (void)ChartPreparePersonal(chart_, Ini_GetChartIniPath());
 
-  platform_.stepReached(14);
-  if (!shiftDatabase()) return stop(14);
+  platform_.stepReached(StartupStep::DatabaseMove);
+  if (!shiftDatabase()) return stop(StartupStep::DatabaseMove);
 
   return Outcome::Continue;
 }

@@ -15,6 +15,28 @@ class ChartMaker;
 class ProgressInterface;
 class VtDatabase;
 
+// The start of the program in order. The first three run at every start; the rest once
+// per process.
+enum class StartupStep {
+  None,
+  SystemCheck,
+  FreeDiskSpace,
+  DatabaseCheck,
+  FirstTraceLevel,
+  Messages,
+  Configuration,
+  LocaleDates,
+  Language,
+  ScreenFormats,
+  TraceLevel,
+  SingleInstance,
+  Splash,
+  ChartLibrary,
+  DatabaseMove,
+};
+// The step as the trace log and the tests name it ("free disk space").
+QString StartupStepName(StartupStep step);
+
 // The questions the start-up asks the operating system.
 class StartupPlatform {
  public:
@@ -32,8 +54,8 @@ class StartupPlatform {
   // True when another instance of this installation is running. The first call claims
   // the installation for this process.
   virtual bool otherInstanceRunning() = 0;
-  // Called as each step of the sequence begins (1 to 14).
-  virtual void stepReached(int step) { (void)step; }
+  // Called as each step of the sequence begins.
+  virtual void stepReached(StartupStep step) { (void)step; }
 };
 
 // The desktop's answers: QStorageInfo, QFile, QDesktopServices, QProcess and a lock file
@@ -66,7 +88,7 @@ class ScriptedStartupPlatform : public StartupPlatform {
   bool openDocument(const QString& absolutePath) override;
   bool runAndWait(const QString& commandLine) override;
   bool otherInstanceRunning() override;
-  void stepReached(int step) override;
+  void stepReached(StartupStep step) override;
 
   double freeByteCount = 100.0 * 1024 * 1024 * 1024;
   bool freeBytesReadable = true;
@@ -76,7 +98,7 @@ class ScriptedStartupPlatform : public StartupPlatform {
   bool startSucceeds = true;
   bool anotherInstance = false;
 
-  QStringList log;                     // "step N", "freeBytes path", "open path", ...
+  QStringList log;                     // "step free disk space", "freeBytes path", "open path", ...
   QStringList freeBytesPaths;
   QStringList openedDocuments;
   QStringList startedCommands;
@@ -102,7 +124,7 @@ class StartupSequence {
 
   StartupSequence(StartupPlatform& platform, ChartMaker& chart);
 
-  // Shows the splash screen for the moment of step 12 (nothing when unset).
+  // Shows the splash screen at its step (nothing when unset).
   void setSplash(std::function<void()> splash) { splash_ = std::move(splash); }
   // Further copies the database check may restore from when the database is missing,
   // empty or damaged (the newest backups, for example), beside its own.
@@ -110,10 +132,10 @@ class StartupSequence {
   // What the database check found and did (recovered, rekeyed, or why it stopped).
   const DatabaseStartResult& databaseStart() const { return databaseStart_; }
 
-  // Steps 1 to 14. Stop means the process ends now; the reason has been shown.
+  // Every step in order. Stop means the process ends now; the reason has been shown.
   Outcome run();
-  // The step that stopped the run; 0 when it went through.
-  int stoppedAt() const { return stoppedAt_; }
+  // The step that stopped the run; None when it went through.
+  StartupStep stoppedAt() const { return stoppedAt_; }
 
   // The single checks, usable on their own.
   // 0 when the system is supported; 2 with message set when it is not.
@@ -129,7 +151,7 @@ class StartupSequence {
   bool shiftDatabase();
 
  private:
-  Outcome stop(int step);
+  Outcome stop(StartupStep step);
   void showPlain(const QString& text);
 
   StartupPlatform& platform_;
@@ -137,7 +159,7 @@ class StartupSequence {
   std::function<void()> splash_;
   QStringList databaseCopies_;
   DatabaseStartResult databaseStart_;
-  int stoppedAt_ = 0;
+  StartupStep stoppedAt_ = StartupStep::None;
 };
 
 // Step 17 of the main screen: the working connection with DB_NAME and DB_PASSWORD. On

@@ -1,4 +1,4 @@
-// The engine layer: keying, the SQL functions and the text comparison of the old engine.
+// The engine layer: keying, the SQL functions and the text comparison of the name searches.
 #include <QFile>
 #include <QTemporaryDir>
 #include <chrono>

@@ -74,21 +74,22 @@ class StartupTest : public ::testing::Test {
   TestInstallation inst;
   ScriptedStartupPlatform platform;
   ChartMaker chart;
-  int stoppedAt = -1;
+  StartupStep stoppedAt = StartupStep::None;
 };
 
 TEST_F(StartupTest, RunsEveryStepInOrderAndAsksThePlatformAtTheRightPoints) {
   ASSERT_EQ(run(), StartupSequence::Outcome::Continue);
-  EXPECT_EQ(stoppedAt, 0);
+  EXPECT_EQ(stoppedAt, StartupStep::None);
   QStringList expected;
-  for (int i = 1; i <= 14; ++i) expected << QString::number(i);
+  for (int i = static_cast<int>(StartupStep::SystemCheck); i <= static_cast<int>(StartupStep::DatabaseMove); ++i)
+    expected << StartupStepName(static_cast<StartupStep>(i));
   EXPECT_EQ(steps(), expected);
 
   const QStringList& log = platform.log;
   EXPECT_EQ(log.indexOf(QStringLiteral("freeBytes ../data/mdb/ACTA.db")),
-            log.indexOf(QStringLiteral("step 2")) + 1);
-  EXPECT_EQ(log.indexOf(QStringLiteral("instance")), log.indexOf(QStringLiteral("step 11")) + 1);
-  EXPECT_EQ(log.indexOf(QStringLiteral("splash")), log.indexOf(QStringLiteral("step 12")) + 1);
+            log.indexOf(QStringLiteral("step free disk space")) + 1);
+  EXPECT_EQ(log.indexOf(QStringLiteral("instance")), log.indexOf(QStringLiteral("step single instance")) + 1);
+  EXPECT_EQ(log.indexOf(QStringLiteral("splash")), log.indexOf(QStringLiteral("step splash")) + 1);
   // SHIFT_DB is "1": the earlier version is not looked for.
   EXPECT_TRUE(platform.existsAsked.isEmpty());
   EXPECT_TRUE(inst.dialog().shown.empty());
@@ -105,8 +106,8 @@ TEST_F(StartupTest, FreeSpaceCountsWholeGibibytesAndShowsTheFixedText) {
   platform.freeByteCount = 7.99 * kGiB;
   platform.driveName = QStringLiteral("/srv/data/");
   ASSERT_EQ(run(), StartupSequence::Outcome::Stop);
-  EXPECT_EQ(stoppedAt, 2);
-  EXPECT_EQ(steps(), (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
+  EXPECT_EQ(stoppedAt, StartupStep::FreeDiskSpace);
+  EXPECT_EQ(steps(), (QStringList{QStringLiteral("system check"), QStringLiteral("free disk space")}));
   ASSERT_EQ(inst.dialog().shown.size(), 1u);
   EXPECT_EQ(inst.dialog().shown[0].icon, DialogIcon::None);
   EXPECT_EQ(inst.dialog().shown[0].text,
@@ -120,7 +121,7 @@ TEST_F(StartupTest, FreeSpaceCountsWholeGibibytesAndShowsTheFixedText) {
   platform.freeByteCount = 100 * kGiB;
   platform.freeBytesReadable = false;
   EXPECT_EQ(run(), StartupSequence::Outcome::Stop);
-  EXPECT_EQ(stoppedAt, 2);
+  EXPECT_EQ(stoppedAt, StartupStep::FreeDiskSpace);
 }
 
 TEST_F(StartupTest, TheFirstChecksUseTheDefaultDatabaseWhateverTheConfigurationSays) {
@@ -136,7 +137,7 @@ TEST_F(StartupTest, TheFirstChecksUseTheDefaultDatabaseWhateverTheConfigurationS
   // ...and the default one is what is checked.
   ASSERT_TRUE(QFile::remove(inst.dbFile()));
   EXPECT_EQ(run(), StartupSequence::Outcome::Stop);
-  EXPECT_EQ(stoppedAt, 3);
+  EXPECT_EQ(stoppedAt, StartupStep::DatabaseCheck);
 }
 
 TEST_F(StartupTest, ABrokenDatabaseStopsWithItsTextAndOpensTheManualUntilThatWorks) {
@@ -148,8 +149,8 @@ TEST_F(StartupTest, ABrokenDatabaseStopsWithItsTextAndOpensTheManualUntilThatWor
   const QString manual = QDir(inst.binPath()).absoluteFilePath(QStringLiteral("../help/ERROR_DB.pdf"));
   platform.openSucceedsAt = 0;
   ASSERT_EQ(run(), StartupSequence::Outcome::Stop);
-  EXPECT_EQ(stoppedAt, 3);
-  EXPECT_EQ(steps(), (QStringList{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")}));
+  EXPECT_EQ(stoppedAt, StartupStep::DatabaseCheck);
+  EXPECT_EQ(steps(), (QStringList{QStringLiteral("system check"), QStringLiteral("free disk space"), QStringLiteral("database check")}));
   EXPECT_EQ(platform.openedDocuments.size(), 10);
   EXPECT_EQ(QFileInfo(platform.openedDocuments.value(0)).absoluteFilePath(),
             QFileInfo(manual).absoluteFilePath());
@@ -164,7 +165,7 @@ TEST_F(StartupTest, ABrokenDatabaseStopsWithItsTextAndOpensTheManualUntilThatWor
     EXPECT_EQ(f.readAll(), QByteArray(4096, 'x'));
   }
   // The message comes before the manual.
-  EXPECT_EQ(platform.log.indexOf(QStringLiteral("step 3")) + 1,
+  EXPECT_EQ(platform.log.indexOf(QStringLiteral("step database check")) + 1,
             platform.log.indexOf(QRegularExpression(QStringLiteral("open .*"))));
 
   platform.log.clear();
@@ -177,7 +178,7 @@ TEST_F(StartupTest, ABrokenDatabaseStopsWithItsTextAndOpensTheManualUntilThatWor
 TEST_F(StartupTest, MissingCatalogueOrConfigurationStops) {
   ASSERT_TRUE(QFile::rename(inst.configFile(), inst.configFile() + QStringLiteral(".away")));
   ASSERT_EQ(run(), StartupSequence::Outcome::Stop);
-  EXPECT_EQ(stoppedAt, 6);
+  EXPECT_EQ(stoppedAt, StartupStep::Configuration);
   ASSERT_EQ(inst.dialog().shown.size(), 1u);
   EXPECT_EQ(inst.dialog().shown[0].text, CatalogueText(QStringLiteral("PTOP-C-0001")));
   EXPECT_FALSE(inst.dialog().shown[0].text.isEmpty());
@@ -186,7 +187,7 @@ TEST_F(StartupTest, MissingCatalogueOrConfigurationStops) {
   inst.dialog().shown.clear();
   ASSERT_TRUE(QFile::remove(inst.path(QStringLiteral("bin/ACTA.res"))));
   ASSERT_EQ(run(), StartupSequence::Outcome::Stop);
-  EXPECT_EQ(stoppedAt, 5);
+  EXPECT_EQ(stoppedAt, StartupStep::Messages);
   EXPECT_EQ(shownTexts(), QStringList{QStringLiteral("resource file[ACTA.res] not found.")});
 }
 
@@ -194,7 +195,7 @@ TEST_F(StartupTest, ASecondInstanceStopsBeforeTheSplashAndTheChartLibrary) {
   removeConfigKey(QStringLiteral("SHIFT_DB"));
   platform.anotherInstance = true;
   ASSERT_EQ(run(), StartupSequence::Outcome::Stop);
-  EXPECT_EQ(stoppedAt, 11);
+  EXPECT_EQ(stoppedAt, StartupStep::SingleInstance);
   EXPECT_EQ(shownTexts(), QStringList{CatalogueText(QStringLiteral("PTOP-I-0001"))});
   EXPECT_FALSE(platform.log.contains(QStringLiteral("splash")));
   EXPECT_EQ(Ini_GetShiftDb(), QString());
@@ -220,7 +221,7 @@ TEST_F(StartupTest, TheMoveFromTheEarlierVersionIsLookedForOnce) {
   inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("SHIFT_DB"), QString());
   platform.startSucceeds = false;
   EXPECT_EQ(run(), StartupSequence::Outcome::Stop);
-  EXPECT_EQ(stoppedAt, 14);
+  EXPECT_EQ(stoppedAt, StartupStep::DatabaseMove);
   EXPECT_EQ(Ini_GetShiftDb(), QString());
 }
 
@@ -230,7 +231,7 @@ TEST_F(StartupTest, ASecondLoadRunsOnlyTheFirstThreeChecks) {
   ASSERT_TRUE(QFile::remove(inst.path(QStringLiteral("bin/ACTA.res"))));
   platform.anotherInstance = true;
   ASSERT_EQ(run(), StartupSequence::Outcome::Continue);
-  EXPECT_EQ(steps(), (QStringList{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")}));
+  EXPECT_EQ(steps(), (QStringList{QStringLiteral("system check"), QStringLiteral("free disk space"), QStringLiteral("database check")}));
   EXPECT_FALSE(platform.log.contains(QStringLiteral("instance")));
   EXPECT_EQ(GetLogLevel(), QStringLiteral("0"));
   EXPECT_TRUE(inst.dialog().shown.empty());
