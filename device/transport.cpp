@@ -42,8 +42,9 @@ qint32 Trapped(F&& body) {
   }
 }
 
-// Steps 2 to 7 of a read, after the handle check; `byteCount` of 0 asks the caller's
-// kind check to run after Tavo_Start (RecvData).
+// A read after the handle check: start, ask for the blocks, wait on the status, finish
+// (or stop on an error); `byteCount` of 0 asks the caller's kind check to run after
+// Tavo_Start (RecvData).
 qint32 Transfer(TavoReader& reader, DeviceClock& clock, qint32 handle, const QString& name,
                 qint32 firstBlock, qint32 byteCount, quint8* buffer) {
   if (reader.Tavo_Start(handle) == 0) {

@@ -162,7 +162,7 @@ class StartupSequence {
   StartupStep stoppedAt_ = StartupStep::None;
 };
 
-// Step 17 of the main screen: the working connection with DB_NAME and DB_PASSWORD. On
+// The main window's working connection, opened as it loads, with DB_NAME and DB_PASSWORD. On
 // failure a level-"2" line "VTDB_Open Error" under "UserSelection: Form_Load" and
 // COMN-C-0002; false means the process stops.
 bool OpenWorkingDatabase(VtDatabase& db);
