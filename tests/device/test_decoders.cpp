@@ -110,16 +110,11 @@ TEST(ManageDecoder, ErasedBlockDecodesWithoutError) {
   FlashManage m;
   ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, RecorderKind::BrioKt), 0);
   EXPECT_EQ(m.FixedData, "NoData");
-  EXPECT_EQ(m.CpuNo, "NoData");
   EXPECT_EQ(m.RecorderId, -1);
   EXPECT_EQ(m.bcDate, ZeroDate());
-  EXPECT_EQ(m.bcNowDate, ZeroDate());
   EXPECT_EQ(m.bcMeasureStart, ZeroDateTime());
-  EXPECT_EQ(m.bcTime, QTime(0, 0, 59));
   EXPECT_EQ(m.bcNowTime, QTime(0, 0, 59));
   EXPECT_EQ(m.DailyWeightTime, QTime(0, 0, 59));
-  EXPECT_EQ(m.VersionNo, 255);
-  EXPECT_EQ(m.TargetActivity, 65535);
   EXPECT_EQ(m.RecordingPage, 65535);
 }
 

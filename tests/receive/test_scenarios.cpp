@@ -143,11 +143,8 @@ TEST_F(Scenario, MemoryLockStopsAtTheRecordersEndPage) {
   o.memoryDays = 7;
   place(o);
   const QString id = addUser(QStringLiteral("鈴木 次郎"));
-  ScriptedQuestions q;
-  q.newCpu = {Answer::SelectUser};
-  q.selected = {id};
   FakeReader fake(image(o));
-  const ReceiveReport r = receive(q, nullptr, &fake);
+  const ReceiveReport r = receiveSelecting(id, &fake);
   ASSERT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
   EXPECT_EQ(r.endPage, 7);
   EXPECT_EQ(r.pagesFetched, 7);
@@ -247,7 +244,6 @@ TEST_F(Scenario, CancelledRegistrationOrSelectionReturnsToTheNewRecorderQuestion
   EXPECT_EQ(r.userId, id);
 
   // Cancelling the question itself removes the receive again.
-  place(recorder(4, QDate(2024, 9, 1)));
   RecorderImageOptions other = recorder(4, QDate(2024, 9, 1));
   other.cpuNo = QStringLiteral("B00007");
   place(other);

@@ -11,35 +11,6 @@
 
 namespace {
 
-const char* const kCodes[] = {
-    "CALC-C-0001", "CALC-C-0002", "CALC-I-0001", "COMN-C-0001", "COMN-C-0002", "COMN-I-0001",
-    "CSVE-W-0001", "CSVE-W-0002", "DDWN-C-0001", "DDWN-C-0002", "DDWN-C-0003", "DDWN-C-0004", "DDWN-C-0005",
-    "DDWN-C-0006", "DDWN-W-0001", "DSIM-C-0001", "DSIM-I-0001", "DSIM-I-0002", "DSIM-I-0003",
-    "DSIM-I-0004", "MDWN-C-0001", "MDWN-C-0002", "MDWN-C-0003", "MDWN-C-0004", "MDWN-I-0001",
-    "MDWN-W-0003", "PRNT-I-0001", "PTOP-C-0001", "PTOP-C-0002", "PTOP-I-0001", "UDEL-C-0001",
-    "UDEL-C-0002", "UDEL-W-0001", "UEDT-C-0003", "UEDT-C-0004", "UEDT-I-0001", "UEDT-I-0004",
-    "UEDT-I-0006", "UEDT-W-0005", "UEDT-W-0009", "UREG-C-0003", "UREG-I-0001", "UREG-I-0004",
-    "UREG-I-0006", "UREG-W-0003", "UREG-W-0006", "UREG-W-0010", "USEL-C-0001", "USEL-C-0002",
-    "USEL-C-0003", "USEL-C-0004", "USEL-I-0001", "USEL-I-0004", "BKUP-C-0001", "BKUP-C-0002",
-    "BKUP-C-0003", "BKUP-I-0001", "BKUP-I-0002", "BKUP-W-0001",
-};
-
-// Every code with the level of its class letter and the code itself in the text, so a
-// test can see which message was shown.
-QByteArray builtInCatalogue() {
-  QByteArray out = "; built-in test catalogue\nTITL-I-0001,0,\"Vantora\",\"\"\n";
-  for (const char* code : kCodes) {
-    const char cls = code[5];
-    const int level = cls == 'C' ? 2 : cls == 'W' ? 1 : 0;
-    out += QByteArray(code) + ',' + QByteArray::number(level) + ",\"message " + code + "\",\"\"\n";
-  }
-  return out;
-}
-
-QByteArray builtInMenu() {
-  return "mnuFile,\"File\"\nmnuQuit,\"Quit\"\nmnuHelp,\"Help\"\n";
-}
-
 QByteArray configText(const QString& lang) {
   const QByteArray langValue = lang == QLatin1String("en") ? "1" : "0";
   return "[SYSTEM]\n"
@@ -138,11 +109,9 @@ QString distFile(const QString& lang, const QString& relative) {
   return QString();
 }
 
-bool installFile(const QString& lang, const QString& relative, const QString& target,
-                 const QByteArray& fallback) {
+bool installFile(const QString& lang, const QString& relative, const QString& target) {
   const QString source = distFile(lang, relative);
-  if (!source.isEmpty()) return QFile::copy(source, target);
-  return writeFile(target, fallback);
+  return !source.isEmpty() && QFile::copy(source, target);
 }
 
 }  // namespace
@@ -177,15 +146,8 @@ bool TestInstallation::setUp(const QString& lang) {
     }
   }
   bool ok = writeFile(configFile(), config);
-  ok = ok && installFile(lang, QStringLiteral("bin/ACTA.res"), path(QStringLiteral("bin/ACTA.res")),
-                         builtInCatalogue());
-  ok = ok && installFile(lang, QStringLiteral("bin/menu.res"), path(QStringLiteral("bin/menu.res")),
-                         builtInMenu());
-  ok = ok && installFile(lang, QStringLiteral("conf/resource.ini"), resourceIniFile(),
-                         "[VB_COMMON]\n");
-  ok = ok && installFile(lang, QStringLiteral("conf/chart.ini"), chartIniFile(), "");
-  ok = ok && installFile(lang, QStringLiteral("conf/pmmets.ini"), path(QStringLiteral("conf/pmmets.ini")),
-                         "");
+  for (const char* file : {"bin/ACTA.res", "bin/menu.res", "conf/resource.ini", "conf/chart.ini", "conf/pmmets.ini"})
+    ok = ok && installFile(lang, QLatin1String(file), path(QLatin1String(file)));
   if (!ok || !QDir::setCurrent(binPath())) return false;
 
   return reload();
@@ -224,8 +186,7 @@ QString TestInstallation::traceText() const {
   return QString::fromUtf8(f.readAll());
 }
 
-QStringList TestInstallation::messageCodes() {
-  QStringList codes;
-  for (const char* code : kCodes) codes << QLatin1String(code);
-  return codes;
+bool TestInstallation::logged(const QString& level, const QString& name, const QString& message) const {
+  const QString shownName = name.size() < 20 ? name.leftJustified(21, u' ') : name.left(20);
+  return traceText().contains(u'|' + level + u'|' + shownName + u'|' + message);
 }
