@@ -193,7 +193,7 @@ TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
   inst.setResource("X", "C_G", "300");
   inst.setResource("X", "C_B", "1");
   EXPECT_EQ(GetIniBackColor("X", "C"), 0u);
-  EXPECT_TRUE(inst.traceText().contains("|GetIniBackColor      |color not found: X,C"));
+  EXPECT_TRUE(inst.logged("1", "GetIniBackColor", "color not found: X,C"));
 
   QFile picture(inst.path("images/user1.png"));
   ASSERT_TRUE(picture.open(QIODevice::WriteOnly));
@@ -202,8 +202,7 @@ TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
   inst.setResource("VB_COMMON", "IMAGE_USERICON_2", "../images/none.png");
   EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_1"), "../images/user1.png");
   EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_2"), "");
-  EXPECT_TRUE(inst.traceText().contains("|SetIniPicture        |image file not found: VB_COMMON,IMAGE_USERICON_2"));
-  EXPECT_TRUE(IsPictureFileExist("../images/user1.png"));
+  EXPECT_TRUE(inst.logged("1", "SetIniPicture", "image file not found: VB_COMMON,IMAGE_USERICON_2"));
   EXPECT_FALSE(IsPictureFileExist(""));
 
   inst.setResource("VB_COMMON", "CHARSET", "128");
