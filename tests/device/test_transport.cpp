@@ -10,8 +10,6 @@
 
 namespace {
 
-const QStringList kReadOk = {"Tavo_Start", "Tavo_BRead", "Tavo_GetStatus", "Tavo_Finish"};
-
 DeviceState Opened(qint32 handle = 7, RecorderKind kind = RecorderKind::BrioNormal) {
   DeviceState s;
   s.hUSB = handle;
@@ -49,31 +47,21 @@ TEST(Transport, CloseReportsNonzeroAndKeepsTheHandle) {
   EXPECT_EQ(s.hUSB, 5);
 }
 
+// Start, read, poll every 100 ms while the reader runs, finish, then the settling wait.
 TEST(Transport, SuccessfulReadIsStartReadPollFinishWithTheSettlingWait) {
   TestInstallation inst;
   FakeReader reader(QByteArray(248 * 20, char(0x5A)));
+  reader.runningPolls = 2;
   NoWaitClock clock;
-  const DeviceState s = Opened();
   std::array<quint8, 992> buffer{};
-  EXPECT_EQ(RecvManage(reader, clock, s, buffer.data()), 0);
-  EXPECT_EQ(reader.callNames(), kReadOk);
+  EXPECT_EQ(RecvManage(reader, clock, Opened(), buffer.data()), 0);
+  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start", "Tavo_BRead", "Tavo_GetStatus", "Tavo_GetStatus",
+                                             "Tavo_GetStatus", "Tavo_Finish"}));
   EXPECT_EQ(reader.calls[1].firstBlock, 0);
   EXPECT_EQ(reader.calls[1].byteCount, 992);
   EXPECT_EQ(reader.calls[1].handle, 7);
   EXPECT_EQ(buffer[991], 0x5A);
-  EXPECT_EQ(clock.waits(), QList<int>({500}));
-}
-
-TEST(Transport, RunningStatusIsPolledEvery100ms) {
-  TestInstallation inst;
-  FakeReader reader;
-  reader.runningPolls = 3;
-  NoWaitClock clock;
-  std::array<quint8, 992> buffer{};
-  EXPECT_EQ(RecvData(reader, clock, Opened(), 2, buffer.data()), 0);
-  EXPECT_EQ(reader.count("Tavo_GetStatus"), 4);
-  EXPECT_EQ(clock.waits(), QList<int>({100, 100, 100, 500}));
-  EXPECT_EQ(reader.calls.back().op, "Tavo_Finish");
+  EXPECT_EQ(clock.waits(), QList<int>({100, 100, 500}));
 }
 
 TEST(Transport, NeverFinishingReadKeepsWaiting) {
