@@ -53,7 +53,7 @@ class JapaneseImport : public ImportTest {
 
 class EnglishImport : public ImportTest {
  protected:
-  void SetUp() override { SetUpEdition(QStringLiteral("en")); }
+  void SetUp() override { SetUpWithDays(QStringLiteral("en")); }
 };
 
 // Exports every kind, imports each file into an empty database and exports the new user
@@ -100,8 +100,6 @@ TEST_F(JapaneseImport, EveryKindReadsBackTheDaysItWrote) {
 }
 
 TEST_F(EnglishImport, EveryKindReadsBackTheDaysItWrote) {
-  StoreRecorder();
-  StoreImportedDay();
   OpenFreshDatabase();
   ExpectRoundTrip(db_, fresh_, *inst_);
 }
