@@ -70,6 +70,7 @@ class ReceiveFixture : public ::testing::Test {
 
   void setUpEdition(const QString& lang) {
     db.reset();
+    inst.reset();  // one installation at a time: the old one restores the working directory
     inst = std::make_unique<TestInstallation>(lang);
     ASSERT_TRUE(inst->isValid());
     SetScreenState(kStateUserSelect);
