@@ -57,8 +57,6 @@ TEST(DataConvert, FourDigitYearDates) {
   EXPECT_EQ(Bcd4ToDate(leap), D(2024, 2, 29));
   const quint8 erased[4] = {0xFF, 0xFF, 0xFF, 0xFF};
   EXPECT_EQ(Bcd4ToDate(erased), ZeroDate());
-  const quint8 zero[4] = {0, 0, 0, 0};
-  EXPECT_EQ(Bcd4ToDate(zero), ZeroDate());
 }
 
 TEST(DataConvert, TwoDigitYearsTurnAtSeventy) {

