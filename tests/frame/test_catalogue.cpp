@@ -52,7 +52,7 @@ TEST_F(Catalogue, RecordsFieldsAndFirstCodeWins) {
   EXPECT_FALSE(FindMessage("info-i-0001"));  // codes compare exactly
 }
 
-TEST_F(Catalogue, MessageTextsAndIcons) {
+TEST_F(Catalogue, MessageTextsIconsAndAnswers) {
   MessageDialog("CRIT-C-0001");
   MessageDialog("WARN-W-0001", "extra line");
   MessageDialog("INFO-I-0001", "<__MESSAGE1__|__MESSAGE2__|__MESSAGE1__>", true);
@@ -67,6 +67,10 @@ TEST_F(Catalogue, MessageTextsAndIcons) {
   EXPECT_EQ(shown()[2].icon, DialogIcon::Information);
   EXPECT_EQ(shown()[3].icon, DialogIcon::None);
   EXPECT_FALSE(shown()[0].question);
+  inst.dialog().queueAnswer(kAnswerYes);
+  EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerYes);
+  EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerNo);  // empty queue answers No
+  EXPECT_TRUE(shown()[4].question);
 
   MessageRecord rec{0, "one", "", "X"};
   EXPECT_EQ(BuildMessageText(rec, "", true), "");  // not corrected
@@ -91,13 +95,6 @@ TEST_F(Catalogue, WarningsAndErrorsAreLoggedBeforeTheBox) {
   const auto before = inst.traceText().size();
   MessageDialog("INFO-I-0001");
   EXPECT_EQ(inst.traceText().size(), before);  // level 0 is not logged
-}
-
-TEST_F(Catalogue, QuestionsReturnTheAnswer) {
-  inst.dialog().queueAnswer(kAnswerYes);
-  EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerYes);
-  EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerNo);  // empty queue answers No
-  EXPECT_TRUE(shown()[0].question);
 }
 
 TEST_F(Catalogue, MissingCodeAndMissingTitle) {
