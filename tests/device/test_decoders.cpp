@@ -73,11 +73,6 @@ TEST(ManageDecoder, FamilyAReadsTheCommonFieldsAndCarriesTheFixedLiteral) {
   EXPECT_EQ(m.WeightPound, 135);
   EXPECT_EQ(m.RecordCheck[0], 0);
   EXPECT_EQ(m.RecordCheck[899], 899 % 256);
-  // Family B fields are not read for family A.
-  EXPECT_EQ(m.WeightFraction, 0);
-  EXPECT_EQ(m.RangeLower, 0);
-  EXPECT_EQ(m.TargetSteps, 0);
-  EXPECT_EQ(m.DailyWeightTime, QTime(0, 0));
 }
 
 TEST(ManageDecoder, BrioReadsItsFieldsAndZrKtReadTheDailyWeight) {
@@ -110,16 +105,11 @@ TEST(ManageDecoder, ErasedBlockDecodesWithoutError) {
   FlashManage m;
   ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, RecorderKind::BrioKt), 0);
   EXPECT_EQ(m.FixedData, "NoData");
-  EXPECT_EQ(m.CpuNo, "NoData");
   EXPECT_EQ(m.RecorderId, -1);
   EXPECT_EQ(m.bcDate, ZeroDate());
-  EXPECT_EQ(m.bcNowDate, ZeroDate());
   EXPECT_EQ(m.bcMeasureStart, ZeroDateTime());
-  EXPECT_EQ(m.bcTime, QTime(0, 0, 59));
   EXPECT_EQ(m.bcNowTime, QTime(0, 0, 59));
   EXPECT_EQ(m.DailyWeightTime, QTime(0, 0, 59));
-  EXPECT_EQ(m.VersionNo, 255);
-  EXPECT_EQ(m.TargetActivity, 65535);
   EXPECT_EQ(m.RecordingPage, 65535);
 }
 
@@ -208,16 +198,13 @@ QByteArray BrioPage() {
   return b;
 }
 
-TEST(PageDecoder, BrioNormalLeavesTheZrKtBytesUnread) {
+TEST(PageDecoder, BrioNormalReadsItsTargetsRangeAndStride) {
   const QByteArray b = BrioPage();
   FlashData d;
   ASSERT_EQ(FlashData_ConvertByteArray2Struct_Brio(AsBytes(b), d, RecorderKind::BrioNormal), 0);
   ExpectHead(d);
   EXPECT_EQ(d.LevelProfileBrio[0], 3);
   EXPECT_EQ(d.LevelProfileBrio[1], 4);
-  EXPECT_EQ(d.LevelProfileAL[0], 0);
-  EXPECT_EQ(d.Exercise, 0);
-  EXPECT_EQ(d.DailyWeightSelect, 0);
   EXPECT_EQ(d.WeightFraction, 5);
   EXPECT_EQ(d.TargetSelect, 1);
   EXPECT_EQ(d.RangeLower, 3);

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "device/device.h"
-#include "testsupport/device_test_util.h"
 #include "testsupport/test_installation.h"
 
 namespace {
@@ -59,48 +58,45 @@ TEST(Kinds, UnknownBlocksLeaveTheEarlierKindAndLog) {
   const RecorderNumbers n = RecorderNumbers::FromConfig();
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(Block(n.brioJpn, 1, 2)), state), kDeviceUnknownKind);
   EXPECT_EQ(state.pmKind, RecorderKind::BrioZr);
-  EXPECT_TRUE(Logged(inst, "2", "FlashManage_SetPMKind", "PMLogicSelectionFlagVersion ERROR"));
+  EXPECT_TRUE(inst.logged("2", "FlashManage_SetPMKind", "PMLogicSelectionFlagVersion ERROR"));
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(Block("99999", 1)), state), kDeviceUnknownKind);
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(QByteArray(kManageBlockBytes, char(0xFF))), state),
             kDeviceUnknownKind);
   EXPECT_EQ(state.pmKind, RecorderKind::BrioZr);
   EXPECT_EQ(state.pmLang, RecorderLang::Japanese);
-  EXPECT_TRUE(Logged(inst, "2", "FlashManage_SetPMKind", "PMSoftVersion ERROR,Not AL or BRIO"));
+  EXPECT_TRUE(inst.logged("2", "FlashManage_SetPMKind", "PMSoftVersion ERROR,Not AL or BRIO"));
 }
 
-TEST(Kinds, JapaneseEditionAcceptsOnlyJapaneseRecorders) {
-  TestInstallation inst(QStringLiteral("ja"));
-  ASSERT_TRUE(inst.isValid());
-  const RecorderNumbers n = RecorderNumbers::FromConfig();
-  FlashManage m;
-  m.VersionNo = static_cast<quint8>(n.validVersion - 1);
-  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::AL, m));
-  m.VersionNo = static_cast<quint8>(n.validVersion);
-  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::AL, m));
-  m.FixedData = n.brioJpn;
-  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::BrioNormal, m));
-  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::BrioMets, m));
-  m.FixedData = n.brioEng;
-  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::BrioNormal, m));
-  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::BrioZr, m));
-  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::BrioKt, m));
-}
-
-TEST(Kinds, EnglishEditionAcceptsOnlyEnglishRecorders) {
-  TestInstallation inst(QStringLiteral("en"));
-  ASSERT_TRUE(inst.isValid());
-  const RecorderNumbers n = RecorderNumbers::FromConfig();
-  FlashManage m;
-  m.VersionNo = static_cast<quint8>(n.validVersion - 1);
-  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::AL, m));
-  m.VersionNo = static_cast<quint8>(n.validVersion);
-  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::AL, m));
-  m.FixedData = n.brioEng + " ";  // compared trimmed
-  EXPECT_FALSE(IsRecorderMismatch(RecorderKind::BrioMets, m));
-  m.FixedData = n.brioJpn;
-  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::BrioMets, m));
-  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::BrioZr, m));
-  EXPECT_TRUE(IsRecorderMismatch(RecorderKind::BrioKt, m));
+// An edition takes only recorders of its own language: family A tells by its version,
+// the normal and METS recorders by their fixed text; ZR and KT are always Japanese.
+TEST(Kinds, EachEditionAcceptsOnlyRecordersOfItsLanguage) {
+  for (const bool englishEdition : {false, true}) {
+    TestInstallation inst(QLatin1String(englishEdition ? "en" : "ja"));
+    ASSERT_TRUE(inst.isValid());
+    const RecorderNumbers n = RecorderNumbers::FromConfig();
+    const struct {
+      RecorderKind kind;
+      int version;
+      QString fixed;
+      bool english;
+    } cases[] = {
+        {RecorderKind::AL, n.validVersion - 1, QString(), false},
+        {RecorderKind::AL, n.validVersion, QString(), true},
+        {RecorderKind::BrioNormal, 1, n.brioJpn, false},
+        {RecorderKind::BrioMets, 1, n.brioJpn, false},
+        {RecorderKind::BrioNormal, 1, n.brioEng, true},
+        {RecorderKind::BrioMets, 1, n.brioEng + u' ', true},  // compared trimmed
+        {RecorderKind::BrioZr, 1, n.brioEng, false},
+        {RecorderKind::BrioKt, 1, n.brioEng, false},
+    };
+    for (const auto& c : cases) {
+      FlashManage m;
+      m.VersionNo = static_cast<quint8>(c.version);
+      m.FixedData = c.fixed;
+      EXPECT_EQ(IsRecorderMismatch(c.kind, m), c.english != englishEdition)
+          << KindText(c.kind).toStdString() << " " << c.fixed.toStdString() << " on en=" << englishEdition;
+    }
+  }
 }
 
 // Page counts wrap round the ring of the kind and language in force.
@@ -114,7 +110,6 @@ TEST(Kinds, NegativePageCountsWrapRoundTheRing) {
   s.pmKind = RecorderKind::BrioNormal;
   s.pmLang = RecorderLang::English;
   EXPECT_EQ(WrapPageCount(-10, s), RingSize(s.pmKind, s.pmLang) - 10);
-  EXPECT_EQ(PageBytesOfKind(RecorderKind::Unknown), 0);
   // Kind names round-trip through their stored texts.
   for (RecorderKind kind : {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets, RecorderKind::BrioZr,
                             RecorderKind::BrioKt})

@@ -6,7 +6,6 @@
 #include <QTemporaryDir>
 
 #include "device/device.h"
-#include "testsupport/device_test_util.h"
 #include "testsupport/test_installation.h"
 
 namespace {

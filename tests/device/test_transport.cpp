@@ -6,12 +6,9 @@
 
 #include "device/device.h"
 #include "device/fake_reader.h"
-#include "testsupport/device_test_util.h"
 #include "testsupport/test_installation.h"
 
 namespace {
-
-const QStringList kReadOk = {"Tavo_Start", "Tavo_BRead", "Tavo_GetStatus", "Tavo_Finish"};
 
 DeviceState Opened(qint32 handle = 7, RecorderKind kind = RecorderKind::BrioNormal) {
   DeviceState s;
@@ -21,7 +18,9 @@ DeviceState Opened(qint32 handle = 7, RecorderKind kind = RecorderKind::BrioNorm
   return s;
 }
 
-TEST(Transport, OpenClosesAllWaitsAndKeepsTheHandle) {
+// Open closes every handle first and waits, found or not; close passes on whatever
+// handle there is (0 after a failed open) and keeps it.
+TEST(Transport, OpenClosesAllWaitsAndCloseKeepsTheHandle) {
   FakeReader reader;
   reader.openResult = 42;
   NoWaitClock clock;
@@ -30,15 +29,11 @@ TEST(Transport, OpenClosesAllWaitsAndKeepsTheHandle) {
   EXPECT_EQ(s.hUSB, 42);
   EXPECT_EQ(reader.callNames(), QStringList({"Tavo_CloseAll", "Tavo_Open"}));
   EXPECT_EQ(clock.waits(), QList<int>({100}));
-
   reader.openResult = 0;
   EXPECT_EQ(UsbOpen(reader, clock, s), 0);
-  EXPECT_EQ(clock.waits(), QList<int>({100, 100}));  // waited also with nothing open
-}
+  EXPECT_EQ(clock.waits(), QList<int>({100, 100}));
 
-TEST(Transport, CloseReportsNonzeroAndKeepsTheHandle) {
-  FakeReader reader;
-  DeviceState s;  // a failed open: handle 0 is still passed on
+  reader.calls.clear();
   reader.closeResult = 0;
   EXPECT_FALSE(UsbClose(reader, s));
   ASSERT_EQ(reader.calls.size(), 1u);
@@ -50,31 +45,21 @@ TEST(Transport, CloseReportsNonzeroAndKeepsTheHandle) {
   EXPECT_EQ(s.hUSB, 5);
 }
 
+// Start, read, poll every 100 ms while the reader runs, finish, then the settling wait.
 TEST(Transport, SuccessfulReadIsStartReadPollFinishWithTheSettlingWait) {
   TestInstallation inst;
   FakeReader reader(QByteArray(248 * 20, char(0x5A)));
+  reader.runningPolls = 2;
   NoWaitClock clock;
-  const DeviceState s = Opened();
   std::array<quint8, 992> buffer{};
-  EXPECT_EQ(RecvManage(reader, clock, s, buffer.data()), 0);
-  EXPECT_EQ(reader.callNames(), kReadOk);
+  EXPECT_EQ(RecvManage(reader, clock, Opened(), buffer.data()), 0);
+  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start", "Tavo_BRead", "Tavo_GetStatus", "Tavo_GetStatus",
+                                             "Tavo_GetStatus", "Tavo_Finish"}));
   EXPECT_EQ(reader.calls[1].firstBlock, 0);
   EXPECT_EQ(reader.calls[1].byteCount, 992);
   EXPECT_EQ(reader.calls[1].handle, 7);
   EXPECT_EQ(buffer[991], 0x5A);
-  EXPECT_EQ(clock.waits(), QList<int>({500}));
-}
-
-TEST(Transport, RunningStatusIsPolledEvery100ms) {
-  TestInstallation inst;
-  FakeReader reader;
-  reader.runningPolls = 3;
-  NoWaitClock clock;
-  std::array<quint8, 992> buffer{};
-  EXPECT_EQ(RecvData(reader, clock, Opened(), 2, buffer.data()), 0);
-  EXPECT_EQ(reader.count("Tavo_GetStatus"), 4);
-  EXPECT_EQ(clock.waits(), QList<int>({100, 100, 100, 500}));
-  EXPECT_EQ(reader.calls.back().op, "Tavo_Finish");
+  EXPECT_EQ(clock.waits(), QList<int>({100, 100, 500}));
 }
 
 TEST(Transport, NeverFinishingReadKeepsWaiting) {
@@ -100,42 +85,7 @@ TEST(Transport, FaultStatusIsReturnedAfterTheWaitAndTheTransferStopped) {
   EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start", "Tavo_BRead", "Tavo_GetStatus",
                                              "Tavo_GetStatus", "Tavo_Stop"}));
   EXPECT_EQ(clock.waits(), QList<int>({100, 500}));
-  EXPECT_TRUE(Logged(inst, "2", "RecvManage", "Tavo_GetStatus=77"));
-}
-
-TEST(Transport, RefusedStartMakesNoFurtherCall) {
-  TestInstallation inst;
-  FakeReader reader;
-  reader.refuseStartAt = {0};
-  NoWaitClock clock;
-  std::array<quint8, 992> buffer{};
-  EXPECT_EQ(RecvData(reader, clock, Opened(), 1, buffer.data()), kDeviceNoTransfer);
-  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start"}));
-  EXPECT_TRUE(clock.waits().isEmpty());
-  EXPECT_TRUE(Logged(inst, "2", "RecvData", "Tavo_Start Error"));
-}
-
-TEST(Transport, RefusedReadNeitherStopsNorFinishes) {
-  TestInstallation inst;
-  FakeReader reader;
-  reader.refuseReadAt = {0};
-  NoWaitClock clock;
-  std::array<quint8, 992> buffer{};
-  EXPECT_EQ(RecvManage(reader, clock, Opened(), buffer.data()), kDeviceNoTransfer);
-  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start", "Tavo_BRead"}));
-  EXPECT_TRUE(Logged(inst, "2", "RecvManage", "Tavo_BRead Error"));
-}
-
-TEST(Transport, NoHandleMakesNoCall) {
-  TestInstallation inst;
-  FakeReader reader;
-  NoWaitClock clock;
-  std::array<quint8, 992> buffer{};
-  EXPECT_EQ(RecvManage(reader, clock, Opened(0), buffer.data()), kDeviceNoTransfer);
-  EXPECT_EQ(RecvData(reader, clock, Opened(0), 3, buffer.data()), kDeviceNoTransfer);
-  EXPECT_TRUE(reader.calls.empty());
-  EXPECT_TRUE(Logged(inst, "2", "RecvManage", "hUSB=0"));
-  EXPECT_TRUE(Logged(inst, "2", "RecvData", "hUSB=0"));
+  EXPECT_TRUE(inst.logged("2", "RecvManage", "Tavo_GetStatus=77"));
 }
 
 TEST(Transport, PageAddressesAndSizesFollowTheKind) {
@@ -157,14 +107,48 @@ TEST(Transport, PageAddressesAndSizesFollowTheKind) {
   }
 }
 
-TEST(Transport, UnknownKindLeavesTheTransferOpen) {
+// A transfer the reader refuses, one without a handle and one of an unknown kind end
+// early with their code, make no further call and say why in the log.
+TEST(Transport, RefusedTransfersEndEarlyAndAreLogged) {
+  const struct {
+    const char* what;
+    qint32 handle;
+    RecorderKind kind;
+    bool refuseStart, refuseRead;
+    qint32 code;
+    QStringList calls;
+    const char* logName;
+    const char* logText;
+  } cases[] = {
+      {"start refused", 7, RecorderKind::BrioNormal, true, false, kDeviceNoTransfer, {"Tavo_Start"}, "RecvData",
+       "Tavo_Start Error"},
+      {"read refused", 7, RecorderKind::BrioNormal, false, true, kDeviceNoTransfer, {"Tavo_Start", "Tavo_BRead"},
+       "RecvData", "Tavo_BRead Error"},
+      {"no handle", 0, RecorderKind::BrioNormal, false, false, kDeviceNoTransfer, {}, "RecvData", "hUSB=0"},
+      // The transfer is left open: the kind is looked at after the start.
+      {"unknown kind", 3, RecorderKind::Unknown, false, false, kDeviceUnknownKind, {"Tavo_Start"},
+       "FlashManage_SetPMKind", "PMSoftVersion ERROR,Not AL or BRIO"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    TestInstallation inst;
+    FakeReader reader;
+    if (c.refuseStart) reader.refuseStartAt = {0};
+    if (c.refuseRead) reader.refuseReadAt = {0};
+    NoWaitClock clock;
+    std::array<quint8, 992> buffer{};
+    EXPECT_EQ(RecvData(reader, clock, Opened(c.handle, c.kind), 1, buffer.data()), c.code);
+    EXPECT_EQ(reader.callNames(), c.calls);
+    EXPECT_TRUE(clock.waits().isEmpty());
+    EXPECT_TRUE(inst.logged("2", c.logName, c.logText));
+  }
+  // The management block goes the same way.
   TestInstallation inst;
   FakeReader reader;
   NoWaitClock clock;
   std::array<quint8, 992> buffer{};
-  EXPECT_EQ(RecvData(reader, clock, Opened(3, RecorderKind::Unknown), 1, buffer.data()), kDeviceUnknownKind);
-  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start"}));
-  EXPECT_TRUE(Logged(inst, "2", "FlashManage_SetPMKind", "PMSoftVersion ERROR,Not AL or BRIO"));
+  EXPECT_EQ(RecvManage(reader, clock, Opened(0), buffer.data()), kDeviceNoTransfer);
+  EXPECT_TRUE(inst.logged("2", "RecvManage", "hUSB=0"));
 }
 
 TEST(Transport, PageBelowOneDecodesAZeroedBuffer) {
@@ -179,8 +163,8 @@ TEST(Transport, PageBelowOneDecodesAZeroedBuffer) {
   EXPECT_EQ(s.data.StepCount, 0);
   EXPECT_EQ(s.data.bcDate, ZeroDate());
   EXPECT_EQ(s.data.CpuNo, QString(6, QChar(0)));
-  EXPECT_TRUE(Logged(inst, "2", "RecvData", "too less block [0]"));
-  EXPECT_TRUE(Logged(inst, "2", "RecvData", "too less block [-5]"));
+  EXPECT_TRUE(inst.logged("2", "RecvData", "too less block [0]"));
+  EXPECT_TRUE(inst.logged("2", "RecvData", "too less block [-5]"));
 }
 
 TEST(Transport, ManagementReceiveSetsKindDecodesAndSavesTheRawBlock) {
@@ -225,14 +209,14 @@ TEST(Transport, ReceiveFailuresAreLoggedWithTheirCode) {
   NoWaitClock clock;
   DeviceState s = Opened(1, RecorderKind::Unknown);
   EXPECT_EQ(PM_RecvManage(reader, clock, s, QString()), kDeviceUnknownKind);
-  EXPECT_TRUE(Logged(inst, "2", "PM_RecvManage", "FlashManage_SetPMKind ERROR(-40001)"));
+  EXPECT_TRUE(inst.logged("2", "PM_RecvManage", "FlashManage_SetPMKind ERROR(-40001)"));
   reader.faultAt[1] = 12;
   s.pmKind = RecorderKind::AL;
   EXPECT_EQ(PM_RecvData(reader, clock, s, 1, QString()), 12);
-  EXPECT_TRUE(Logged(inst, "2", "PM_RecvData", "RecvData ERROR(12)"));
+  EXPECT_TRUE(inst.logged("2", "PM_RecvData", "RecvData ERROR(12)"));
   reader.refuseStartAt = {2};
   EXPECT_EQ(PM_RecvManage(reader, clock, s, QString()), kDeviceNoTransfer);
-  EXPECT_TRUE(Logged(inst, "2", "PM_RecvManage", "RecvManage ERROR(-30000)"));
+  EXPECT_TRUE(inst.logged("2", "PM_RecvManage", "RecvManage ERROR(-30000)"));
 }
 
 TEST(Transport, DumpLevelsWriteRecordsAndRawBytes) {
@@ -247,13 +231,13 @@ TEST(Transport, DumpLevelsWriteRecordsAndRawBytes) {
   inst.setConfig("PM_TEST", "PM_DUNP", "1");
   ASSERT_EQ(PM_RecvManage(reader, clock, s, QString()), 0);
   ASSERT_EQ(PM_RecvData(reader, clock, s, 1, QString()), 0);
-  EXPECT_TRUE(Logged(inst, "0", "FLASHMANAGE", QString::fromUtf8("固定データ[") + o.numbers.brioJpn + "]"));
-  EXPECT_TRUE(Logged(inst, "0", "FLASHDATA", QString::fromUtf8("身体活動レベル日内変動")));
-  EXPECT_TRUE(Logged(inst, "0", "FLASHDATA", "23:58:"));
-  EXPECT_FALSE(Logged(inst, "0", "FLASHDATA", "991("));
+  EXPECT_TRUE(inst.logged("0", "FLASHMANAGE", QString::fromUtf8("固定データ[") + o.numbers.brioJpn + "]"));
+  EXPECT_TRUE(inst.logged("0", "FLASHDATA", QString::fromUtf8("身体活動レベル日内変動")));
+  EXPECT_TRUE(inst.logged("0", "FLASHDATA", "23:58:"));
+  EXPECT_FALSE(inst.logged("0", "FLASHDATA", "991("));
   inst.setConfig("PM_TEST", "PM_DUNP", "2");
   ASSERT_EQ(PM_RecvData(reader, clock, s, 1, QString()), 0);
-  EXPECT_TRUE(Logged(inst, "0", "FLASHDATA", "991(0)"));  // the zero padding after 496 bytes
+  EXPECT_TRUE(inst.logged("0", "FLASHDATA", "991(0)"));  // the zero padding after 496 bytes
 }
 
 }  // namespace

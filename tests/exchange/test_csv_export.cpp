@@ -26,20 +26,12 @@ void ExpectGolden(const QString& text, const QString& name) {
 
 class JapaneseExport : public ExchangeTest {
  protected:
-  void SetUp() override {
-    SetUpEdition(QStringLiteral("ja"));
-    StoreRecorder();
-    StoreImportedDay();
-  }
+  void SetUp() override { SetUpWithDays(QStringLiteral("ja")); }
 };
 
 class EnglishExport : public ExchangeTest {
  protected:
-  void SetUp() override {
-    SetUpEdition(QStringLiteral("en"));
-    StoreRecorder();
-    StoreImportedDay();
-  }
+  void SetUp() override { SetUpWithDays(QStringLiteral("en")); }
 };
 
 }  // namespace

@@ -53,71 +53,41 @@ class JapaneseImport : public ImportTest {
 
 class EnglishImport : public ImportTest {
  protected:
-  void SetUp() override { SetUpEdition(QStringLiteral("en")); }
+  void SetUp() override { SetUpWithDays(QStringLiteral("en")); }
 };
 
-// Exports every kind, imports each file into an empty database, and compares the days
-// column by column as far as the kind carries them.
-void ExpectRoundTrip(ImportTest& t, VtDatabase& source, VtDatabase& target, TestInstallation& inst, bool english) {
-  for (int kind : {0, 1, 2}) {
-    SCOPED_TRACE(kind);
-    const QString folder = inst.path(QStringLiteral("temp/kind%1").arg(kind));
+// Exports every kind, imports each file into an empty database and exports the new user
+// again: all that the kind carries comes back, so the two files agree below the first
+// line (which names the user as the file name gave it).
+void ExpectRoundTrip(VtDatabase& source, VtDatabase& target, TestInstallation& inst) {
+  const auto exportOne = [&inst](VtDatabase& db, const QString& userId, int kind, const QString& name) {
+    const QString folder = inst.path(QStringLiteral("temp/%1%2").arg(name).arg(kind));
     QDir().mkpath(folder);
     NullProgress progress;
     QString log;
-    ASSERT_EQ(CSVBatchExport(source, QStringLiteral("20240101"), QStringLiteral("20241231"), kind, folder,
-                             {kCsvUser}, progress, log),
+    EXPECT_EQ(CSVBatchExport(db, QStringLiteral("20240101"), QStringLiteral("20241231"), kind, folder, {userId},
+                             progress, log),
               1)
         << log.toStdString();
-    const CsvImportSummary s = CSVBatchImport(target, {folder}, QString(), progress);
+    return folder;
+  };
+  const auto body = [](const QString& folder) {
+    const QDir dir(folder);
+    const QStringList files = dir.entryList(QDir::Files);
+    return files.size() == 1 ? ReadBytes(dir.filePath(files[0])).split('\n').mid(1) : QList<QByteArray>();
+  };
+  for (int kind : {0, 1, 2}) {
+    SCOPED_TRACE(kind);
+    const QString written = exportOne(source, kCsvUser, kind, QStringLiteral("out"));
+    NullProgress progress;
+    const CsvImportSummary s = CSVBatchImport(target, {written}, QString(), progress);
     ASSERT_EQ(s.filesImported, 1) << s.log.toStdString();
-    const std::vector<CsvRow> before = StoredDays(source, kCsvUser);
-    const std::vector<CsvRow> after = StoredDays(target, s.files[0].userId);
+    const QList<QByteArray> before = body(written);
+    const QList<QByteArray> after = body(exportOne(target, s.files[0].userId, kind, QStringLiteral("back")));
+    ASSERT_GT(before.size(), 700);
     ASSERT_EQ(after.size(), before.size());
-    const bool familyB = kind == 0 || (kind == 2 && !english);
-    for (size_t i = 0; i < before.size(); ++i) {
-      const CsvRow& a = before[i];
-      const CsvRow& b = after[i];
-      SCOPED_TRACE(a.MEASUREMENT_DAY.toStdString());
-      EXPECT_EQ(b.MEASUREMENT_DAY, a.MEASUREMENT_DAY);
-      EXPECT_EQ(b.WEEK_DAY, a.WEEK_DAY);
-      EXPECT_EQ(b.GENDAR, a.GENDAR);
-      EXPECT_EQ(b.AGE, a.AGE);
-      if (english && !a.HEIGHT_FEET.isEmpty()) {
-        EXPECT_EQ(b.HEIGHT_FEET + b.HEIGHT_INCH + u'/' + b.WEIGHT_PAUND, a.HEIGHT_FEET + a.HEIGHT_INCH + u'/' + a.WEIGHT_PAUND);
-      } else {
-        EXPECT_EQ(b.HEIGHT_CM + u'/' + b.WEIGHT_KG, a.HEIGHT_CM + u'/' + a.WEIGHT_KG);
-      }
-      EXPECT_EQ(b.TARGET_CAL, a.TARGET_CAL);
-      EXPECT_EQ(b.ENERGY_EXPENDITURE, a.ENERGY_EXPENDITURE);
-      EXPECT_EQ(b.ACTIVITY, a.ACTIVITY);
-      EXPECT_EQ(b.STEP_COUNT, a.STEP_COUNT);
-      for (size_t l = 0; l < 10; ++l) EXPECT_EQ(b.ACTIVITY_LEVEL[l], a.ACTIVITY_LEVEL[l]) << l;
-      EXPECT_EQ(b.ACTIVITY_LEVEL_SMALL, a.ACTIVITY_LEVEL_SMALL);
-      for (size_t e = 0; e < 10; ++e) EXPECT_EQ(b.EVENT[e], a.EVENT[e]) << e;
-      if (familyB) {
-        EXPECT_EQ(b.TARGET_STEP, a.TARGET_STEP);
-        EXPECT_EQ(b.PACE_CM, a.PACE_CM);
-        EXPECT_EQ(b.DISTANCE_KM, a.DISTANCE_KM);
-        EXPECT_EQ(b.ACCUMULATION_TIME, a.ACCUMULATION_TIME);
-        EXPECT_EQ(b.LOWER_BOUND + b.UPPER_BOUND, a.LOWER_BOUND + a.UPPER_BOUND);
-        EXPECT_EQ(b.PEDOMERA, a.PEDOMERA);
-        EXPECT_EQ(b.MEMORY_LOCK, a.MEMORY_LOCK);
-        EXPECT_EQ(b.MEASUREMENT_MODE, a.MEASUREMENT_MODE);
-        if (english) {
-          EXPECT_EQ(b.TARGET_TIME, a.TARGET_TIME);
-        }
-      }
-      if (kind == 2 && !english) {
-        EXPECT_EQ(b.EXERCISE, a.EXERCISE);
-      }
-      // Profiles: a missing or "-1" slot comes back as "-1".
-      QStringList pa = a.ACT_LEVEL_BLOCK.split(u',');
-      while (pa.size() < 720) pa << QStringLiteral("-1");
-      EXPECT_EQ(b.ACT_LEVEL_BLOCK, pa.join(u','));
-    }
+    for (qsizetype i = 0; i < before.size(); ++i) ASSERT_EQ(after[i], before[i]) << "line " << i + 2;
   }
-  (void)t;
 }
 
 }  // namespace
@@ -126,14 +96,12 @@ TEST_F(JapaneseImport, EveryKindReadsBackTheDaysItWrote) {
   StoreRecorder();
   StoreImportedDay();
   OpenFreshDatabase();
-  ExpectRoundTrip(*this, db_, fresh_, *inst_, false);
+  ExpectRoundTrip(db_, fresh_, *inst_);
 }
 
 TEST_F(EnglishImport, EveryKindReadsBackTheDaysItWrote) {
-  StoreRecorder();
-  StoreImportedDay();
   OpenFreshDatabase();
-  ExpectRoundTrip(*this, db_, fresh_, *inst_, true);
+  ExpectRoundTrip(db_, fresh_, *inst_);
 }
 
 // The hand-made files of the older layouts: format code, level scale, date order.
@@ -179,16 +147,12 @@ TEST_F(JapaneseImport, OlderLayoutsReadWithTheirScaleAndDateOrder) {
     EXPECT_TRUE(rows[2].NewestOfDay);
     EXPECT_TRUE(rows[0].ACT_LEVEL_BLOCK.startsWith(QStringLiteral("0,1,2,3,0,")));
     EXPECT_TRUE(rows[1].ACT_LEVEL_BLOCK.startsWith(QStringLiteral("-1,-1,")));
+    if (c.code != 2) continue;
+    // The oldest layouts have no activity time: the minutes at levels 4 to 9 stand in.
+    EXPECT_EQ(rows[0].ACCUMULATION_TIME, QStringLiteral("144"));  // (4+3+2+1)*216 points of 4 s
+    EXPECT_EQ(rows[2].WEEK_DAY, QStringLiteral("4"));             // blank weekday taken from the date
+    EXPECT_EQ(rows[0].EVENT[0], QStringLiteral("0715"));
   }
-  // The oldest layouts have no activity time: the minutes at levels 4 to 9 stand in.
-  std::vector<CsvRow> rows;
-  CsvFormat format;
-  int line = 0;
-  QString reason;
-  ASSERT_TRUE(ReadCSVData(rows, TestDataPath(QStringLiteral("samples/old02_佐藤一郎_20030405.csv")), line, format, reason));
-  EXPECT_EQ(rows[0].ACCUMULATION_TIME, QStringLiteral("144"));  // (4+3+2+1)*216 points of 4 s
-  EXPECT_EQ(rows[2].WEEK_DAY, QStringLiteral("4"));             // blank weekday taken from the date
-  EXPECT_EQ(rows[0].EVENT[0], QStringLiteral("0715"));
 
   // The whole folder in one batch: a user per file, two days each.
   const CsvImportSummary s = Import(db_, {TestDataPath(QStringLiteral("samples"))});

@@ -52,7 +52,7 @@ TEST_F(Catalogue, RecordsFieldsAndFirstCodeWins) {
   EXPECT_FALSE(FindMessage("info-i-0001"));  // codes compare exactly
 }
 
-TEST_F(Catalogue, MessageTextsAndIcons) {
+TEST_F(Catalogue, MessageTextsIconsAndAnswers) {
   MessageDialog("CRIT-C-0001");
   MessageDialog("WARN-W-0001", "extra line");
   MessageDialog("INFO-I-0001", "<__MESSAGE1__|__MESSAGE2__|__MESSAGE1__>", true);
@@ -67,6 +67,10 @@ TEST_F(Catalogue, MessageTextsAndIcons) {
   EXPECT_EQ(shown()[2].icon, DialogIcon::Information);
   EXPECT_EQ(shown()[3].icon, DialogIcon::None);
   EXPECT_FALSE(shown()[0].question);
+  inst.dialog().queueAnswer(kAnswerYes);
+  EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerYes);
+  EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerNo);  // empty queue answers No
+  EXPECT_TRUE(shown()[4].question);
 
   MessageRecord rec{0, "one", "", "X"};
   EXPECT_EQ(BuildMessageText(rec, "", true), "");  // not corrected
@@ -91,13 +95,6 @@ TEST_F(Catalogue, WarningsAndErrorsAreLoggedBeforeTheBox) {
   const auto before = inst.traceText().size();
   MessageDialog("INFO-I-0001");
   EXPECT_EQ(inst.traceText().size(), before);  // level 0 is not logged
-}
-
-TEST_F(Catalogue, QuestionsReturnTheAnswer) {
-  inst.dialog().queueAnswer(kAnswerYes);
-  EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerYes);
-  EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerNo);  // empty queue answers No
-  EXPECT_TRUE(shown()[0].question);
 }
 
 TEST_F(Catalogue, MissingCodeAndMissingTitle) {
@@ -193,7 +190,7 @@ TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
   inst.setResource("X", "C_G", "300");
   inst.setResource("X", "C_B", "1");
   EXPECT_EQ(GetIniBackColor("X", "C"), 0u);
-  EXPECT_TRUE(inst.traceText().contains("|GetIniBackColor      |color not found: X,C"));
+  EXPECT_TRUE(inst.logged("1", "GetIniBackColor", "color not found: X,C"));
 
   QFile picture(inst.path("images/user1.png"));
   ASSERT_TRUE(picture.open(QIODevice::WriteOnly));
@@ -202,8 +199,7 @@ TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
   inst.setResource("VB_COMMON", "IMAGE_USERICON_2", "../images/none.png");
   EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_1"), "../images/user1.png");
   EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_2"), "");
-  EXPECT_TRUE(inst.traceText().contains("|SetIniPicture        |image file not found: VB_COMMON,IMAGE_USERICON_2"));
-  EXPECT_TRUE(IsPictureFileExist("../images/user1.png"));
+  EXPECT_TRUE(inst.logged("1", "SetIniPicture", "image file not found: VB_COMMON,IMAGE_USERICON_2"));
   EXPECT_FALSE(IsPictureFileExist(""));
 
   inst.setResource("VB_COMMON", "CHARSET", "128");

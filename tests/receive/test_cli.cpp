@@ -58,34 +58,33 @@ TEST_F(ReceiveCommand, ANewUserThenALaterStateOfTheSameRecorder) {
             13);
 }
 
-TEST_F(ReceiveCommand, AnUnknownUserIsRefusedBeforeAnythingIsRead) {
-  place(recorder(5));
-  const QStringList before = dump();
-  for (const QStringList& args : {QStringList{QStringLiteral("--as"), QStringLiteral("U000000404")},
-                                  QStringList{QStringLiteral("--state"), QStringLiteral("S_JOB"),
-                                              QStringLiteral("--as"), QStringLiteral("U000000404"),
-                                              QStringLiteral("--yes")}}) {
-    const CliRun r = run(args);
-    EXPECT_EQ(r.exitCode, 1);
-    EXPECT_TRUE(r.err.contains(QStringLiteral("U000000404"))) << r.err.toStdString();
-    EXPECT_EQ(dump(), before);
-  }
-}
-
-TEST_F(ReceiveCommand, IdentifiersMatchExactlyAndASecondProcessIsToldItIsBusy) {
+// An unknown user (an identifier matches exactly) is refused before anything is read, and
+// a second process is told the installation is busy.
+TEST_F(ReceiveCommand, UnknownUsersAndASecondProcessAreRefusedBeforeAnythingIsRead) {
   place(recorder(5));
   const QString id = addUser(QStringLiteral("山田 花子"));
   const QStringList before = dump();
-  CliRun r = run({QStringLiteral("--as"), id.toLower()});
-  EXPECT_EQ(r.exitCode, 1);
-  EXPECT_TRUE(r.err.contains(QStringLiteral("no user %1; did you mean %2?").arg(id.toLower(), id)))
-      << r.err.toStdString();
-  EXPECT_EQ(dump(), before);
+  const struct {
+    QStringList args;
+    QString error;
+  } refused[] = {
+      {{QStringLiteral("--as"), QStringLiteral("U000000404")}, QStringLiteral("U000000404")},
+      {{QStringLiteral("--state"), QStringLiteral("S_JOB"), QStringLiteral("--as"), QStringLiteral("U000000404"),
+        QStringLiteral("--yes")},
+       QStringLiteral("U000000404")},
+      {{QStringLiteral("--as"), id.toLower()}, QStringLiteral("no user %1; did you mean %2?").arg(id.toLower(), id)},
+  };
+  for (const auto& c : refused) {
+    const CliRun r = run(c.args);
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_TRUE(r.err.contains(c.error)) << r.err.toStdString();
+    EXPECT_EQ(dump(), before);
+  }
 
   // Another process holds the installation: the tool waits its few seconds, then says so.
   InstallationLock other(db->path());
   ASSERT_TRUE(other.acquire(0));
-  r = run({QStringLiteral("--as"), id});
+  CliRun r = run({QStringLiteral("--as"), id});
   EXPECT_EQ(r.exitCode, 1);
   EXPECT_TRUE(r.out.contains(QStringLiteral("ending: busy"))) << r.out.toStdString();
   EXPECT_TRUE(r.err.contains(CatalogueLine(QStringLiteral("COMN-W-0001")))) << r.err.toStdString();

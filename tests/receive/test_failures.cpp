@@ -2,7 +2,6 @@
 // database as it was, apart from the overlap day that the page arithmetic deletes.
 #include "testsupport/receive_fixture.h"
 
-using Answer = ReceiveQuestions::NewCpuAnswer;
 
 class Failures : public ReceiveFixture {
  protected:
@@ -81,10 +80,7 @@ TEST_F(Failures, AFaultInTheFirstReceiveAlsoUndoesTheRecordersAssignment) {
     SCOPED_TRACE(transfer);
     FakeReader fake(image(o));
     fake.faultAt[transfer] = 7;
-    ScriptedQuestions q;
-    q.newCpu = {Answer::SelectUser};
-    q.selected = {id};
-    EXPECT_EQ(receive(q, nullptr, &fake).ending, ReceiveEnding::Failed);
+    EXPECT_EQ(receiveSelecting(id, &fake).ending, ReceiveEnding::Failed);
     EXPECT_EQ(dump(), start);
   }
 }
@@ -130,10 +126,7 @@ TEST_F(Failures, AFailedReleaseOfTheRecorderReportsAndCleansUp) {
   place(recorder(3));
   const QString id = addUser(QStringLiteral("渡辺 六郎"));
   db->exec(QStringLiteral("DROP TABLE CPU_TABLE"));
-  ScriptedQuestions q;
-  q.newCpu = {Answer::SelectUser};
-  q.selected = {id};
-  const ReceiveReport r = receive(q);
+  const ReceiveReport r = receiveSelecting(id);
   EXPECT_EQ(r.ending, ReceiveEnding::Failed);
   EXPECT_TRUE(r.messageCodes.contains(QStringLiteral("DDWN-C-0006")));
   EXPECT_EQ(r.messageCodes.last(), QStringLiteral("COMN-C-0001"));

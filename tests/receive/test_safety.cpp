@@ -30,11 +30,7 @@ TEST_F(ReceiveSafety, ErasedPagesAreSkippedCountedAndReportedNeverStoredEmpty) {
   RecorderImageOptions o = recorder(10);
   o.erasedPages = {3, 6};
   place(o);
-  const QString id = addUser(QStringLiteral("山田 花子"));
-  ScriptedQuestions q;
-  q.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
-  q.selected = {id};
-  const ReceiveReport r = receive(q);
+  const ReceiveReport r = receiveSelecting(addUser(QStringLiteral("山田 花子")));
   ASSERT_EQ(r.ending, ReceiveEnding::Received);
   EXPECT_EQ(r.pagesFetched, 10);
   EXPECT_EQ(r.daysStored, 8);
@@ -54,20 +50,14 @@ TEST_F(ReceiveSafety, ASecondWriterIsToldVantoraIsBusyAndStoresNothing) {
   {
     InstallationLock other(db->path());
     ASSERT_TRUE(other.acquire(0));
-    ScriptedQuestions q;
-    q.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
-    q.selected = {id};
-    const ReceiveReport r = receive(q);
+    const ReceiveReport r = receiveSelecting(id);
     EXPECT_EQ(r.ending, ReceiveEnding::Busy);
     EXPECT_EQ(r.messageCodes, QStringList{QStringLiteral("COMN-W-0001")});
     EXPECT_EQ(dump(), before);
   }
   // Once the other writer is done the same receive goes through, and the lock is free
   // again afterwards.
-  ScriptedQuestions q;
-  q.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
-  q.selected = {id};
-  EXPECT_EQ(receive(q).ending, ReceiveEnding::Received);
+  EXPECT_EQ(receiveSelecting(id).ending, ReceiveEnding::Received);
   InstallationLock after(db->path());
   EXPECT_TRUE(after.acquire(0));
   SetWriterLockWaitMs(5000);
@@ -83,10 +73,7 @@ TEST_F(ReceiveSafety, ARetryOffersTheUserAnEarlierReceiveRegisteredInsteadOfRefu
 
   // Once that user has days the name is taken as before.
   place(recorder(3));
-  ScriptedQuestions q;
-  q.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
-  q.selected = {first};
-  ASSERT_EQ(receive(q).ending, ReceiveEnding::Received);
+  ASSERT_EQ(receiveSelecting(first).ending, ReceiveEnding::Received);
   QString third;
   EXPECT_EQ(RegisterUserByName(*db, QStringLiteral("山田 花子"), third), 9);
 }

@@ -82,6 +82,16 @@ TEST_F(Scenario, ASecondReceiveFetchesOnlyTheNewPagesAndReplacesTheDayBeingRecor
             10);
   EXPECT_EQ(user(id).LAST_PAGE.trimmed(), QStringLiteral("13"));
   EXPECT_EQ(user(id).LAST_RECEIVE_ID.trimmed(), QStringLiteral("R000000002"));
+
+  // With the owner open on the main screen it is the same: no question, the new pages.
+  place(recorder(14, QDate(2024, 7, 4)));
+  SetScreenState(kStateJob);
+  SetCurrentUserId(id);
+  ScriptedQuestions again;
+  const ReceiveReport r2 = receive(again);
+  ASSERT_EQ(r2.ending, ReceiveEnding::Received);
+  EXPECT_TRUE(again.asked.isEmpty());
+  EXPECT_EQ(r2.pagesFetched, 2);
 }
 
 TEST_F(Scenario, FullReceivesFetchEverythingEveryTime) {
@@ -143,11 +153,8 @@ TEST_F(Scenario, MemoryLockStopsAtTheRecordersEndPage) {
   o.memoryDays = 7;
   place(o);
   const QString id = addUser(QStringLiteral("鈴木 次郎"));
-  ScriptedQuestions q;
-  q.newCpu = {Answer::SelectUser};
-  q.selected = {id};
   FakeReader fake(image(o));
-  const ReceiveReport r = receive(q, nullptr, &fake);
+  const ReceiveReport r = receiveSelecting(id, &fake);
   ASSERT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
   EXPECT_EQ(r.endPage, 7);
   EXPECT_EQ(r.pagesFetched, 7);
@@ -166,14 +173,13 @@ TEST_F(Scenario, AnUnsetWeightOnTheLastPageLeavesThatDayForNextTime) {
             0);
   EXPECT_EQ(user(id).LAST_PAGE.trimmed(), QStringLiteral("5"));
   EXPECT_TRUE(inst->traceText().contains(QStringLiteral("WeightErr UserID=") + id));
-}
 
-TEST_F(Scenario, FamilyAStoresTheDayEvenWithoutWeight) {
-  RecorderImageOptions o = recorder(3);
+  // Family A has no weight setting: its day is stored all the same.
   o.kind = RecorderKind::AL;
-  o.unsetWeight = true;
-  firstReceive(o);
-  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 3);
+  o.cpuNo = QStringLiteral("B00007");
+  SetScreenState(kStateUserSelect);
+  const QString other = firstReceive(o, QStringLiteral("田中 三郎"));
+  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT WHERE USER_ID = ?"), other), 5);
 }
 
 TEST_F(Scenario, ARecorderOfAnotherUserChangesHandsOnlyWhenAgreed) {
@@ -199,18 +205,6 @@ TEST_F(Scenario, ARecorderOfAnotherUserChangesHandsOnlyWhenAgreed) {
   EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")).trimmed(), other);
   EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM CPU_TABLE")), 1);
   EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT WHERE USER_ID = ?"), owner), 10);
-}
-
-TEST_F(Scenario, TheOwnerOpenOnTheMainScreenReceivesWithoutQuestion) {
-  const QString owner = firstReceive(recorder(10));
-  place(recorder(11, QDate(2024, 7, 1)));
-  SetScreenState(kStateJob);
-  SetCurrentUserId(owner);
-  ScriptedQuestions q;
-  const ReceiveReport r = receive(q);
-  ASSERT_EQ(r.ending, ReceiveEnding::Received);
-  EXPECT_TRUE(q.asked.isEmpty());
-  EXPECT_EQ(r.pagesFetched, 2);
 }
 
 TEST_F(Scenario, AResetRecorderAsksAndThenFetchesWhatItHolds) {
@@ -247,7 +241,6 @@ TEST_F(Scenario, CancelledRegistrationOrSelectionReturnsToTheNewRecorderQuestion
   EXPECT_EQ(r.userId, id);
 
   // Cancelling the question itself removes the receive again.
-  place(recorder(4, QDate(2024, 9, 1)));
   RecorderImageOptions other = recorder(4, QDate(2024, 9, 1));
   other.cpuNo = QStringLiteral("B00007");
   place(other);

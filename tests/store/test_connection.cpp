@@ -11,16 +11,6 @@
 
 namespace {
 
-class CountingProgress : public ProgressInterface {
- public:
-  void setMaximum(int m) override { maximum = m; }
-  void setValue(int v) override { values.push_back(v); }
-  void setStatus(const QString&) override {}
-  bool cancelRequested() override { return false; }
-  int maximum = 0;
-  std::vector<int> values;
-};
-
 TEST_F(StoreTest, OpenFillsEmptyArgumentsWithTheDefaults) {
   VtDatabase other;
   QString path;
@@ -114,49 +104,13 @@ TEST_F(StoreTest, FailedCounterGivesThePrefixAlone) {
   EXPECT_FALSE(db_.lastErrorNumber().isEmpty());
 }
 
-TEST_F(StoreTest, CompactionKeepsTheDataAndABackupAndLeavesOtherCopiesAlone) {
-  UserInfo u;
-  u.GROUP_ID = kDefaultGroupId;
-  u.FIRST_NAME = QStringLiteral("Hana");
-  ASSERT_EQ(SetUser(db_, u), 0);
-  VTDB_Close(db_);
-
-  QFile org(inst_.dbFile() + QStringLiteral(".org"));
-  ASSERT_TRUE(org.open(QIODevice::WriteOnly));
-  org.write("stale");
-  org.close();
-
-  CountingProgress progress;
-  QString path = inst_.dbFile();
-  int result = 99;
-  CompactDB(path, result, progress, QString(), 0.0);
-  EXPECT_EQ(result, 0);
-  EXPECT_EQ(progress.values, (std::vector<int>{20, 40, 60, kCompactProgressMaximum}));
-  EXPECT_FALSE(QFile::exists(CompactTempPath(inst_.dbFile())));
-  EXPECT_TRUE(QFile::exists(inst_.dbFile() + QStringLiteral(".bak")));
-
-  QString password;
-  ASSERT_EQ(VTDB_Open(db_, path, password), 0);
-  UserInfo back;
-  ASSERT_TRUE(GetUserInfo(db_, back, u.USER_ID));
-  EXPECT_EQ(back.FIRST_NAME, QStringLiteral("Hana"));
-  // The copy is a database under the same key.
-  VtDatabase bak;
-  EXPECT_EQ(ConnectDB(bak, inst_.dbFile() + QStringLiteral(".bak"), kDefaultDbPassword), 0);
-  EXPECT_TRUE(VTDB_ExistUser(bak));
-  EXPECT_EQ(messages(), 0u);
-}
-
 int compareBytes(void*, int n1, const void* a, int n2, const void* b) {
   const int c = std::memcmp(a, b, static_cast<size_t>(std::min(n1, n2)));
   return c != 0 ? c : n1 - n2;
 }
 
 TEST_F(StoreTest, AFailedCompactionPutsTheDatabaseBackUnderItsName) {
-  UserInfo u;
-  u.GROUP_ID = kDefaultGroupId;
-  u.FIRST_NAME = QStringLiteral("Hana");
-  ASSERT_EQ(SetUser(db_, u), 0);
+  addUser(QStringLiteral("U000000001"));
   // A table whose collation only this connection knows: the export into the fresh file
   // fails after the database has been renamed to ".org".
   ASSERT_EQ(sqlite3_create_collation(db_.handle(), "ONLYHERE", SQLITE_UTF8, nullptr, compareBytes), SQLITE_OK);
@@ -176,9 +130,7 @@ TEST_F(StoreTest, AFailedCompactionPutsTheDatabaseBackUnderItsName) {
   // The next start opens the household's data, not an empty file.
   QString password;
   ASSERT_EQ(VTDB_Open(db_, path, password), 0);
-  UserInfo back;
-  ASSERT_TRUE(GetUserInfo(db_, back, u.USER_ID));
-  EXPECT_EQ(back.FIRST_NAME, QStringLiteral("Hana"));
+  EXPECT_TRUE(hasUser(QStringLiteral("U000000001")));
 }
 
 TEST_F(StoreTest, CompactionOfAMissingFileOnlyLogs) {

@@ -1,31 +1,38 @@
 // Users, groups, recorders and general items.
 #include "device/device.h"
 #include "frame/catalogue.h"
+#include "testsupport/sample_user.h"
 #include "testsupport/store_fixture.h"
 
 namespace {
 
 UserInfo person(const QString& first, const QString& last = QString(), const QString& nick = QString()) {
-  UserInfo u;
-  u.GROUP_ID = kDefaultGroupId;
-  u.LOGIN_ID = QStringLiteral("login");
-  u.FIRST_NAME = first;
-  u.LAST_NAME = last;
-  u.NICK_NAME = nick;
-  u.GENDAR = QStringLiteral("1");
-  u.AGE = QStringLiteral("41");
-  u.HEIGHT_CM = QStringLiteral("158");
-  u.WEIGHT_KG = QStringLiteral("52.5");
-  u.TARGET_CAL = QStringLiteral("250");
-  u.TARGET_STEP = QStringLiteral("9000");
-  u.TARGET_ACTMIN = QStringLiteral("40");
-  return u;
+  return SampleUserInfo(first, last, nick);
 }
 
 QString rawColumn(VtDatabase& db, const QString& column, const QString& userId) {
   Statement st(db, QStringLiteral("SELECT %1 FROM [USER] WHERE StrComp(USER_ID, ?, 0) = 0").arg(column));
   st.bind(1, userId);
   return st.step() ? st.text(0) : QStringLiteral("<none>");
+}
+
+// One person after another is offered; each is stored (0) or refused with the code of the
+// first rule it breaks.
+struct Offer {
+  const char* first;
+  const char* last;
+  const char* nick;
+  bool instructor;
+  int code;
+  const char* why;
+};
+
+void ExpectCodes(VtDatabase& db, std::initializer_list<Offer> offers) {
+  for (const Offer& o : offers) {
+    UserInfo u = person(QString::fromUtf8(o.first), QString::fromUtf8(o.last), QString::fromUtf8(o.nick));
+    if (o.instructor) u.GROUP_ID = kInstructorGroupId;
+    EXPECT_EQ(SetUser(db, u), o.code) << o.first << " / " << o.nick << ": " << o.why;
+  }
 }
 
 TEST_F(StoreTest, JapaneseUserCodesInOrder) {
@@ -35,49 +42,31 @@ TEST_F(StoreTest, JapaneseUserCodesInOrder) {
   // Stored padded to the widths, read back trimmed.
   EXPECT_EQ(rawColumn(db_, QStringLiteral("FIRST_NAME"), a.USER_ID).size(), 20);
   EXPECT_EQ(rawColumn(db_, QStringLiteral("HEIGHT_FEET"), a.USER_ID), QStringLiteral(" "));
-
-  UserInfo b = person(QString());
-  EXPECT_EQ(SetUser(db_, b), 13);
-  b = person(QStringLiteral("森 次郎"), QString(), QStringLiteral("   "));
-  EXPECT_EQ(SetUser(db_, b), 8) << "a nick of blanks is unusable, not missing";
-  b = person(QStringLiteral("森 次郎"), QString(), QStringLiteral("0001"));
-  EXPECT_EQ(SetUser(db_, b), 7);
-  // The identification number is compared exactly: a full-width form is another number.
-  b = person(QStringLiteral("森 次郎"), QString(), QStringLiteral("０００１"));
-  EXPECT_EQ(SetUser(db_, b), 0);
-  b = person(QStringLiteral("Instructor"));
-  EXPECT_EQ(SetUser(db_, b), 10);
-  // Same name and number outside the instructor group: the "=" comparison ignores case,
-  // width and trailing blanks.
-  b = person(QStringLiteral("森 花子  "), QString(), QStringLiteral("0002"));
-  EXPECT_EQ(SetUser(db_, b), 0);
-  b = person(QStringLiteral("森 花子"), QString(), QStringLiteral("0002"));
-  EXPECT_EQ(SetUser(db_, b), 7);
-  b = person(QStringLiteral("森 花子"));
-  EXPECT_EQ(SetUser(db_, b), 0) << "no nick: the name with an empty nick is not yet used";
-  b = person(QStringLiteral("森 花子"));
-  EXPECT_EQ(SetUser(db_, b), 9);
-  b.GROUP_ID = kInstructorGroupId;
-  EXPECT_EQ(SetUser(db_, b), 0) << "the instructor group is left out of the name test";
+  ExpectCodes(db_, {
+      {"", "", "", false, 13, "no name"},
+      {"森 次郎", "", "   ", false, 8, "a nick of blanks is unusable, not missing"},
+      {"森 次郎", "", "0001", false, 7, "number taken"},
+      {"森 次郎", "", "０００１", false, 0, "a full-width number is another number"},
+      {"Instructor", "", "", false, 10, "the instructor's name"},
+      // Same name and number outside the instructor group: "=" ignores case, width and trailing blanks.
+      {"森 花子  ", "", "0002", false, 0, "another number"},
+      {"森 花子", "", "0002", false, 7, "number taken"},
+      {"森 花子", "", "", false, 0, "no nick: the name with an empty nick is not yet used"},
+      {"森 花子", "", "", false, 9, "name taken"},
+      {"森 花子", "", "", true, 0, "the instructor group is left out of the name test"},
+  });
 }
 
 TEST_F(StoreTestEn, EnglishUserCodesInOrder) {
-  UserInfo a = person(QStringLiteral("Hana"), QStringLiteral("Mori"), QStringLiteral("hana"));
-  ASSERT_EQ(SetUser(db_, a), 0);
-  UserInfo b = person(QStringLiteral("Hana"));
-  EXPECT_EQ(SetUser(db_, b), 13);
-  b = person(QStringLiteral("Instructor"), QStringLiteral("Vantora"));
-  EXPECT_EQ(SetUser(db_, b), 10);
-  b = person(QStringLiteral("Jiro"), QStringLiteral("Mori"), QStringLiteral("  "));
-  EXPECT_EQ(SetUser(db_, b), 8);
-  b = person(QStringLiteral("Jiro"), QStringLiteral("Mori"), QStringLiteral("HANA"));
-  EXPECT_EQ(SetUser(db_, b), 7) << "plain = ignores case";
-  b = person(QStringLiteral("HANA"), QStringLiteral("mori"));
-  EXPECT_EQ(SetUser(db_, b), 9);
-  b.GROUP_ID = kInstructorGroupId;
-  b.NICK_NAME = QStringLiteral("hana");
-  EXPECT_EQ(SetUser(db_, b), 0) << "instructors skip the nick and name tests";
-
+  ExpectCodes(db_, {
+      {"Hana", "Mori", "hana", false, 0, "first"},
+      {"Hana", "", "", false, 13, "no last name"},
+      {"Instructor", "Vantora", "", false, 10, "the instructor's name"},
+      {"Jiro", "Mori", "  ", false, 8, "a nick of blanks"},
+      {"Jiro", "Mori", "HANA", false, 7, "plain = ignores case"},
+      {"HANA", "mori", "", false, 9, "name taken"},
+      {"HANA", "mori", "hana", true, 0, "instructors skip the nick and name tests"},
+  });
   std::vector<UserInfo> users;
   ASSERT_EQ(GetUserList(db_, kDefaultGroupId, users), 1);
   EXPECT_EQ(users[0].DisplayName, QStringLiteral("hana"));

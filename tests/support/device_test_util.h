@@ -1,17 +1,32 @@
-// Small helpers shared by the device tests.
+// The sample recorder of the tests and a way to put it on the emulated reader.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <QDate>
+#include <QDir>
 #include <QString>
 
+#include "device/recorder_image.h"
 #include "testsupport/test_installation.h"
 
-// True when the installation's trace log holds the line "|level|name|message" (the
-// log pads short names to a fixed width).
-inline bool Logged(const TestInstallation& inst, const QString& level, const QString& name,
-                   const QString& message) {
-  QString shownName = name;
-  if (name.size() < 20) shownName = name.leftJustified(21, QLatin1Char(' '));
-  else if (name.size() > 20) shownName = name.left(20);
-  return inst.traceText().contains(QLatin1Char('|') + level + QLatin1Char('|') + shownName +
-                                   QLatin1Char('|') + message);
+// A Japanese normal recorder "A00042" worn for `days` days up to lastDay, with the
+// installation's recorder numbers.
+inline RecorderImageOptions SampleRecorder(int days, const QDate& lastDay = QDate(2024, 6, 30)) {
+  RecorderImageOptions o;
+  o.numbers = RecorderNumbers::FromConfig();
+  o.kind = RecorderKind::BrioNormal;
+  o.days = days;
+  o.lastDay = lastDay;
+  o.cpuNo = QStringLiteral("A00042");
+  return o;
+}
+
+// Makes the recorder the only image on the installation's emulated reader.
+inline void PlaceRecorder(const TestInstallation& inst, const RecorderImageOptions& o) {
+  QDir(inst.readerPath()).removeRecursively();
+  QDir().mkpath(inst.readerPath());
+  QString error;
+  ASSERT_TRUE(WriteRecorderImage(o, inst.readerPath() + QStringLiteral("/recorder.img"), &error))
+      << error.toStdString();
 }

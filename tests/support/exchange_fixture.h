@@ -48,6 +48,13 @@ class ExchangeTest : public ::testing::Test {
     ASSERT_TRUE(GetUserInfo(db_, user_, kCsvUser));
   }
 
+  // The edition with both kinds of stored days.
+  void SetUpWithDays(const QString& lang) {
+    SetUpEdition(lang);
+    StoreRecorder();
+    StoreImportedDay();
+  }
+
   // Days 2024-06-23 to 2024-06-30 from a recorder (the last one still being recorded).
   void StoreRecorder() {
     RecorderImageOptions o;

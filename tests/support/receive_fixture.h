@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
+#include <QFile>
 #include <QString>
 #include <QStringList>
 #include <deque>
@@ -15,6 +15,7 @@
 #include "receive/receive.h"
 #include "frame/shared_values.h"
 #include "store/store.h"
+#include "testsupport/device_test_util.h"
 #include "testsupport/test_installation.h"
 
 // Answers queued by the test; an empty queue answers cancel.
@@ -63,26 +64,13 @@ class ScriptedQuestions : public ReceiveQuestions {
   }
 };
 
-// Counts the looks at the cancel flag and answers yes at the n-th (0 = never).
-class CountingProgress : public ProgressInterface {
- public:
-  int cancelAt = 0;
-  int looks = 0;
-  int maximum = 0;
-  int value = 0;
-  QStringList statuses;
-  void setMaximum(int m) override { maximum = m; }
-  void setValue(int v) override { value = v; }
-  void setStatus(const QString& s) override { statuses << s; }
-  bool cancelRequested() override { return ++looks == cancelAt; }
-};
-
 class ReceiveFixture : public ::testing::Test {
  protected:
   void SetUp() override { setUpEdition(QStringLiteral("ja")); }
 
   void setUpEdition(const QString& lang) {
     db.reset();
+    inst.reset();  // one installation at a time: the old one restores the working directory
     inst = std::make_unique<TestInstallation>(lang);
     ASSERT_TRUE(inst->isValid());
     SetScreenState(kStateUserSelect);
@@ -99,21 +87,9 @@ class ReceiveFixture : public ::testing::Test {
   }
 
   RecorderImageOptions recorder(int days, const QDate& lastDay = QDate(2024, 6, 30)) const {
-    RecorderImageOptions o;
-    o.numbers = RecorderNumbers::FromConfig();
-    o.kind = RecorderKind::BrioNormal;
-    o.days = days;
-    o.lastDay = lastDay;
-    o.cpuNo = QStringLiteral("A00042");
-    return o;
+    return SampleRecorder(days, lastDay);
   }
-  void place(const RecorderImageOptions& o) {
-    QDir(inst->readerPath()).removeRecursively();
-    QDir().mkpath(inst->readerPath());
-    QString error;
-    ASSERT_TRUE(WriteRecorderImage(o, inst->readerPath() + QStringLiteral("/recorder.img"), &error))
-        << error.toStdString();
-  }
+  void place(const RecorderImageOptions& o) { PlaceRecorder(*inst, o); }
   QByteArray image(const RecorderImageOptions& o) const { return MakeRecorderImage(o); }
 
   ReceiveReport receive(ReceiveQuestions& q, ProgressInterface* progress = nullptr,
@@ -162,14 +138,18 @@ class ReceiveFixture : public ::testing::Test {
     VTDB_GetUserInfoFromUserId(*db, id, u);
     return u;
   }
+  // A receive of a new recorder that the user `id` takes from S_USERSELECT.
+  ReceiveReport receiveSelecting(const QString& id, TavoReader* reader = nullptr) {
+    ScriptedQuestions q;
+    q.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
+    q.selected = {id};
+    return receive(q, nullptr, reader);
+  }
   // First receive of a new recorder, registered as a new user from S_USERSELECT.
   QString firstReceive(const RecorderImageOptions& o, const QString& name = QStringLiteral("山田 花子")) {
     place(o);
     const QString id = addUser(name);
-    ScriptedQuestions q;
-    q.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
-    q.selected = {id};
-    const ReceiveReport r = receive(q);
+    const ReceiveReport r = receiveSelecting(id);
     EXPECT_EQ(r.ending, ReceiveEnding::Received) << r.messageCodes.join(u',').toStdString();
     return id;
   }

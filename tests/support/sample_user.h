@@ -1,5 +1,5 @@
-// A fresh database in a test installation holding one ordinary user, the starting point of the
-// tests that make charts from stored days. Header-only: only tests that link the store use it.
+// The sample user, and a fresh database in a test installation holding that user, the starting
+// point of the tests that work on stored days. Header-only: only tests that link the store use it.
 #pragma once
 
 #include <QString>
@@ -8,6 +8,7 @@
 #include "device/recorder_image.h"
 #include "frame/shared_values.h"
 #include "store/store.h"
+#include "testsupport/device_test_util.h"
 #include "testsupport/test_installation.h"
 
 // Hana Sato, 41, 160 cm, 60 kg, with step and calorie targets, in the default group.
@@ -25,6 +26,27 @@ inline UserRecord SampleUser(const QString& userId) {
   u.WEIGHT_KG = QStringLiteral("60.0");
   u.TARGET_STEP = QStringLiteral("9000");
   u.TARGET_CAL = QStringLiteral("250");
+  return u;
+}
+
+// The same person as the screens enter one, with the given names, for SetUser and EditUser
+// (which give the id).
+inline UserInfo SampleUserInfo(const QString& first, const QString& last = QString(),
+                               const QString& nick = QString()) {
+  const UserRecord r = SampleUser(QString());
+  UserInfo u;
+  u.GROUP_ID = r.GROUP_ID;
+  u.LOGIN_ID = r.LOGIN_ID;
+  u.FIRST_NAME = first;
+  u.LAST_NAME = last;
+  u.NICK_NAME = nick;
+  u.GENDAR = r.GENDAR;
+  u.AGE = r.AGE;
+  u.HEIGHT_CM = r.HEIGHT_CM;
+  u.WEIGHT_KG = r.WEIGHT_KG;
+  u.TARGET_STEP = r.TARGET_STEP;
+  u.TARGET_CAL = r.TARGET_CAL;
+  u.TARGET_ACTMIN = QStringLiteral("40");
   return u;
 }
 

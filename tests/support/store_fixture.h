@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QRegularExpression>
 #include <memory>
 
 #include "store/store.h"
@@ -41,10 +40,7 @@ class StoreTest : public ::testing::Test {
 
   // True when the trace log has a line of that level and name (and message, if given).
   bool traced(const QString& level, const QString& name, const QString& message = QString()) {
-    const QString pattern = QStringLiteral("\\|%1\\|%2 *\\|%3").arg(QRegularExpression::escape(level),
-                                                                   QRegularExpression::escape(name),
-                                                                   QRegularExpression::escape(message));
-    return QRegularExpression(pattern).match(inst_.traceText()).hasMatch();
+    return inst_.logged(level, name, message);
   }
 
   TestInstallation inst_;

@@ -11,116 +11,28 @@
 
 namespace {
 
-const char* const kCodes[] = {
-    "CALC-C-0001", "CALC-C-0002", "CALC-I-0001", "COMN-C-0001", "COMN-C-0002", "COMN-I-0001",
-    "CSVE-W-0001", "CSVE-W-0002", "DDWN-C-0001", "DDWN-C-0002", "DDWN-C-0003", "DDWN-C-0004", "DDWN-C-0005",
-    "DDWN-C-0006", "DDWN-W-0001", "DSIM-C-0001", "DSIM-I-0001", "DSIM-I-0002", "DSIM-I-0003",
-    "DSIM-I-0004", "MDWN-C-0001", "MDWN-C-0002", "MDWN-C-0003", "MDWN-C-0004", "MDWN-I-0001",
-    "MDWN-W-0003", "PRNT-I-0001", "PTOP-C-0001", "PTOP-C-0002", "PTOP-I-0001", "UDEL-C-0001",
-    "UDEL-C-0002", "UDEL-W-0001", "UEDT-C-0003", "UEDT-C-0004", "UEDT-I-0001", "UEDT-I-0004",
-    "UEDT-I-0006", "UEDT-W-0005", "UEDT-W-0009", "UREG-C-0003", "UREG-I-0001", "UREG-I-0004",
-    "UREG-I-0006", "UREG-W-0003", "UREG-W-0006", "UREG-W-0010", "USEL-C-0001", "USEL-C-0002",
-    "USEL-C-0003", "USEL-C-0004", "USEL-I-0001", "USEL-I-0004", "BKUP-C-0001", "BKUP-C-0002",
-    "BKUP-C-0003", "BKUP-I-0001", "BKUP-I-0002", "BKUP-W-0001",
+// The values the tests count on where they differ from an installation's: no compaction,
+// every log line, fixed date formats in both editions and the test's own report limits.
+const char* const kTestConfig[][2] = {
+    {"COMPACT_DB", "0"},
+    {"LOG_LEVEL", "0"},
+    {"PDFHELP_NAME", "../help/manual.pdf"},
+    {"HEALTY_DIARY_ADDRESS", "https://example.invalid/diary"},
+    {"LOCALE_SHORTDATE", "yyyy/MM/dd"},
+    {"DATESCREEN_YMD", "yyyy\\/MM\\/dd"},
+    {"DATEGRAPH_YMD", "%Y/%m/%d"},
+    {"DEFAULT_DATA_RANGE", ""},
+    {"MAX_ACT_MIN", "600"},
+    {"MAX_TOTAL_CAL", "4000"},
+    {"MAX_AVE_ACT_MIN", "300"},
+    {"TARGET_AVE_FOOD_INTAKE", "2000"},
+    {"TARGET_EXERCISE", "23"},
+    {"PREFECTURE", ""},
+    {"CSVLOGINID_PREFIX", "CSV"},
+    {"CSVLOGINID_MAX", "9999"},
+    {"STRING_10", "'"},
+    {"STRING_11", ""},
 };
-
-// Every code with the level of its class letter and the code itself in the text, so a
-// test can see which message was shown.
-QByteArray builtInCatalogue() {
-  QByteArray out = "; built-in test catalogue\nTITL-I-0001,0,\"Vantora\",\"\"\n";
-  for (const char* code : kCodes) {
-    const char cls = code[5];
-    const int level = cls == 'C' ? 2 : cls == 'W' ? 1 : 0;
-    out += QByteArray(code) + ',' + QByteArray::number(level) + ",\"message " + code + "\",\"\"\n";
-  }
-  return out;
-}
-
-QByteArray builtInMenu() {
-  return "mnuFile,\"File\"\nmnuQuit,\"Quit\"\nmnuHelp,\"Help\"\n";
-}
-
-QByteArray configText(const QString& lang) {
-  const QByteArray langValue = lang == QLatin1String("en") ? "1" : "0";
-  return "[SYSTEM]\n"
-         "DB_NAME=../data/mdb/ACTA.db\n"
-         "DB_PASSWORD=\n"
-         "COMPACT_DB=0\n"
-         "POLLING_INTERVAL=1000\n"
-         "RAWDATA_PATH=../raw\n"
-         "SAVE_RAW_DATA=0\n"
-         "TEMPDATA_PATH=../temp\n"
-         "LOG_PATH=../log\n"
-         "LOG_LEVEL=0\n"
-         "PDFHELP_NAME=../help/manual.pdf\n"
-         "HEALTY_DIARY_ADDRESS=https://example.invalid/diary\n"
-         "CHART_INI_PATH=../conf/chart.ini\n"
-         "RESORCE_INI_PATH=../conf/resource.ini\n"
-         "PMMETS_INI_PATH=../conf/pmmets.ini\n"
-         "SORT_ORDER=0\n"
-         "VALID_VERSION_NUMBER=20\n"
-         "PMAL_NUMBER=12820\n"
-         "PMBRIO_JPN_NUMBER=13010\n"
-         "PMBRIO_ENG_NUMBER=13020\n"
-         "PMBRIO_KT200_NUMBER=14200\n"
-         "PMBRIO_KT014_NUMBER=14014\n"
-         "LANG=" + langValue + "\n"
-         "SHIFT_DB=1\n"
-         "SHIFT_DB_APPNAME=\n"
-         "LOCALE_CHECK=0\n"
-         "LOCALE_SHORTDATE=yyyy/MM/dd\n"
-         "DATESCREEN_YMD=yyyy\\/MM\\/dd\n"
-         "DATEGRAPH_YMD=%Y/%m/%d\n"
-         "DATEGRAPH_MDA=%m/%d(%a)\n"
-         "\n[OTHER]\n"
-         "SAVE_LAST_USER=1\n"
-         "LAST_USER_ID=\n"
-         "LAST_GROUP_ID=\n"
-         "INSTITUTION=\n"
-         "PRINTER=\n"
-         "PAPER_SIZE=\n"
-         "\n[DOWNLOAD]\n"
-         "DOWNLOAD_DATA_RANGE=1\n"
-         "\n[REPORT]\n"
-         "DEFAULT_DATA_RANGE=\n"
-         "EDFA_STARTING_DAY=1\n"
-         "EDFA_ENDING_DAY=1\n"
-         "EDFA_LOW_STEP_COUNT=50\n"
-         "MAX_STEP=20000\n"
-         "MAX_ACT_MIN=600\n"
-         "MAX_TOTAL_CAL=4000\n"
-         "MAX_AVE_ACT_MIN=300\n"
-         "\n[USER_DEFAULT]\n"
-         "MODERATE_FROM=4\n"
-         "MODERATE_TO=7\n"
-         "TARGET_STEP=8000\n"
-         "TARGET_ACT_MIN=60\n"
-         "TARGET_AVE_FOOD_INTAKE=2000\n"
-         "TARGET_ACT_CAL=300\n"
-         "TARGET_EXERCISE=23\n"
-         "\n[CSV]\n"
-         "MAX_RECORD=366\n"
-         "CSVLOGINID_PREFIX=CSV\n"
-         "CSVLOGINID_MAX=9999\n"
-         "\n[PM_TEST]\n"
-         "PM_AL=1\n"
-         "PM_DUNP=0\n"
-         "\n[PROHIBIT_FILENAME]\n"
-         "STRING_1=\\\n"
-         "STRING_2=/\n"
-         "STRING_3=:\n"
-         "STRING_4=*\n"
-         "STRING_5=?\n"
-         "STRING_6=\"\n"
-         "STRING_7=<\n"
-         "STRING_8=>\n"
-         "STRING_9=|\n"
-         "STRING_10='\n"
-         "\n[READER]\n"
-         "TYPE=EMULATOR\n"
-         "EMULATOR_PATH=../reader\n"
-         "LIBRARY_PATH=\n";
-}
 
 bool writeFile(const QString& path, const QByteArray& bytes) {
   QFile f(path);
@@ -138,11 +50,9 @@ QString distFile(const QString& lang, const QString& relative) {
   return QString();
 }
 
-bool installFile(const QString& lang, const QString& relative, const QString& target,
-                 const QByteArray& fallback) {
+bool installFile(const QString& lang, const QString& relative, const QString& target) {
   const QString source = distFile(lang, relative);
-  if (!source.isEmpty()) return QFile::copy(source, target);
-  return writeFile(target, fallback);
+  return !source.isEmpty() && QFile::copy(source, target);
 }
 
 }  // namespace
@@ -163,29 +73,21 @@ bool TestInstallation::setUp(const QString& lang) {
   for (const char* sub : {"bin", "conf", "data/mdb", "temp", "log", "raw", "reader", "help", "images"}) {
     if (!root.mkpath(QLatin1String(sub))) return false;
   }
-  QByteArray config = configText(lang);
-  // The recorder numbers follow the installation files, so tests see the real ones.
-  if (const QString dist = distFile(lang, QStringLiteral("conf/config.cnf")); !dist.isEmpty()) {
-    for (const char* key : {"VALID_VERSION_NUMBER", "PMAL_NUMBER", "PMBRIO_JPN_NUMBER",
-                            "PMBRIO_ENG_NUMBER", "PMBRIO_KT200_NUMBER", "PMBRIO_KT014_NUMBER"}) {
-      const QString value = ReadIniString(dist, QStringLiteral("SYSTEM"), QLatin1String(key));
-      if (value.isEmpty()) continue;
-      const QByteArray prefix = QByteArray("\n") + key + '=';
-      const qsizetype at = config.indexOf(prefix);
-      const qsizetype end = config.indexOf('\n', at + 1);
-      config.replace(at + prefix.size(), end - at - prefix.size(), value.toUtf8());
-    }
+  // The edition's configuration file with the values the tests count on.
+  const QString dist = distFile(lang, QStringLiteral("conf/config.cnf"));
+  QFile distConfig(dist);
+  if (dist.isEmpty() || !distConfig.open(QIODevice::ReadOnly)) return false;
+  QByteArray config = distConfig.readAll();
+  for (const auto& [key, value] : kTestConfig) {
+    const QByteArray prefix = QByteArray("\n") + key + '=';
+    const qsizetype at = config.indexOf(prefix);
+    if (at < 0) return false;
+    const qsizetype end = config.indexOf('\n', at + 1);
+    config.replace(at + prefix.size(), end - at - prefix.size(), value);
   }
   bool ok = writeFile(configFile(), config);
-  ok = ok && installFile(lang, QStringLiteral("bin/ACTA.res"), path(QStringLiteral("bin/ACTA.res")),
-                         builtInCatalogue());
-  ok = ok && installFile(lang, QStringLiteral("bin/menu.res"), path(QStringLiteral("bin/menu.res")),
-                         builtInMenu());
-  ok = ok && installFile(lang, QStringLiteral("conf/resource.ini"), resourceIniFile(),
-                         "[VB_COMMON]\n");
-  ok = ok && installFile(lang, QStringLiteral("conf/chart.ini"), chartIniFile(), "");
-  ok = ok && installFile(lang, QStringLiteral("conf/pmmets.ini"), path(QStringLiteral("conf/pmmets.ini")),
-                         "");
+  for (const char* file : {"bin/ACTA.res", "bin/menu.res", "conf/resource.ini", "conf/chart.ini", "conf/pmmets.ini"})
+    ok = ok && installFile(lang, QLatin1String(file), path(QLatin1String(file)));
   if (!ok || !QDir::setCurrent(binPath())) return false;
 
   return reload();
@@ -224,8 +126,7 @@ QString TestInstallation::traceText() const {
   return QString::fromUtf8(f.readAll());
 }
 
-QStringList TestInstallation::messageCodes() {
-  QStringList codes;
-  for (const char* code : kCodes) codes << QLatin1String(code);
-  return codes;
+bool TestInstallation::logged(const QString& level, const QString& name, const QString& message) const {
+  const QString shownName = name.size() < 20 ? name.leftJustified(21, u' ') : name.left(20);
+  return traceText().contains(u'|' + level + u'|' + shownName + u'|' + message);
 }

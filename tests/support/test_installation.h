@@ -10,13 +10,14 @@
 #include <QTemporaryDir>
 
 #include <ostream>
+#include <vector>
 
 #include "frame/dialog.h"
 
 class TestInstallation {
  public:
-  // lang "ja" or "en". The catalogue files come from the source tree's dist/<lang>/
-  // when present there, else a small built-in catalogue with every code is written.
+  // lang "ja" or "en". The catalogue and profile files come from the source tree's
+  // dist/<lang>/ (or dist/common/); the installation is invalid without them.
   explicit TestInstallation(const QString& lang = QStringLiteral("ja"));
   ~TestInstallation();
   TestInstallation(const TestInstallation&) = delete;
@@ -52,11 +53,11 @@ class TestInstallation {
 
   // The trace log's text ("" when there is none yet).
   QString traceText() const;
+  // True when the trace log holds a line "|level|name|message..." (the log pads short
+  // names to a fixed width and cuts long ones).
+  bool logged(const QString& level, const QString& name, const QString& message = QString()) const;
 
   RecordingDialog& dialog() { return dialog_; }
-
-  // Every message code the program uses (TITL-I-0001 not included).
-  static QStringList messageCodes();
 
  private:
   bool setUp(const QString& lang);
@@ -66,6 +67,22 @@ class TestInstallation {
   RecordingDialog dialog_;
   ScopedDialogInterface dialogGuard_{&dialog_};
   bool valid_ = false;
+};
+
+// Records what a long operation shows and answers yes to the cancel question at its
+// cancelAt-th look (0 = never).
+class CountingProgress : public ProgressInterface {
+ public:
+  int cancelAt = 0;
+  int looks = 0;
+  int maximum = 0;
+  int value = 0;
+  std::vector<int> values;
+  QStringList statuses;
+  void setMaximum(int m) override { maximum = m; }
+  void setValue(int v) override { values.push_back(value = v); }
+  void setStatus(const QString& s) override { statuses << s; }
+  bool cancelRequested() override { return ++looks == cancelAt; }
 };
 
 // Lets test failures show QString values as text.
