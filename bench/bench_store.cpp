@@ -12,6 +12,7 @@
 #include "frame/config.h"
 #include "device/device.h"
 #include "frame/dialog.h"
+#include "receive/day_rows.h"
 #include "store/store.h"
 
 namespace {
@@ -92,13 +93,15 @@ FlashManage brioManage() {
 bool storeReception(VtDatabase& db, const QDate& first, int count) {
   const QString receiveId = CreateReceiveId(db);
   const FlashManage m = brioManage();
-  if (!VTDB_SetReceiveHistory(db, receiveId, QStringLiteral("20240101120000"), QString(), m)) return false;
+  if (!VTDB_SetReceiveHistory(db, ReceiveHistoryRow(receiveId, QStringLiteral("20240101120000"), QString(), m)))
+    return false;
   for (int i = 0; i < count; ++i) {
     FlashData page = dayPage(first.addDays(i), i);
-    if (!VTDB_SetDayMeasurement(db, receiveId, i + 1, QStringLiteral("U000000001"), i + 1, 1, page, m,
-                                RecorderKind::BrioNormal))
+    if (!VTDB_SetDayMeasurement(db, DayMeasurementRow(receiveId, i + 1, QStringLiteral("U000000001"), i + 1, 1,
+                                                      page, m, RecorderKind::BrioNormal)))
       return false;
-    if (!VTDB_SetTimeMeasurementBlock(db, receiveId, i + 1, page, RecorderKind::BrioNormal)) return false;
+    if (!VTDB_SetTimeMeasurementBlock(db, TimeMeasurementBlockRow(receiveId, i + 1, page, RecorderKind::BrioNormal)))
+      return false;
   }
   return true;
 }

@@ -251,3 +251,13 @@ std::int32_t CLngVb(double value) {
 }
 
 std::int32_t CLngVb(const QString& text) { return CLngVb(CDblVb(text)); }
+
+QString NumberText(double value) {
+  QString s = QString::number(value, 'f', 10);
+  if (s.contains(QLatin1Char('.'))) {
+    while (s.endsWith(QLatin1Char('0'))) s.chop(1);
+    if (s.endsWith(QLatin1Char('.'))) s.chop(1);
+  }
+  if (s == QLatin1String("-0")) s = QStringLiteral("0");
+  return s;
+}

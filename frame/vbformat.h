@@ -22,5 +22,7 @@ std::int32_t CLngVb(const QString& text);
 double CDblVb(const QString& text);
 // True when CDblVb would accept the text.
 bool IsNumericVb(const QString& text);
+// Decimal text of a number with no exponent and no trailing zeros: "2.5", "30", "0".
+QString NumberText(double value);
 // Round to the nearest whole number, halves to the even neighbour.
 double RoundHalfEven(double value);

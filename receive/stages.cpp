@@ -8,6 +8,7 @@
 #include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/helpers.h"
+#include "receive/day_rows.h"
 #include "receive/receive.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
@@ -209,7 +210,7 @@ ReceiveEnding RecvManagementStage::ExecTransfer() {
         // A stale or empty current page. Nothing is cleaned on this path: the history
         // row and the raw file stay as evidence of the attempt.
         UsbClose(s_.reader, dev);
-        if (VTDB_SetReceiveHistory(s_.db, ctx_.receiveId, ctx_.historyDate, ctx_.rawFilePath, manage))
+        if (VTDB_SetReceiveHistory(s_.db, ReceiveHistoryRow(ctx_.receiveId, ctx_.historyDate, ctx_.rawFilePath, manage)))
           ctx_.historyPending = false;
         ShowReceiveMessage(ctx_, QStringLiteral("MDWN-I-0001"));
         Trace(QStringLiteral("0"), kExecTransfer,
@@ -318,7 +319,8 @@ ReceiveEnding RecvDataStage::ExecTransfer() {
     // Everything from here to the end becomes visible in one commit.
     tx_.emplace(s_.db);
     if (ctx_.historyPending) {
-      if (!VTDB_SetReceiveHistory(s_.db, ctx_.receiveId, ctx_.historyDate, ctx_.rawFilePath, dev.manage))
+      if (!VTDB_SetReceiveHistory(s_.db,
+                                  ReceiveHistoryRow(ctx_.receiveId, ctx_.historyDate, ctx_.rawFilePath, dev.manage)))
         return errorEnding(QStringLiteral("MDWN-C-0002"));
     }
     for (const auto& row : ctx_.releasedCpuRows) {
@@ -382,11 +384,11 @@ ReceiveEnding RecvDataStage::ExecTransfer() {
         continue;
       }
 
-      if (!VTDB_SetDayMeasurement(s_.db, ctx_.receiveId, i, ctx_.receiveUserId, page, start, dev.data,
-                                  dev.manage, kind))
+      if (!VTDB_SetDayMeasurement(
+              s_.db, DayMeasurementRow(ctx_.receiveId, i, ctx_.receiveUserId, page, start, dev.data, dev.manage, kind)))
         return errorEnding(QStringLiteral("DDWN-C-0003"));
       progress.yield();
-      if (!VTDB_SetTimeMeasurementBlock(s_.db, ctx_.receiveId, i, dev.data, kind))
+      if (!VTDB_SetTimeMeasurementBlock(s_.db, TimeMeasurementBlockRow(ctx_.receiveId, i, dev.data, kind)))
         return errorEnding(QStringLiteral("DDWN-C-0004"));
       ++ctx_.daysStored;
       progress.setValue(i);
@@ -396,8 +398,8 @@ ReceiveEnding RecvDataStage::ExecTransfer() {
     // 6. 7. body data and the bookkeeping for the next receive; targets stay.
     UsbClose(s_.reader, dev);
     progress.setValue(count + 1);
-    if (UpdateUserData(s_.db, ctx_.receiveUserId, ctx_.receiveId, dev.manage, dev.data, true, kind,
-                       dev.pmLang) != 0)
+    if (UpdateUserData(s_.db, ctx_.receiveUserId,
+                       UserUpdateFromReceive(ctx_.receiveId, dev.manage, dev.data, true, kind, dev.pmLang)) != 0)
       return errorEnding(QStringLiteral("DDWN-C-0005"));
 
     // The one commit of the receive. A full disk fails here and leaves nothing stored.

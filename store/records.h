@@ -4,7 +4,8 @@
 // Fixed-width records (UserRecord, GroupRecord, GeneralRecord, DayRecord,
 // ReceiveHistoryRecord, TimeBlockRecord) hold every column cut or padded with blanks to
 // its width as the reading operations deliver them; callers trim. Writing USER and
-// GENERAL_DATA pads to the width again.
+// GENERAL_DATA pads to the width again; DayRecord, ReceiveHistoryRecord and
+// TimeBlockRecord are also what a reception writes, their texts stored as they stand.
 //
 // Arrays of the old forms ("1 to RecordCount") are std::vector from index 0 here.
 #pragma once
@@ -13,6 +14,7 @@
 #include <QStringList>
 #include <array>
 #include <cstdint>
+#include <optional>
 
 // A row of GROUP.
 struct GroupRecord {
@@ -90,8 +92,8 @@ struct TimeBlockRecord {
   QString MEASUREMENT_MODE;  // 1
 };
 
-// One stored day (DAY_MEASUREMENT without the columns only the CSV import writes).
-// ACTIVITY_LEVEL[i] is ACTIVITY_LEVEL_i; EVENT[n] is EVENT_(n+1).
+// One stored day: DAY_MEASUREMENT without WEIGHT_KG_ORG, WEIGHT_PAUND_ORG and REMARK,
+// which are always empty. ACTIVITY_LEVEL[i] is ACTIVITY_LEVEL_i; EVENT[n] is EVENT_(n+1).
 struct DayRecord {
   QString RECEIVE_ID;           // 10
   QString SEQ_NUM;              // 3
@@ -132,6 +134,23 @@ struct DayRecord {
   QString PEDOMERA;           // 1, after FixPedomeraKind
   QString MEMORY_LOCK;        // 1
   QString EXERCISE;           // 10; null gives 10 blanks
+};
+
+// What a reception writes into the user's row: the body data of the last page and the
+// bookkeeping for the next reception. A target is written only when it holds a value.
+struct UserReceiveUpdate {
+  QString GENDAR;
+  QString AGE;
+  QString HEIGHT_CM;
+  QString HEIGHT_FEET;
+  QString HEIGHT_INCH;
+  QString WEIGHT_KG;
+  QString WEIGHT_PAUND;
+  QString LAST_RECEIVE_ID;
+  QString LAST_PAGE;
+  std::optional<QString> TARGET_CAL;
+  std::optional<QString> TARGET_STEP;
+  std::optional<QString> TARGET_ACTMIN;
 };
 
 // One calendar day for the charts; every text trimmed. Filled per stored row by

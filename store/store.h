@@ -21,12 +21,9 @@
 #include <vector>
 
 #include "store/engine.h"
-#include "device/recorder_kinds.h"
 #include "store/records.h"
 #include "store/schema.h"
 
-struct FlashManage;
-struct FlashData;
 class ProgressInterface;
 
 // ---- connection, identifiers, maintenance ----
@@ -116,12 +113,9 @@ QString VTDB_SearchUserIdFromLoginID(VtDatabase& db, const QString& loginId);
 bool VTDB_SetUserInfo(VtDatabase& db, const UserRecord& user);
 // Rewrites the 31 columns after USER_ID of the row with that USER_ID.
 bool VTDB_ChangeUserInfo(VtDatabase& db, const UserRecord& user);
-// After a reception: body data of the page, LAST_RECEIVE_ID, LAST_PAGE and (unless
-// keepTargets) the targets. A missing user row is no failure.
-// kind and lang are the attached recorder's (DeviceState::pmKind, pmLang), for the ring.
-bool VTDB_UpdateUserData(VtDatabase& db, const QString& userId, const QString& receiveId,
-                         const FlashManage& manage, const FlashData& page, bool keepTargets,
-                         RecorderKind kind, RecorderLang lang);
+// After a reception: the body data, LAST_RECEIVE_ID, LAST_PAGE and the targets that the
+// update holds. A missing user row is no failure.
+bool VTDB_UpdateUserData(VtDatabase& db, const QString& userId, const UserReceiveUpdate& update);
 // After an import: body data and targets of the latest imported day.
 bool VTDB_UpdateUserDataForCSV(VtDatabase& db, const QString& userId, const CsvRow& day);
 bool VTDB_DeleteUserInfo(VtDatabase& db, const QString& userId);
@@ -152,9 +146,8 @@ bool VTDB_DeleteGeneralData(VtDatabase& db, const QString& userId, const QString
 
 // ---- RECEIVE_HISTORY, RECEIVE_HISTORY_DATE ----
 
-bool VTDB_SetReceiveHistory(VtDatabase& db, const QString& receiveId,
-                            const QString& receiveDate, const QString& rawFileName,
-                            const FlashManage& manage);
+// Adds the row with the nine columns of history as they stand.
+bool VTDB_SetReceiveHistory(VtDatabase& db, const ReceiveHistoryRecord& history);
 // True also with no row (record then left as it was).
 bool VTDB_GetReceiveHistory(VtDatabase& db, const QString& receiveId,
                             ReceiveHistoryRecord& history);
@@ -166,13 +159,9 @@ bool VTDB_DeleteReceiveHistoryDate(VtDatabase& db, const QString& receiveId);
 
 // ---- DAY_MEASUREMENT, TIME_MEASUREMENT_BLOCK, TIME_MEASUREMENT ----
 
-// Stores the day of the page. The version text of the management record chooses the
-// family rules, kind (DeviceState::pmKind) the ZR/KT column rules; a family B page gets
-// the distance carry applied to the record itself. A page dated with the zero date is
-// stored with empty MEASUREMENT_DAY and RAW_MEASUREMENT_DAY.
-bool VTDB_SetDayMeasurement(VtDatabase& db, const QString& receiveId, int seqNum,
-                            const QString& userId, int page, int startPage, FlashData& day,
-                            const FlashManage& manage, RecorderKind kind);
+// Adds the row of a received day with the columns of day as they stand; WEIGHT_KG_ORG,
+// WEIGHT_PAUND_ORG and REMARK stay empty.
+bool VTDB_SetDayMeasurement(VtDatabase& db, const DayRecord& day);
 bool VTDB_SetDayMeasurementForCSV(VtDatabase& db, const QString& receiveId, int seqNum,
                                   const UserInfo& user, const CsvRow& row);
 // True when found.
@@ -202,10 +191,8 @@ bool VTDB_DeleteDayMeasurement(VtDatabase& db, const QString& receiveId, const Q
 // Deletes the rows of a reception with that page; seqNum gets the SEQ_NUM of the last.
 bool VTDB_DeleteDayMeasurementFromPage(VtDatabase& db, const QString& receiveId,
                                        const QString& page, QString& seqNum);
-// Stores the 720 slot texts of the page's profile by the recorder kind
-// (DeviceState::pmKind); MEASUREMENT_MODE "1" for a METS recorder.
-bool VTDB_SetTimeMeasurementBlock(VtDatabase& db, const QString& receiveId, int seqNum,
-                                  const FlashData& day, RecorderKind kind);
+// Adds the profile row with the four columns of block as they stand.
+bool VTDB_SetTimeMeasurementBlock(VtDatabase& db, const TimeBlockRecord& block);
 bool VTDB_SetTimeMeasurementBlockForCSV(VtDatabase& db, const QString& receiveId, int seqNum,
                                         const UserInfo& user, const CsvRow& row);
 // True also with no row (record then left as it was).
@@ -217,9 +204,6 @@ bool VTDB_DeleteTimeMeasurementBlock(VtDatabase& db, const QString& receiveId,
 
 // The stored text of PEDOMERA, repaired: "0" with a stride other than "0" is "2".
 QString FixPedomeraKind(const QString& pedomera, const QString& strideCm);
-// The 720 comma-joined slot texts of a page's profile for a recorder kind;
-// "" for an unknown kind.
-QString MakeActLevelBlockText(const FlashData& day, RecorderKind kind);
 
 // ---- chart queries ----
 
@@ -276,9 +260,7 @@ std::optional<NameTooLong> FindTooLongName(const UserInfo& user);
 // is "" for 0 and unknown codes.
 void UserRefusalMessage(int code, const UserInfo& user, QString& messageCode, QString& argument);
 // 0, or 22 on failure.
-int UpdateUserData(VtDatabase& db, const QString& userId, const QString& receiveId,
-                   const FlashManage& manage, const FlashData& page, bool keepTargets,
-                   RecorderKind kind, RecorderLang lang);
+int UpdateUserData(VtDatabase& db, const QString& userId, const UserReceiveUpdate& update);
 // 0, or 24 on failure.
 int SetGeneralData(VtDatabase& db, const QString& userId, const QString& year,
                    const QString& month, const QString& day, const QString& item,

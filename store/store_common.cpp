@@ -345,9 +345,8 @@ int EditUser(VtDatabase& db, const UserInfo& user) {
   return 0;
 }
 
-int UpdateUserData(VtDatabase& db, const QString& userId, const QString& receiveId, const FlashManage& manage,
-                   const FlashData& page, bool keepTargets, RecorderKind kind, RecorderLang lang) {
-  if (!VTDB_UpdateUserData(db, userId, receiveId, manage, page, keepTargets, kind, lang)) {
+int UpdateUserData(VtDatabase& db, const QString& userId, const UserReceiveUpdate& update) {
+  if (!VTDB_UpdateUserData(db, userId, update)) {
     traceError(QStringLiteral("UpdateUserData"), QStringLiteral("VTDB_UpdateUserData"));
     return 22;
   }

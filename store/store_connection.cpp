@@ -61,16 +61,6 @@ void InsertRow(VtDatabase& db, const char* table, const QStringList& values) {
   st.run();
 }
 
-QString NumberText(double value) {
-  QString s = QString::number(value, 'f', 10);
-  if (s.contains(QLatin1Char('.'))) {
-    while (s.endsWith(QLatin1Char('0'))) s.chop(1);
-    if (s.endsWith(QLatin1Char('.'))) s.chop(1);
-  }
-  if (s == QLatin1String("-0")) s = QStringLiteral("0");
-  return s;
-}
-
 }  // namespace store_detail
 
 int VTDB_Open(VtDatabase& db, QString& path, QString& password) {

@@ -42,10 +42,6 @@ inline const char* kNoCurrentRecord =
 // text). Padded tables get their values cleaned of line breaks and padded to the widths.
 void InsertRow(VtDatabase& db, const char* table, const QStringList& values);
 
-// Decimal text of a number as the tables and the CSV files hold it: no exponent for the
-// values the store meets, no trailing zeros.
-QString NumberText(double value);
-
 // A stored day row as a CsvRow (trimmed, cut at NUL, imperial members emptied for metric
 // days, PEDOMERA repaired, missing EXERCISE computed). NewestOfDay is left false.
 CsvRow ReadCsvRow(const Statement& st);

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "frame/config.h"
-#include "device/device.h"
 #include "frame/helpers.h"
 #include "store/store.h"
 #include "store/store_internal.h"
@@ -16,47 +15,10 @@ namespace {
 
 QString num(qint64 v) { return QString::number(v); }
 
-QString eventText(const QTime& t) {
-  return IsNoEventTime(t) ? QStringLiteral("9999") : t.toString(QStringLiteral("HHmm"));
-}
-
 QString computedExercise(const std::array<QString, 10>& levels) {
   std::array<std::int32_t, 6> counts{};
   for (int i = 0; i < 6; ++i) counts[static_cast<size_t>(i)] = static_cast<std::int32_t>(Val(levels[static_cast<size_t>(4 + i)]));
   return NumberText(ExerciseFromLevels(counts));
-}
-
-QString computedExercise(const FlashData& d) {
-  const std::array<std::int32_t, 6> counts = {d.Level4, d.Level5, d.Level6, d.Level7, d.Level8, d.Level9};
-  return NumberText(ExerciseFromLevels(counts));
-}
-
-// Slot texts by raw value, built once: nibble kinds and METS.
-const std::array<QString, 256>& nibbleTexts() {
-  static const std::array<QString, 256> t = [] {
-    std::array<QString, 256> a;
-    for (int b = 0; b < 256; ++b) {
-      if (b == 0) a[0] = QStringLiteral("0");
-      else if (b == 1) a[1] = QStringLiteral("0.5");
-      else if (b <= 10) a[static_cast<size_t>(b)] = QString::number(b - 1);
-      else a[static_cast<size_t>(b)] = QStringLiteral("-1");
-    }
-    return a;
-  }();
-  return t;
-}
-
-const std::array<QString, 256>& metsTexts() {
-  static const std::array<QString, 256> t = [] {
-    std::array<QString, 256> a;
-    for (int b = 0; b < 256; ++b) {
-      if (b == 0) a[0] = QStringLiteral("0");
-      else if (b <= 90) a[static_cast<size_t>(b)] = Format(b / 10.0, QStringLiteral("#0.0"));
-      else a[static_cast<size_t>(b)] = QStringLiteral("-1");
-    }
-    return a;
-  }();
-  return t;
 }
 
 void deleteWhere(VtDatabase& db, const char* table, const QString& receiveId, const QString& seqNum) {
@@ -92,29 +54,13 @@ QString FixPedomeraKind(const QString& pedomera, const QString& strideCm) {
   return pedomera;
 }
 
-QString MakeActLevelBlockText(const FlashData& day, RecorderKind kind) {
-  const std::array<QString, 256>* texts = nullptr;
-  if (kind == RecorderKind::BrioMets) texts = &metsTexts();
-  else if (IsNibbleKind(kind)) texts = &nibbleTexts();
-  if (!texts) return QString();
-  const LevelProfileArray& profile = KindProfile(day, kind);
-  QString out;
-  out.reserve(kProfileSlots * 4);
-  for (int i = 0; i < kProfileSlots; ++i) {
-    if (i) out += QLatin1Char(',');
-    out += (*texts)[profile[static_cast<size_t>(i)]];
-  }
-  return out;
-}
-
 // ---- reception history ----
 
-bool VTDB_SetReceiveHistory(VtDatabase& db, const QString& receiveId, const QString& receiveDate,
-                            const QString& rawFileName, const FlashManage& manage) {
+bool VTDB_SetReceiveHistory(VtDatabase& db, const ReceiveHistoryRecord& h) {
   return Guarded(db, "VTDB_SetReceiveHistory", false, [&] {
     InsertRow(db, "RECEIVE_HISTORY",
-              {receiveId, num(manage.VersionNo), num(manage.RecorderId), manage.CpuNo, receiveDate,
-               rawFileName, num(manage.RecordStartPage), num(manage.RecordEndPage), num(manage.RecordingPage)});
+              {h.RECEIVE_ID, h.VERSION_NO, h.ID_NO, h.CPU_NO, h.RECEIVE_DATE, h.RAWFILENAME, h.START_PAGE,
+               h.END_PAGE, h.CURRENT_PAGE});
     return true;
   });
 }
@@ -162,74 +108,20 @@ bool VTDB_DeleteReceiveHistoryDate(VtDatabase& db, const QString& receiveId) {
 
 // ---- days ----
 
-bool VTDB_SetDayMeasurement(VtDatabase& db, const QString& receiveId, int seqNum, const QString& userId,
-                            int page, int startPage, FlashData& day, const FlashManage& manage,
-                            RecorderKind kind) {
+bool VTDB_SetDayMeasurement(VtDatabase& db, const DayRecord& d) {
   return Guarded(db, "VTDB_SetDayMeasurement", false, [&] {
-    const QString version = manage.FixedData.trimmed();
-    const bool familyA = version == Ini_GetPmAlNumber();
-    const QString date = IsNoDate(day.bcDate) ? QString() : DateToYmd(day.bcDate);
-    const QString heightCm = num(day.HeightCm);
-    QString feet;
-    QString inch;
-    CmToFeetInch(heightCm, feet, inch);
-    const QString weightKg =
-        familyA ? Format(static_cast<double>(day.WeightKg), QStringLiteral("##0.0"))
-                : Format(QStringLiteral("%1.%2").arg(day.WeightKg).arg(day.WeightFraction), QStringLiteral("##0.0"));
-    const bool poundFromKg = version == Ini_GetPmBrioJpnNumber() || version == Ini_GetPmBrioKt200Number() ||
-                             version == Ini_GetPmBrioKt014Number() || day.WeightPound > 999;
-    const QString weightPound = poundFromKg ? num(KgToPound(day.WeightKg)) : num(day.WeightPound);
-
     QStringList v;
-    v << receiveId << num(seqNum) << num(startPage) << num(page) << date << date
-      << (day.bcDate.isValid() ? num(day.bcDate.dayOfWeek()) : QString()) << userId << num(day.Gender)
-      << num(day.Age) << heightCm << feet << inch << weightKg << weightPound << QString() << QString()
-      << num(day.TargetActivity) << num(day.TotalEnergy) << num(day.Activity) << num(day.StepCount);
-    for (int i = 0; i <= 9; ++i) v << num(day.level(i));
-    v << num(day.LevelSmall);
-    for (int i = 1; i <= 10; ++i) v << eventText(day.event(i));
-
-    const qint64 levelSum = qint64(day.Level4) + day.Level5 + day.Level6 + day.Level7 + day.Level8 + day.Level9;
-    if (familyA) {
-      v << QStringLiteral("4") << QStringLiteral("9") << QStringLiteral("0") << QStringLiteral("0")
-        << QStringLiteral("0") << QStringLiteral("0") << QStringLiteral("0") << QString() << QStringLiteral("0")
-        << num(levelSum) << QStringLiteral("0") << QStringLiteral("0") << QStringLiteral("0") << QString()
-        << QStringLiteral("0") << QString() << QString() << QString();
-      // SELECT_UNIT, MEMORY_LOCK, REMARK and EXERCISE are set below.
-    } else {
-      // A distance this high with a plausible step count is a carry between the two
-      // counters: it belongs to the range minutes.
-      if (day.Distance >= 665 && day.StepCount <= 70000) {
-        day.Distance -= 665;
-        day.RangeMinutes = day.RangeMinutes >= 65535 ? 0 : day.RangeMinutes + 1;
-      }
-      const bool k = kind == RecorderKind::BrioKt || kind == RecorderKind::BrioZr;
-      QString paceFeet;
-      QString paceInch;
-      CmToFeetInch(num(day.Stride), paceFeet, paceInch);
-      const QString km = NumberText(day.Distance / 10.0);
-      QString mile;
-      KmToMile(km, mile);
-      if (k) v << QStringLiteral("4") << QStringLiteral("9") << QStringLiteral("0");
-      else v << num(day.RangeLower) << num(day.RangeUpper) << num(day.TargetTime);
-      v << num(day.Stride) << paceFeet << paceInch << num(day.TargetSteps) << QString();
-      v << (k ? QStringLiteral("0") : (day.LogicSelect == 1 ? QStringLiteral("1") : QStringLiteral("0")));
-      v << (k ? num(levelSum) : num(day.RangeMinutes));
-      v << km << mile;
-      v << (k ? QStringLiteral("0") : (day.TargetSelect == 1 ? QStringLiteral("1") : QStringLiteral("0")));
-      v << QString() << (kind == RecorderKind::BrioZr ? QStringLiteral("2")
-                         : kind == RecorderKind::BrioKt ? QStringLiteral("3")
-                                                  : QStringLiteral("1"));
-      v << QString() << QString() << QString();
-    }
-    // The last columns: SELECT_UNIT 55, (PEDOMERA 56 set above), MEMORY_LOCK 57,
-    // REMARK 58, EXERCISE 59.
-    if (v.size() != 60) Fail(QStringLiteral("DAY_MEASUREMENT row of %1 values").arg(v.size()));
-    v[55] = day.UnitFlag == 1 ? QStringLiteral("1") : QStringLiteral("0");
-    v[57] = num(manage.MemorySetting);
-    v[58] = QString();
-    const bool k = !familyA && (kind == RecorderKind::BrioKt || kind == RecorderKind::BrioZr);
-    v[59] = k ? NumberText(day.Exercise / 10.0) : computedExercise(day);
+    v << d.RECEIVE_ID << d.SEQ_NUM << d.START_PAGE << d.PAGE << d.MEASUREMENT_DAY << d.RAW_MEASUREMENT_DAY
+      << d.WEEK_DAY << d.USER_ID << d.GENDAR << d.AGE << d.HEIGHT_CM << d.HEIGHT_FEET << d.HEIGHT_INCH
+      << d.WEIGHT_KG << d.WEIGHT_PAUND << QString() << QString() << d.TARGET_CAL << d.ENERGY_EXPENDITURE
+      << d.ACTIVITY << d.STEP_COUNT;
+    for (const QString& level : d.ACTIVITY_LEVEL) v << level;
+    v << d.ACTIVITY_LEVEL_SMALL;
+    for (const QString& event : d.EVENT) v << event;
+    v << d.LOWER_BOUND << d.UPPER_BOUND << d.TARGET_TIME << d.PACE_CM << d.PACE_FEET << d.PACE_INCH
+      << d.TARGET_STEP << d.DISPLAY_MODE << d.MEASUREMENT_MODE << d.ACCUMULATION_TIME << d.DISTANCE_KM
+      << d.DISTANCE_MILE << d.SELECT_TARGET << d.SELECT_UNIT << d.PEDOMERA << d.MEMORY_LOCK << QString()
+      << d.EXERCISE;
     InsertRow(db, "DAY_MEASUREMENT", v);
     return true;
   });
@@ -495,12 +387,9 @@ bool VTDB_DeleteDayMeasurementFromPage(VtDatabase& db, const QString& receiveId,
 
 // ---- profiles ----
 
-bool VTDB_SetTimeMeasurementBlock(VtDatabase& db, const QString& receiveId, int seqNum, const FlashData& day,
-                                  RecorderKind kind) {
+bool VTDB_SetTimeMeasurementBlock(VtDatabase& db, const TimeBlockRecord& b) {
   return Guarded(db, "VTDB_SetTimeMeasurementBlock", false, [&] {
-    InsertRow(db, "TIME_MEASUREMENT_BLOCK",
-              {receiveId, num(seqNum), MakeActLevelBlockText(day, kind),
-               kind == RecorderKind::BrioMets ? QStringLiteral("1") : QStringLiteral("0")});
+    InsertRow(db, "TIME_MEASUREMENT_BLOCK", {b.RECEIVE_ID, b.SEQ_NUM, b.ACT_LEVEL_BLOCK, b.MEASUREMENT_MODE});
     return true;
   });
 }

@@ -2,7 +2,6 @@
 #include <utility>
 
 #include "frame/config.h"
-#include "device/device.h"
 #include "frame/helpers.h"
 #include "store/store.h"
 #include "store/store_internal.h"
@@ -270,37 +269,18 @@ bool VTDB_ChangeUserInfo(VtDatabase& db, const UserRecord& user) {
   });
 }
 
-bool VTDB_UpdateUserData(VtDatabase& db, const QString& userId, const QString& receiveId,
-                         const FlashManage& manage, const FlashData& page, bool keepTargets,
-                         RecorderKind kind, RecorderLang lang) {
+bool VTDB_UpdateUserData(VtDatabase& db, const QString& userId, const UserReceiveUpdate& update) {
   return Guarded(db, "VTDB_UpdateUserData", false, [&] {
-    QList<std::pair<const char*, QString>> c;
-    const QString heightCm = QString::number(page.HeightCm);
-    c.append({"GENDAR", QString::number(page.Gender)});
-    c.append({"AGE", QString::number(page.Age)});
-    c.append({"HEIGHT_CM", heightCm});
-    QString feet;
-    QString inch;
-    if (page.UnitFlag == 1) CmToFeetInch(heightCm, feet, inch);
-    c.append({"HEIGHT_FEET", feet});
-    c.append({"HEIGHT_INCH", inch});
-    c.append({"WEIGHT_KG", Format(QStringLiteral("%1.%2").arg(page.WeightKg).arg(page.WeightFraction),
-                                  QStringLiteral("##0.0"))});
-    c.append({"WEIGHT_PAUND", page.UnitFlag == 1 ? QString::number(page.WeightPound) : QString()});
-    c.append({"LAST_RECEIVE_ID", receiveId});
-    qint32 lastPage = manage.RecordingPage;
-    if (manage.MemorySetting == 1 &&
-        WrapPageCount(static_cast<qint16>(manage.RecordingPage - manage.RecordStartPage + 1), kind, lang) >
-            manage.MemoryDays)
-      lastPage = manage.RecordEndPage;
-    c.append({"LAST_PAGE", QString::number(lastPage)});
-    if (!keepTargets) {
-      const QString version = manage.FixedData.trimmed();
-      c.append({"TARGET_CAL", QString::number(page.TargetActivity)});
-      if (version != Ini_GetPmAlNumber()) c.append({"TARGET_STEP", QString::number(page.TargetSteps)});
-      if (version == Ini_GetPmBrioJpnNumber() || version == Ini_GetPmBrioEngNumber())
-        c.append({"TARGET_ACTMIN", QString::number(page.TargetTime)});
-    }
+    QList<std::pair<const char*, QString>> c = {
+        {"GENDAR", update.GENDAR},           {"AGE", update.AGE},
+        {"HEIGHT_CM", update.HEIGHT_CM},     {"HEIGHT_FEET", update.HEIGHT_FEET},
+        {"HEIGHT_INCH", update.HEIGHT_INCH}, {"WEIGHT_KG", update.WEIGHT_KG},
+        {"WEIGHT_PAUND", update.WEIGHT_PAUND}, {"LAST_RECEIVE_ID", update.LAST_RECEIVE_ID},
+        {"LAST_PAGE", update.LAST_PAGE},
+    };
+    if (update.TARGET_CAL) c.append({"TARGET_CAL", *update.TARGET_CAL});
+    if (update.TARGET_STEP) c.append({"TARGET_STEP", *update.TARGET_STEP});
+    if (update.TARGET_ACTMIN) c.append({"TARGET_ACTMIN", *update.TARGET_ACTMIN});
     updateUserColumns(db, userId, c);  // a missing user is no failure
     return true;
   });

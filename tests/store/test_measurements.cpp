@@ -1,7 +1,9 @@
-// Days and profiles as stored from a recorder or a CSV file, and the chart queries.
+// Days and profiles as stored from a recorder (through the rows a reception makes of its
+// pages) or a CSV file, and the chart queries.
 #include <QFile>
 
 #include "device/device.h"
+#include "receive/day_rows.h"
 #include "testsupport/store_fixture.h"
 
 namespace {
@@ -55,8 +57,8 @@ class DayStore : public StoreTest {
   DayRecord storeDay(const QString& fixedText, RecorderKind kind, FlashData& page,
                      const QString& receive = QStringLiteral("R000000001"), int seq = 1) {
     const FlashManage m = manageFor(fixedText);
-    EXPECT_TRUE(VTDB_SetDayMeasurement(db_, receive, seq, kUser, seq, 1, page, m, kind));
-    EXPECT_TRUE(VTDB_SetTimeMeasurementBlock(db_, receive, seq, page, kind));
+    EXPECT_TRUE(VTDB_SetDayMeasurement(db_, DayMeasurementRow(receive, seq, kUser, seq, 1, page, m, kind)));
+    EXPECT_TRUE(VTDB_SetTimeMeasurementBlock(db_, TimeMeasurementBlockRow(receive, seq, page, kind)));
     DayRecord r;
     EXPECT_TRUE(VTDB_GetDayMeasurement(db_, receive, QString::number(seq), r));
     return r;
@@ -157,7 +159,8 @@ TEST_F(DayStore, ProfilesBecomeSlotTexts) {
   EXPECT_FALSE(mets.endsWith(QLatin1Char(',')));
   EXPECT_EQ(MakeActLevelBlockText(page, RecorderKind::Unknown), QString());
 
-  ASSERT_TRUE(VTDB_SetTimeMeasurementBlock(db_, QStringLiteral("R000000009"), 1, page, RecorderKind::BrioMets));
+  ASSERT_TRUE(VTDB_SetTimeMeasurementBlock(
+      db_, TimeMeasurementBlockRow(QStringLiteral("R000000009"), 1, page, RecorderKind::BrioMets)));
   TimeBlockRecord block;
   ASSERT_TRUE(VTDB_GetTimeMeasurementDayBlock(db_, QStringLiteral("R000000009"), QStringLiteral("1"), block));
   EXPECT_EQ(block.ACT_LEVEL_BLOCK.trimmed(), mets);
@@ -333,7 +336,8 @@ TEST_F(DayStore, AFailedReceptionIsRemovedAsAWhole) {
   f.write("x");
   f.close();
   const QString id = QStringLiteral("R000000003");
-  ASSERT_TRUE(VTDB_SetReceiveHistory(db_, id, QStringLiteral("20240506120000"), raw, manageFor(QStringLiteral("13020"))));
+  ASSERT_TRUE(VTDB_SetReceiveHistory(
+      db_, ReceiveHistoryRow(id, QStringLiteral("20240506120000"), raw, manageFor(QStringLiteral("13020")))));
   FlashData a = pageOf(QDate(2024, 5, 5), 100);
   FlashData b = pageOf(QDate(2024, 5, 6), 100);
   storeDay(QStringLiteral("13020"), RecorderKind::BrioNormal, a, id, 1);
@@ -377,8 +381,9 @@ TEST_F(DayStore, UserDataFollowsTheRecorder) {
   m.RecordEndPage = 7;
   FlashData page = pageOf(QDate(2024, 5, 6), 100);
   page.UnitFlag = 1;
-  EXPECT_EQ(UpdateUserData(db_, u.USER_ID, QStringLiteral("R000000008"), m, page, true, RecorderKind::BrioNormal,
-                           RecorderLang::Japanese),
+  EXPECT_EQ(UpdateUserData(db_, u.USER_ID,
+                           UserUpdateFromReceive(QStringLiteral("R000000008"), m, page, true,
+                                                 RecorderKind::BrioNormal, RecorderLang::Japanese)),
             0);
   UserRecord r;
   ASSERT_TRUE(VTDB_GetUserInfoFromUserId(db_, u.USER_ID, r));
@@ -388,14 +393,16 @@ TEST_F(DayStore, UserDataFollowsTheRecorder) {
   EXPECT_EQ(r.HEIGHT_FEET.trimmed(), QStringLiteral("5"));
   EXPECT_EQ(r.WEIGHT_PAUND.trimmed(), QStringLiteral("116"));
   EXPECT_EQ(r.TARGET_STEP.trimmed(), QStringLiteral("1234")) << "targets kept";
-  EXPECT_EQ(UpdateUserData(db_, u.USER_ID, QStringLiteral("R000000008"), m, page, false, RecorderKind::BrioNormal,
-                           RecorderLang::Japanese),
+  EXPECT_EQ(UpdateUserData(db_, u.USER_ID,
+                           UserUpdateFromReceive(QStringLiteral("R000000008"), m, page, false,
+                                                 RecorderKind::BrioNormal, RecorderLang::Japanese)),
             0);
   ASSERT_TRUE(VTDB_GetUserInfoFromUserId(db_, u.USER_ID, r));
   EXPECT_EQ(r.TARGET_STEP.trimmed(), QStringLiteral("9000"));
   EXPECT_EQ(r.TARGET_ACTMIN.trimmed(), QStringLiteral("45"));
-  EXPECT_EQ(UpdateUserData(db_, QStringLiteral("U000000077"), QStringLiteral("R1"), m, page, false,
-                           RecorderKind::BrioNormal, RecorderLang::Japanese),
+  EXPECT_EQ(UpdateUserData(db_, QStringLiteral("U000000077"),
+                           UserUpdateFromReceive(QStringLiteral("R1"), m, page, false, RecorderKind::BrioNormal,
+                                                 RecorderLang::Japanese)),
             0) << "no row, no failure";
 }
 

@@ -1,5 +1,4 @@
 // Users, groups, recorders and general items.
-#include "device/device.h"
 #include "frame/catalogue.h"
 #include "testsupport/sample_user.h"
 #include "testsupport/store_fixture.h"
@@ -180,9 +179,10 @@ TEST_F(StoreTest, DeletingAUserLeavesHistoryPlanAndSecondRecorder) {
   EXPECT_EQ(SetGeneralData(db_, a.USER_ID, QStringLiteral("2024"), QStringLiteral("05"), QStringLiteral("01"),
                            QStringLiteral("IT007"), QStringLiteral("IT007001"), QStringLiteral("3")),
             0);
-  FlashManage m;
-  ASSERT_TRUE(VTDB_SetReceiveHistory(db_, QStringLiteral("R000000001"), QStringLiteral("20240501120000"),
-                                     QString(), m));
+  ReceiveHistoryRecord history;
+  history.RECEIVE_ID = QStringLiteral("R000000001");
+  history.RECEIVE_DATE = QStringLiteral("20240501120000");
+  ASSERT_TRUE(VTDB_SetReceiveHistory(db_, history));
   CsvRow row;
   row.MEASUREMENT_DAY = row.RAW_MEASUREMENT_DAY = QStringLiteral("20240430");
   row.STEP_COUNT = QStringLiteral("5000");

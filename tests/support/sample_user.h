@@ -1,5 +1,6 @@
 // The sample user, and a fresh database in a test installation holding that user, the starting
-// point of the tests that work on stored days. Header-only: only tests that link the store use it.
+// point of the tests that work on stored days. Header-only: only tests that link the store and
+// the receive use it.
 #pragma once
 
 #include <QString>
@@ -7,6 +8,7 @@
 #include "device/device.h"
 #include "device/recorder_image.h"
 #include "frame/shared_values.h"
+#include "receive/day_rows.h"
 #include "store/store.h"
 #include "testsupport/device_test_util.h"
 #include "testsupport/test_installation.h"
@@ -75,8 +77,9 @@ inline QString StoreRecorderDays(VtDatabase& db, const QString& userId, const Re
     FlashData data;
     if (FlashData_Decode(AsBytes(MakeDayPage(o, p.date, p.recording)), data, o.kind) != 0)
       return QStringLiteral("page %1 does not decode").arg(p.page);
-    if (!VTDB_SetDayMeasurement(db, receiveId, seq, userId, p.page, o.startPage, data, manage, o.kind) ||
-        !VTDB_SetTimeMeasurementBlock(db, receiveId, seq, data, o.kind))
+    if (!VTDB_SetDayMeasurement(db, DayMeasurementRow(receiveId, seq, userId, p.page, o.startPage, data, manage,
+                                                      o.kind)) ||
+        !VTDB_SetTimeMeasurementBlock(db, TimeMeasurementBlockRow(receiveId, seq, data, o.kind)))
       return QStringLiteral("page %1 was not stored").arg(p.page);
     ++seq;
   }
