@@ -27,11 +27,8 @@ class ProgressDriver : public ProgressInterface {
 
   explicit ProgressDriver(VtDatabase* db = nullptr) : db_(db) {}
   void setView(ProgressView* view) { view_ = view; }
-  void setDatabase(VtDatabase* db) { db_ = db; }
 
   // ---- parameters, set before the screen is shown ----
-  void ProcSetParam(const QString& title, const QString& status, const QString& buttonText,
-                    int maximum, int startValue, bool buttonEnabled);
   void ProcSetExecParam(int operation, const QString& title, const QString& status,
                         const QString& buttonText, int maximum, int startValue, bool buttonEnabled);
   void ProcSetCompactDB(const QString& path);
@@ -52,9 +49,7 @@ class ProgressDriver : public ProgressInterface {
   void ProcGetCSVExportParam(int& filesWritten, QString& log, int& result) const;
 
   // ---- progress operations (every one lets events through afterwards) ----
-  void CntUpProgressbar(int step);
   void SetProgressbarValue(int value);
-  void SetProgressbarValueMax();
   void ChangeLabelCaption(const QString& text);
   // cmdCancel: the running loop ends at its next test.
   void cancelClicked();
