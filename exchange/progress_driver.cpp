@@ -94,7 +94,7 @@ int ProgressDriver::run() {
       break;
     }
     case kDeleteGroup:
-      result_ = db_ ? DeleteGroup(*db_, groupId_.isEmpty() ? GetCurrentGroupId() : groupId_, *this) : -1;
+      result_ = db_ ? DeleteGroup(*db_, GetCurrentGroupId(), *this) : -1;
       break;
     case kCsvExport: {
       if (!db_) {

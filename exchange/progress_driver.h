@@ -32,8 +32,6 @@ class ProgressDriver : public ProgressInterface {
   void ProcSetExecParam(int operation, const QString& title, const QString& status,
                         const QString& buttonText, int maximum, int startValue, bool buttonEnabled);
   void ProcSetCompactDB(const QString& path);
-  // The group operation 2 deletes.
-  void ProcSetGroupId(const QString& groupId) { groupId_ = groupId; }
   // Folders and/or single files; groupId is the group of users registered by the import
   // (empty: the current group).
   void ProcSetCSVImportParam(const QString& folder) { ProcSetCSVImportParam(QStringList{folder}); }
@@ -93,7 +91,6 @@ class ProgressDriver : public ProgressInterface {
   bool ran_ = false;
   bool running_ = false;
   QString compactPath_;
-  QString groupId_;
   QStringList importPaths_;
   QString importGroupId_;
   int filesRead_ = 0;

@@ -113,7 +113,7 @@ TEST_F(ProgressTest, DeleteGroupRemovesItsUsersThenTheGroup) {
   d.setView(&view);
   d.ProcSetExecParam(ProgressDriver::kDeleteGroup, QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"), 1,
                      0, false);
-  d.ProcSetGroupId(kDefaultGroupId);
+  SetCurrentGroupId(kDefaultGroupId);
   EXPECT_EQ(d.run(), 0);
   std::vector<UserInfo> users;
   GetUserList(db_, kDefaultGroupId, users);
