@@ -131,7 +131,6 @@ class ChartMaker {
   // A surface that goes away is forgotten.
   void forgetSurface(const ChartSurface* surface);
   bool hasChart(const ChartSurface* surface) const;
-  const ChartSettings& settings() const { return *settings_; }
 
   // Windows paper number (9 A4, 1 Letter, 11 A5, 8 A3, 13 B5 (JIS), 5 Legal, 70 A6, ...)
   // to a Qt page size id; false for a number that is not known. Numbers from

@@ -12,7 +12,6 @@ int QtReportPrinter::printPage(const QString& printerName, const QString& docume
   printer.setDocName(documentName);
   // A page size the printer does not offer falls back to the printer's own default.
   if (!printer.setPageLayout(layout)) printer.setPageOrientation(QPageLayout::Portrait);
-  if (confirm_ && !confirm_(printer)) return chartcode::kPrintCancel;
   QPainter p;
   if (!p.begin(&printer)) return chartcode::kPrintFailed;
   paint(p, QRectF(QPointF(0, 0), printer.pageLayout().paintRectPixels(printer.resolution()).size()));

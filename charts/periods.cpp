@@ -1,7 +1,5 @@
 #include "charts/periods.h"
 
-#include "frame/helpers.h"
-
 namespace charts {
 
 namespace {
@@ -29,13 +27,6 @@ int StepsOf(const QDate& anchor, const QDate& date) {
 
 }  // namespace
 
-int ToIsoWeekday(int platformWeekday) { return (platformWeekday + 5) % 7 + 1; }
-
-int IsoWeekdayOfDate(const QString& dateText) {
-  QDate d = dateText.contains(QLatin1Char('/')) ? SlashToDate(dateText) : YmdToDate(dateText);
-  return d.isValid() ? d.dayOfWeek() : 0;
-}
-
 WeekEndWeekdays GetWeekEndWeekdays(const QDate& lastDay) {
   WeekEndWeekdays w;
   if (!lastDay.isValid()) return w;
@@ -52,21 +43,6 @@ FourWeekSpan FindFourWeekSpan(const QDate& anchor, const QDate& date) {
 FourWeekSpan ShiftFourWeekSpan(const QDate& anchor, const QDate& date, int n) {
   if (!anchor.isValid() || !date.isValid()) return {};
   return SpanAt(anchor, StepsOf(anchor, date) + n);
-}
-
-std::vector<std::pair<QString, QString>> ListFourWeekSpans(const QDate& anchor,
-                                                           const QDate& firstDate,
-                                                           const QDate& lastDate) {
-  std::vector<std::pair<QString, QString>> spans;
-  if (!anchor.isValid() || !firstDate.isValid() || !lastDate.isValid() || lastDate < firstDate)
-    return spans;
-  const QString fmt = QStringLiteral("yyyyMMdd");
-  for (int k = StepsOf(anchor, firstDate);; ++k) {
-    FourWeekSpan s = SpanAt(anchor, k);
-    spans.emplace_back(s.start.toString(fmt), s.end.toString(fmt));
-    if (s.end >= lastDate) break;
-  }
-  return spans;
 }
 
 }  // namespace charts

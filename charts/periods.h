@@ -5,17 +5,8 @@
 #pragma once
 
 #include <QDate>
-#include <QString>
-#include <utility>
-#include <vector>
 
 namespace charts {
-
-// Platform weekday, 1 = Sunday ... 7 = Saturday, to Monday = 1 ... Sunday = 7.
-int ToIsoWeekday(int platformWeekday);
-// Monday = 1 ... Sunday = 7 of a date text ("yyyymmdd" or "yyyy/mm/dd"); 0 when the
-// text is no date.
-int IsoWeekdayOfDate(const QString& dateText);
 
 // The first and last weekday of every week when weeks end on the weekday of lastDay.
 struct WeekEndWeekdays {
@@ -35,10 +26,5 @@ struct FourWeekSpan {
 FourWeekSpan FindFourWeekSpan(const QDate& anchor, const QDate& date);
 // The span n spans after (n < 0: before) the one that holds date.
 FourWeekSpan ShiftFourWeekSpan(const QDate& anchor, const QDate& date, int n);
-// Spans as "yyyyMMdd" pairs, from the one holding firstDate up to and including the
-// first span whose end reaches lastDate. Empty when lastDate is before firstDate.
-std::vector<std::pair<QString, QString>> ListFourWeekSpans(const QDate& anchor,
-                                                           const QDate& firstDate,
-                                                           const QDate& lastDate);
 
 }  // namespace charts

@@ -62,12 +62,6 @@ const KindInfo& InfoOf(RecorderKind kind) {
 
 QString KindText(RecorderKind kind) { return QString::fromLatin1(InfoOf(kind).text); }
 
-RecorderKind KindFromText(const QString& text) {
-  for (const KindInfo& k : kKinds)
-    if (k.kind != RecorderKind::Unknown && text == QLatin1String(k.text)) return k.kind;
-  return RecorderKind::Unknown;
-}
-
 RecorderKind KindFromName(const QString& name) {
   const QString n = name.trimmed().toUpper();
   for (const KindInfo& k : kKinds)

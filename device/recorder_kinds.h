@@ -22,9 +22,8 @@ struct KindInfo {
 
 // The kind's row; Unknown has a row of its own with no pages.
 const KindInfo& InfoOf(RecorderKind kind);
-// "PMKIND_..." text of a kind, empty for Unknown; and back (Unknown for any other text).
+// "PMKIND_..." text of a kind, empty for Unknown.
 QString KindText(RecorderKind kind);
-RecorderKind KindFromText(const QString& text);
 // Command-line names ("AL", "BRIO_NORMAL", "BRIO_METS", "BRIO_ZR", "BRIO_KT", any case) to
 // the kind; Unknown when no kind has that name.
 RecorderKind KindFromName(const QString& name);

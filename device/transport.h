@@ -72,7 +72,6 @@ class NoWaitClock : public DeviceClock {
   void setWaitLimitMs(qint64 limit) { limitMs_ = limit; }
   qint64 totalWaitedMs() const { return waitedMs_; }
   const QList<int>& waits() const { return waits_; }
-  void clearWaits() { waits_.clear(); }
 
  private:
   QDateTime now_;

@@ -61,10 +61,6 @@ int CsvImportFormLogic::add(const QStringList& paths) {
   return added;
 }
 
-void CsvImportFormLogic::remove(int index) {
-  if (index >= 0 && index < sources_.size()) sources_.removeAt(index);
-}
-
 QString CsvImportFormLogic::check() const {
   if (sources_.isEmpty()) return CsvDialogText("CAPTION_NO_SOURCE");
   for (const QString& s : sources_)

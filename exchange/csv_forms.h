@@ -44,7 +44,6 @@ class CsvImportFormLogic {
  public:
   // Adds folders or files not yet listed; returns how many were new.
   int add(const QStringList& paths);
-  void remove(int index);
   const QStringList& sources() const { return sources_; }
   // Empty when something is listed and every entry exists, else the text to show.
   QString check() const;

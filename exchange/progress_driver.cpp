@@ -9,11 +9,6 @@
 #include "store/store.h"
 #include "frame/trace.h"
 
-void ProgressDriver::ProcSetParam(const QString& title, const QString& status, const QString& buttonText,
-                                  int maximum, int startValue, bool buttonEnabled) {
-  ProcSetExecParam(kNone, title, status, buttonText, maximum, startValue, buttonEnabled);
-}
-
 void ProgressDriver::ProcSetExecParam(int operation, const QString& title, const QString& status,
                                       const QString& buttonText, int maximum, int startValue,
                                       bool buttonEnabled) {
@@ -56,15 +51,11 @@ void ProgressDriver::ProcGetCSVExportParam(int& filesWritten, QString& log, int&
   result = result_;
 }
 
-void ProgressDriver::CntUpProgressbar(int step) { SetProgressbarValue(value_ + step); }
-
 void ProgressDriver::SetProgressbarValue(int value) {
   value_ = std::clamp(value, 0, maximum_);
   changed();
   yield();
 }
-
-void ProgressDriver::SetProgressbarValueMax() { SetProgressbarValue(maximum_); }
 
 void ProgressDriver::ChangeLabelCaption(const QString& text) {
   status_ = text;
@@ -104,7 +95,7 @@ int ProgressDriver::run() {
       break;
     }
     case kDeleteGroup:
-      result_ = db_ ? DeleteGroup(*db_, groupId_.isEmpty() ? GetCurrentGroupId() : groupId_, *this) : -1;
+      result_ = db_ ? DeleteGroup(*db_, GetCurrentGroupId(), *this) : -1;
       break;
     case kCsvExport: {
       if (!db_) {

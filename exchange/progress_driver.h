@@ -27,16 +27,11 @@ class ProgressDriver : public ProgressInterface {
 
   explicit ProgressDriver(VtDatabase* db = nullptr) : db_(db) {}
   void setView(ProgressView* view) { view_ = view; }
-  void setDatabase(VtDatabase* db) { db_ = db; }
 
   // ---- parameters, set before the screen is shown ----
-  void ProcSetParam(const QString& title, const QString& status, const QString& buttonText,
-                    int maximum, int startValue, bool buttonEnabled);
   void ProcSetExecParam(int operation, const QString& title, const QString& status,
                         const QString& buttonText, int maximum, int startValue, bool buttonEnabled);
   void ProcSetCompactDB(const QString& path);
-  // The group operation 2 deletes.
-  void ProcSetGroupId(const QString& groupId) { groupId_ = groupId; }
   // Folders and/or single files; groupId is the group of users registered by the import
   // (empty: the current group).
   void ProcSetCSVImportParam(const QString& folder) { ProcSetCSVImportParam(QStringList{folder}); }
@@ -52,9 +47,7 @@ class ProgressDriver : public ProgressInterface {
   void ProcGetCSVExportParam(int& filesWritten, QString& log, int& result) const;
 
   // ---- progress operations (every one lets events through afterwards) ----
-  void CntUpProgressbar(int step);
   void SetProgressbarValue(int value);
-  void SetProgressbarValueMax();
   void ChangeLabelCaption(const QString& text);
   // cmdCancel: the running loop ends at its next test.
   void cancelClicked();
@@ -98,7 +91,6 @@ class ProgressDriver : public ProgressInterface {
   bool ran_ = false;
   bool running_ = false;
   QString compactPath_;
-  QString groupId_;
   QStringList importPaths_;
   QString importGroupId_;
   int filesRead_ = 0;

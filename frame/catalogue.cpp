@@ -316,17 +316,9 @@ QString GetIniPicturePath(const QString& section, const QString& key) {
   return QString();
 }
 
-bool IsPictureFileExist(const QString& path) {
-  if (!path.isEmpty() && FileExists(path)) return true;
-  WriteTrace(QStringLiteral("1"), QStringLiteral("IsPictureFileExist"),
-             QStringLiteral("image file not found: ") + path);
-  return false;
-}
-
 void LoadCommonFormat() {
   const QString resource = GetResourceIniPath();
   const QString common = QStringLiteral("VB_COMMON");
-  SetCommonCharset(ReadIniInt(resource, common, QStringLiteral("CHARSET")).toInt());
   SetCommonFontName(ReadIniString(resource, common, QStringLiteral("FONT")));
   const QString localeShortDate = Ini_GetLocaleShortDate();
   if (localeShortDate.trimmed().isEmpty()) {

@@ -48,6 +48,5 @@ std::uint32_t GetIniBackColor(const QString& section, const QString& key);
 // The picture path of a key when that file exists; else empty, with a level-1 trace
 // line "image file not found: section,key" under the name "SetIniPicture".
 QString GetIniPicturePath(const QString& section, const QString& key);
-bool IsPictureFileExist(const QString& path);
-// Reads CHARSET, FONT, the date formats and FORM_BKCOLOR into the shared values.
+// Reads FONT, the date formats and FORM_BKCOLOR into the shared values.
 void LoadCommonFormat();

@@ -179,7 +179,6 @@ void Ini_SetPrintPaper(const QString& v) { write(kOther, "PAPER_SIZE", v); }
 
 bool Ini_GetDownloadDataRange() { return flagZero(kDownload, "DOWNLOAD_DATA_RANGE"); }
 
-QString Ini_GetDefaultDataRange() { return read(kReport, "DEFAULT_DATA_RANGE"); }
 bool Ini_GetExcludeStartingDay() { return notZero(kReport, "EDFA_STARTING_DAY"); }
 bool Ini_GetExcludeEndingDay() { return notZero(kReport, "EDFA_ENDING_DAY"); }
 // A file without the key excludes days of 50 steps or fewer; a key written empty turns the

@@ -92,7 +92,6 @@ void Ini_SetPrintPaper(const QString& v);
 bool Ini_GetDownloadDataRange();
 
 // REPORT
-QString Ini_GetDefaultDataRange();
 bool Ini_GetExcludeStartingDay();
 bool Ini_GetExcludeEndingDay();
 QString Ini_GetExcludeLowStepCount();  // the text as it stands; "50" when the key is missing

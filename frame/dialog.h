@@ -33,7 +33,6 @@ class StderrDialog : public DialogInterface {
   explicit StderrDialog(int answer = kAnswerNo) : answer_(answer) {}
   void showMessage(const QString& title, const QString& text, DialogIcon icon) override;
   int askQuestion(const QString& title, const QString& text, DialogIcon icon) override;
-  void setAnswer(int answer) { answer_ = answer; }
 
  private:
   int answer_;

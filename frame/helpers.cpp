@@ -6,7 +6,6 @@
 #include <QFileInfo>
 #include <QLocale>
 #include <QRandomGenerator>
-#include <QStorageInfo>
 
 #include <cmath>
 #include <cstdint>
@@ -258,14 +257,6 @@ std::int32_t CheckRange(const QString& text, double maxValue, double minValue) {
   return 0;
 }
 
-std::int32_t CheckInput(const QString& text, std::int32_t kind, std::int32_t maxLength,
-                        std::int32_t minLength, std::optional<double> maxValue,
-                        std::optional<double> minValue) {
-  if (const std::int32_t r = CheckLength(text, maxLength, minLength); r != 0) return r;
-  if (kind == 1 && maxValue && minValue) return CheckRange(text, *maxValue, *minValue);
-  return 0;
-}
-
 QString FirstProhibitedChar(const QString& text) {
   const QStringList prohibited = Ini_GetProhibitChars();
   for (QChar c : text)
@@ -366,19 +357,6 @@ QString GetAbsolutePath(const QString& path) {
   QString full = QDir::cleanPath(QDir::current().absoluteFilePath(path));
   if (full.size() > 1 && full.endsWith(u'/')) full.chop(1);
   return full;
-}
-
-bool CheckFreeDiskSpace(const QString& path, std::int32_t minimumGigabytes, QString& drive) {
-  // The database file may not exist yet: the volume is that of its nearest existing folder.
-  QFileInfo probe(GetAbsolutePathName(path));
-  while (!probe.exists() && !probe.isRoot()) probe.setFile(probe.absolutePath());
-  const QStorageInfo volume(probe.absoluteFilePath());
-  drive = volume.rootPath();
-  if (!drive.endsWith(u'/')) drive += u'/';
-  if (!volume.isValid()) return false;
-  const double bytes = static_cast<double>(volume.bytesAvailable());
-  const double gigabytes = std::trunc(bytes / 1024.0 / 1024.0 / 1024.0);
-  return gigabytes >= minimumGigabytes;
 }
 
 QString JoinPath(const QString& folder, const QString& name) {

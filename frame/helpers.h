@@ -6,7 +6,6 @@
 #include <QStringList>
 #include <array>
 #include <cstdint>
-#include <optional>
 
 // ---- dates ----
 // The device decoders' zero date. Everywhere in the system it means "no date".
@@ -48,10 +47,6 @@ double ExerciseFromLevels(const std::array<std::int32_t, 6>& countsLevel4To9);
 std::int32_t CheckLength(const QString& text, std::int32_t maxLength, std::int32_t minLength);
 // 0 fine, 3 above maxValue, 4 below minValue (leading numeric value of the text).
 std::int32_t CheckRange(const QString& text, double maxValue, double minValue);
-// kind 1 adds the range check when both limits are given.
-std::int32_t CheckInput(const QString& text, std::int32_t kind, std::int32_t maxLength,
-                        std::int32_t minLength, std::optional<double> maxValue = std::nullopt,
-                        std::optional<double> minValue = std::nullopt);
 // The first character of text that the configuration prohibits in names; "" when none.
 QString FirstProhibitedChar(const QString& text);
 bool CheckProhibitChar(const QString& text);
@@ -74,9 +69,5 @@ QString MakeTempFileName(const QString& folder, const QString& prefix);
 QString GetAbsolutePathName(const QString& path);
 // Full path without a trailing separator; empty when it cannot be made.
 QString GetAbsolutePath(const QString& path);
-// Free space for the start-up check: true when the space available to this user on the
-// volume that holds path (made absolute; the file itself need not exist) is at least
-// minimumGigabytes whole GiB. drive receives the volume's mount point with a trailing "/".
-bool CheckFreeDiskSpace(const QString& path, std::int32_t minimumGigabytes, QString& drive);
 // Joins a folder and a file name with one "/".
 QString JoinPath(const QString& folder, const QString& name);

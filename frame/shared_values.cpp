@@ -21,13 +21,11 @@ struct SharedValues {
   bool receiveRunning = false;
   bool modalFormOpen = false;
   bool startupDone = false;
-  int commonCharset = 0;
   QString commonFontName = QStringLiteral("");
   QString commonDateFormat = QStringLiteral("");
   QString commonScreenDateFormat = QStringLiteral("");
   std::uint32_t commonFormBackColor = 0;
   QString printerName = QStringLiteral("");
-  std::int32_t paperNumber = 0;
   QString chosenPrinter = QStringLiteral("");
   std::int32_t chosenPaper = 0;
   int writerLockWaitMs = 5000;
@@ -78,8 +76,6 @@ bool GetModalFormOpen() { return values().modalFormOpen; }
 void SetModalFormOpen(bool v) { values().modalFormOpen = v; }
 bool GetStartupDone() { return values().startupDone; }
 void SetStartupDone(bool v) { values().startupDone = v; }
-int GetCommonCharset() { return values().commonCharset; }
-void SetCommonCharset(int v) { values().commonCharset = v; }
 QString GetCommonFontName() { return values().commonFontName; }
 void SetCommonFontName(const QString& v) { values().commonFontName = v; }
 QString GetCommonDateFormat() { return values().commonDateFormat; }
@@ -90,8 +86,6 @@ std::uint32_t GetCommonFormBackColor() { return values().commonFormBackColor; }
 void SetCommonFormBackColor(std::uint32_t v) { values().commonFormBackColor = v; }
 QString GetPrinterName() { return values().printerName; }
 void SetPrinterName(const QString& v) { values().printerName = v; }
-std::int32_t GetPaperNumber() { return values().paperNumber; }
-void SetPaperNumber(std::int32_t v) { values().paperNumber = v; }
 QString GetChosenPrinter() { return values().chosenPrinter; }
 void SetChosenPrinter(const QString& v) { values().chosenPrinter = v; }
 std::int32_t GetChosenPaper() { return values().chosenPaper; }

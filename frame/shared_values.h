@@ -50,8 +50,6 @@ bool GetStartupDone();
 void SetStartupDone(bool v);
 
 // The common look, read by LoadCommonFormat.
-int GetCommonCharset();
-void SetCommonCharset(int v);
 QString GetCommonFontName();
 void SetCommonFontName(const QString& v);
 QString GetCommonDateFormat();  // date pickers
@@ -66,8 +64,6 @@ void SetCommonFormBackColor(std::uint32_t v);
 // Cancel. A paper is the platform's paper number (9 A4, 1 Letter).
 QString GetPrinterName();
 void SetPrinterName(const QString& v);
-std::int32_t GetPaperNumber();
-void SetPaperNumber(std::int32_t v);
 QString GetChosenPrinter();
 void SetChosenPrinter(const QString& v);
 std::int32_t GetChosenPaper();

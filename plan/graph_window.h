@@ -27,7 +27,6 @@ class GraphWindow {
   bool GetDisplayRange(int direction);
 
   void setView(View v) { view_ = v; }
-  View view() const { return view_; }
   int chartType() const { return view_ == OneMonth ? 801 : 802; }
   QDate windowStart() const { return start_; }
   QDate windowEnd() const { return end_; }

@@ -367,12 +367,10 @@ class ReceiveWorkflow {
  public:
   ReceiveWorkflow(const ReceiveServices& services, ReceiveQuestions& questions);
   ReceiveReport Run();
-  const ReceiveContext& context() const { return ctx_; }
 
  private:
   ReceiveEnding resolve(ReceiveReport& report);
   ReceiveEnding runNewCpu(ReceiveReport& report);
-  ReceiveEnding runDataStage();
 
   ReceiveServices s_;
   ReceiveQuestions& questions_;

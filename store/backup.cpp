@@ -103,21 +103,19 @@ void checkOpenDatabase(VtDatabase& db) {
 }
 
 // Copies a candidate backup to copy and checks it there (opening may change a file, so
-// the candidate itself is only read). With fold, the copy is left as one file, ready to
-// be renamed into place. Nothing is left behind when the check fails.
-void checkedCopy(const QString& file, const QString& copy, const QString& password, bool fold) {
+// the candidate itself is only read). The copy is left as one file, ready to be renamed
+// into place. Nothing is left behind when the check fails.
+void checkedCopy(const QString& file, const QString& copy, const QString& password) {
   removeWithSidecars(copy);
   try {
     copySynced(file, copy);
     VtDatabase db;
     db.open(copy, password);
     checkOpenDatabase(db);
-    if (fold) foldLog(db);
+    foldLog(db);
     db.close();
-    if (fold) {
-      removeSidecars(copy);
-      syncPath(copy, false);
-    }
+    removeSidecars(copy);
+    syncPath(copy, false);
   } catch (...) {
     removeWithSidecars(copy);
     throw;
@@ -162,11 +160,6 @@ QStringList ListBackups(const QString& folder, const QString& dbPath) {
   QStringList paths;
   for (const Entry& e : found) paths << e.path;
   return paths;
-}
-
-QString NewestBackup(const QString& folder, const QString& dbPath) {
-  const QStringList all = ListBackups(folder, dbPath);
-  return all.isEmpty() ? QString() : all.last();
 }
 
 QStringList RotateBackups(const QString& folder, const QString& dbPath, int keep) {
@@ -226,15 +219,6 @@ void BackUpDatabase(const QString& dbPath, const QString& password, const QStrin
   }
 }
 
-void CheckBackupFile(const QString& file, const QString& password) {
-  const QFileInfo info(file);
-  if (!info.isFile()) fail(QStringLiteral("%1 does not exist").arg(file));
-  const QString copy = QDir(QDir::tempPath()).filePath(
-      QStringLiteral("vantora-check-%1-%2.db").arg(processId()).arg(info.fileName()));
-  checkedCopy(file, copy, password, false);
-  removeWithSidecars(copy);
-}
-
 void RestoreDatabase(const QString& dbPath, const QString& password, const QString& backup) {
   if (!QFileInfo(backup).isFile()) fail(QStringLiteral("%1 does not exist").arg(backup));
   if (QFileInfo(backup).canonicalFilePath() == QFileInfo(dbPath).canonicalFilePath())
@@ -245,7 +229,7 @@ void RestoreDatabase(const QString& dbPath, const QString& password, const QStri
   // 1. The backup, copied beside the database and checked there: what is checked is what
   //    will be renamed into place.
   const QString staged = stagingPath(dbPath, "restore");
-  checkedCopy(backup, staged, password, true);
+  checkedCopy(backup, staged, password);
 
   try {
     // 2. The current database is kept. A readable one is copied consistently (with what
@@ -315,11 +299,4 @@ BackupOutcome MakeAutomaticBackup(const QString& reason) {
     }
   }
   return outcome;
-}
-
-QString NewestInstallationBackup() {
-  QString dbPath;
-  QString password;
-  InstallationDatabase(dbPath, password);
-  return NewestBackup(BackupFolderFor(dbPath), dbPath);
 }

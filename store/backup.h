@@ -23,9 +23,6 @@ QString NewBackupPath(const QString& folder, const QString& dbPath, const QDateT
 // The backups of dbPath in folder (files named as NewBackupPath names them), oldest first.
 QStringList ListBackups(const QString& folder, const QString& dbPath);
 
-// The newest backup of dbPath in folder; "" when there is none.
-QString NewestBackup(const QString& folder, const QString& dbPath);
-
 // Deletes the oldest backups of dbPath in folder until keep remain (at least one is
 // always kept). Returns the deleted files.
 QStringList RotateBackups(const QString& folder, const QString& dbPath, int keep);
@@ -36,16 +33,12 @@ QStringList RotateBackups(const QString& folder, const QString& dbPath, int keep
 // target is replaced only once the copy is complete. Throws StoreError.
 void BackUpDatabase(const QString& dbPath, const QString& password, const QString& target);
 
-// Checks that file is a database this installation can take: it opens with the password,
-// passes the quick integrity check and holds every table of the schema. The file itself
-// is only read. Throws StoreError naming what is wrong.
-void CheckBackupFile(const QString& file, const QString& password);
-
-// Puts the backup in place of the database at dbPath. The backup is checked first (as
-// CheckBackupFile); the current database, when there is one, is kept as
-// dbPath + ".before-restore" (a consistent copy, or the raw files when the database
-// cannot be read); then the checked copy replaces the database in one rename. No
-// connection may be open on dbPath meanwhile. Throws StoreError; when it does, the
+// Puts the backup in place of the database at dbPath. The backup is checked first: it
+// must open with the password, pass the quick integrity check and hold every table of
+// the schema, and the file itself is only read. The current database, when there is one,
+// is kept as dbPath + ".before-restore" (a consistent copy, or the raw files when the
+// database cannot be read); then the checked copy replaces the database in one rename.
+// No connection may be open on dbPath meanwhile. Throws StoreError; when it does, the
 // database is as it was.
 void RestoreDatabase(const QString& dbPath, const QString& password, const QString& backup);
 
@@ -66,7 +59,3 @@ struct BackupOutcome {
 // ("compaction", "CSV import", ...) and returned, and the caller decides whether to go
 // on. Made before each compaction and before each CSV import.
 BackupOutcome MakeAutomaticBackup(const QString& reason);
-
-// The newest backup of the installation's database; "" when there is none. Offered when
-// the database turns out to be damaged.
-QString NewestInstallationBackup();

@@ -284,8 +284,6 @@ void VtDatabase::exec(const QString& sql) {
   }
 }
 
-std::int64_t VtDatabase::changes() const { return db_ ? sqlite3_changes(db_) : 0; }
-
 bool VtDatabase::inTransaction() const { return db_ && sqlite3_get_autocommit(db_) == 0; }
 
 // ---- Statement ----
@@ -339,10 +337,6 @@ void Statement::reset() {
 }
 
 int Statement::columnCount() const { return sqlite3_column_count(stmt_); }
-
-QString Statement::columnName(int column) const {
-  return QString::fromUtf8(sqlite3_column_name(stmt_, column));
-}
 
 int Statement::columnIndex(const char* name) const {
   if (names_.isEmpty()) {

@@ -48,8 +48,6 @@ class VtDatabase {
 
   // Runs one or more statements without parameters (schema, pragmas).
   void exec(const QString& sql);
-  // Rows changed by the last statement.
-  std::int64_t changes() const;
   bool inTransaction() const;
 
   // The last error of a failed data operation: number as text and its message.
@@ -87,7 +85,6 @@ class Statement {
   void reset();
 
   int columnCount() const;
-  QString columnName(int column) const;
   // Index of a result column by name (exact, as the query spells it); -1 when absent.
   int columnIndex(const char* name) const;
 

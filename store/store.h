@@ -44,8 +44,6 @@ int VTDB_Close(VtDatabase& db);
 // catalogue message (missing, empty, wrong key, engine failure) through the dialog
 // interface, and the result is 1; 0 on success.
 int ConnectDB(VtDatabase& db, const QString& path, const QString& password);
-// The start-up probe: reads "SELECT * FROM [USER]" without reporting. True when it worked.
-bool VTDB_ProbeDatabase(VtDatabase& db);
 
 // Next number of the counter key ("02" users, "03" receptions) as nine digits; the first
 // call for a key gives "000000001". After "999999999" comes "100000000". "" on failure.
@@ -221,10 +219,6 @@ int VTDB_GetModerate(VtDatabase& db, const QString& receiveId, const QString& se
                      const QString& lowLevel, const QString& highLevel, ChartDayRecord& day);
 bool VTDB_ExistData(VtDatabase& db, const QString& userId, const QString& from,
                     const QString& to);
-bool VTDB_IsReferenceDate(VtDatabase& db, const QString& userId, const QString& date);
-// Latest day of the user before date into outDate ("" when none; still true).
-bool VTDB_GetReferenceDate(VtDatabase& db, const QString& userId, const QString& date,
-                           QString& outDate);
 
 // ---- wrappers (VTCommon) ----
 

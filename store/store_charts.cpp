@@ -159,22 +159,3 @@ bool VTDB_ExistData(VtDatabase& db, const QString& userId, const QString& from, 
   });
 }
 
-bool VTDB_IsReferenceDate(VtDatabase& db, const QString& userId, const QString& date) {
-  return Guarded(db, "VTDB_IsReferenceDate", false, [&] {
-    Statement st(db, QStringLiteral("SELECT MEASUREMENT_DAY FROM [DAY_MEASUREMENT] WHERE USER_ID = ? AND "
-                                    "MEASUREMENT_DAY = ?"));
-    st.bind(1, userId).bind(2, date);
-    return st.step();
-  });
-}
-
-bool VTDB_GetReferenceDate(VtDatabase& db, const QString& userId, const QString& date, QString& outDate) {
-  outDate.clear();
-  return Guarded(db, "VTDB_GetReferenceDate", false, [&] {
-    Statement st(db, QStringLiteral("SELECT MAX(MEASUREMENT_DAY) AS DATA_END FROM [DAY_MEASUREMENT] WHERE "
-                                    "USER_ID = ? AND MEASUREMENT_DAY < ?"));
-    st.bind(1, userId).bind(2, date);
-    if (st.step()) outDate = st.text(0);
-    return true;
-  });
-}

@@ -101,16 +101,6 @@ int ConnectDB(VtDatabase& db, const QString& path, const QString& password) {
   }
 }
 
-bool VTDB_ProbeDatabase(VtDatabase& db) {
-  try {
-    Statement st(db, QStringLiteral("SELECT * FROM [USER] "));
-    st.step();
-    return true;
-  } catch (const StoreError&) {
-    return false;
-  }
-}
-
 QString GetId(VtDatabase& db, const QString& key) {
   return Guarded(db, "GetId", QString(), [&] {
     // A savepoint keeps read and write of the counter together, inside or outside a

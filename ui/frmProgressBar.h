@@ -33,16 +33,11 @@ class frmProgressBar : public QDialog, private ProgressView {
   QPushButton* cmdCancel = nullptr;
 
   // ---- parameters ----
-  void ProcSetParam(const QString& title, const QString& status, const QString& buttonText, int maximum,
-                    int startValue, bool buttonEnabled) {
-    driver_.ProcSetParam(title, status, buttonText, maximum, startValue, buttonEnabled);
-  }
   void ProcSetExecParam(int operation, const QString& title, const QString& status, const QString& buttonText,
                         int maximum, int startValue, bool buttonEnabled) {
     driver_.ProcSetExecParam(operation, title, status, buttonText, maximum, startValue, buttonEnabled);
   }
   void ProcSetCompactDB(const QString& path) { driver_.ProcSetCompactDB(path); }
-  void ProcSetGroupId(const QString& groupId) { driver_.ProcSetGroupId(groupId); }
   void ProcSetCSVImportParam(const QString& folder) { driver_.ProcSetCSVImportParam(folder); }
   void ProcSetCSVImportParam(const QStringList& paths, const QString& groupId = QString()) {
     driver_.ProcSetCSVImportParam(paths, groupId);
@@ -61,12 +56,6 @@ class frmProgressBar : public QDialog, private ProgressView {
   void ProcGetCSVExportParam(int& filesWritten, QString& log, int& result) const {
     driver_.ProcGetCSVExportParam(filesWritten, log, result);
   }
-
-  // ---- progress operations, for callers that drive the window themselves (operation 0) ----
-  void CntUpProgressbar(int step) { driver_.CntUpProgressbar(step); }
-  void SetProgressbarValue(int value) { driver_.SetProgressbarValue(value); }
-  void SetProgressbarValueMax() { driver_.SetProgressbarValueMax(); }
-  void ChangeLabelCaption(const QString& text) { driver_.ChangeLabelCaption(text); }
 
   // The state behind the window; it is also the ProgressInterface of the running work.
   ProgressDriver& driver() { return driver_; }

@@ -28,7 +28,6 @@ class frmSimulationWeight : public QDialog {
   frmSimulationWeight(VtDatabase& db, const QString& userId, QWidget* parent = nullptr);
   ~frmSimulationWeight() override;
 
-  plan::SimulationWeightLogic& logic() { return logic_; }
   // Opens the graph of the saved plan (what btnGraph does after refreshing the BMI).
   // modal false shows it without waiting (tests and screenshots); the graph is returned.
   QDialog* openGraph(bool modal = true);

@@ -130,7 +130,6 @@ bool PrinterSetupLogic::accept(const QString& pdfPath) {
   SetChosenPrinter(printer);
   SetChosenPaper(paper);
   SetPrinterName(printer);
-  SetPaperNumber(paper);
   return true;
 }
 

@@ -79,7 +79,6 @@ class PrinterSetupLogic {
   // system default, and fills the paper list. Returns false when nothing can be chosen
   // (no printer and no PDF entry): the screen then shows PRNT-I-0001 and closes.
   bool load();
-  bool noPrinter() const { return noPrinter_; }
 
   const QStringList& printerEntries() const { return entries_; }
   int printerIndex() const { return printerIndex_; }

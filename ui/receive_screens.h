@@ -85,10 +85,6 @@ class ReceiveOnScreen : public ProgressInterface {
   ~ReceiveOnScreen() override;
   ReceiveReport run();
 
-  // The screen on show (tests and benchmarks find the controls through it); null
-  // between the stages and after the end.
-  ReceiveScreen* currentScreen() const { return current_; }
-
   void setMaximum(int maximum) override;
   void setValue(int value) override;
   void setStatus(const QString& caption) override;

@@ -113,12 +113,6 @@ namespace {
 const QString kProductName = QStringLiteral("ヴァントーラ05パーソナル");
 }
 
-QString OsUnsupportedMessage() {
-  return QStringLiteral(
-      "お使いのコンピュータのOSが対応OSではないため、起動を中止します。\r\n"
-      "対応OSは、Windows XP/Vista/7/8/8.1です。");
-}
-
 QString FreeDiskMessage(const QString& drive, int minimumGigabytes) {
   const QString size = QString::number(minimumGigabytes) + QStringLiteral("GB");
   return kProductName + QStringLiteral("がインストールされているドライブ (") + drive +
@@ -318,22 +312,6 @@ void ClosingStages::queryClose(int mode) {
   VTDB_Close(db_);
   if (mode == 0) quitRequested_ = true;
   queryCloseDone_ = true;
-}
-
-StartupSequence::Outcome ClosingStages::closeMainScreen(ProgressInterface& progress) {
-  return closeMainScreen([&progress] {
-    QString path = Ini_GetDbName();
-    const QString password = Ini_GetDbPassword();
-    int result = 0;
-    progress.setMaximum(kCompactProgressMaximum);
-    progress.setValue(0);
-    if (password.isEmpty()) {
-      CompactDB(path, result, progress);
-    } else {
-      CompactDB(path, result, progress, password);
-    }
-    return result;
-  });
 }
 
 StartupSequence::Outcome ClosingStages::closeMainScreen(const std::function<int()>& compact) {

@@ -105,9 +105,8 @@ class ScriptedStartupPlatform : public StartupPlatform {
   QStringList existsAsked;
 };
 
-// The fixed texts of the first three checks. They are shown before the catalogue is
-// read, so they cannot come from it.
-QString OsUnsupportedMessage();
+// The fixed texts of the free-space and database checks. They are shown before the
+// catalogue is read, so they cannot come from it.
 QString FreeDiskMessage(const QString& drive, int minimumGigabytes);
 QString DatabaseBrokenMessage();
 
@@ -129,8 +128,6 @@ class StartupSequence {
   // Further copies the database check may restore from when the database is missing,
   // empty or damaged (the newest backups, for example), beside its own.
   void setDatabaseCopies(QStringList copies) { databaseCopies_ = std::move(copies); }
-  // What the database check found and did (recovered, rekeyed, or why it stopped).
-  const DatabaseStartResult& databaseStart() const { return databaseStart_; }
 
   // Every step in order. Stop means the process ends now; the reason has been shown.
   Outcome run();
@@ -181,9 +178,8 @@ class ClosingStages {
   // Stores the sort order; after a stop asked for by the user compacts the database
   // when COMPACT_DB is "1" and finishes the chart library. Stop when the compaction
   // failed (PTOP-C-0002 has been shown, the chart library is left alone).
-  StartupSequence::Outcome closeMainScreen(ProgressInterface& progress);
-  // The same with the compaction run by the caller (the desktop shows it in
-  // frmProgressBar): compact() compacts the file of DB_NAME and gives 0 on success.
+  // compact() compacts the file of DB_NAME (the desktop shows it in frmProgressBar) and
+  // gives 0 on success.
   StartupSequence::Outcome closeMainScreen(const std::function<int()>& compact);
 
   bool quitRequested() const { return quitRequested_; }

@@ -47,7 +47,6 @@ class UserFormLogic {
   // the user can't be read.
   bool load();
 
-  Mode mode() const { return mode_; }
   // The resource section of the screen's captions.
   QString section() const;
   QString formName() const;

@@ -48,15 +48,13 @@ TEST_F(ProgressTest, BarStaysWithinItsMaximumAndEveryStepLetsEventsThrough) {
   ProgressDriver d;
   ScriptedView view(d);
   d.setView(&view);
-  d.ProcSetParam(QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"), 10, 8, true);
-  d.CntUpProgressbar(1);
-  d.CntUpProgressbar(5);
+  d.ProcSetExecParam(ProgressDriver::kNone, QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"), 10, 8,
+                     true);
+  d.SetProgressbarValue(14);
   EXPECT_EQ(d.value(), 10);
   d.SetProgressbarValue(-3);
   EXPECT_EQ(d.value(), 0);
-  d.SetProgressbarValueMax();
-  EXPECT_EQ(d.value(), 10);
-  EXPECT_EQ(view.pumps, 4);
+  EXPECT_EQ(view.pumps, 2);
   // Operation 0 runs nothing: the caller drives the bar itself.
   EXPECT_EQ(d.run(), 0);
   EXPECT_FALSE(d.hasRun());
@@ -115,7 +113,7 @@ TEST_F(ProgressTest, DeleteGroupRemovesItsUsersThenTheGroup) {
   d.setView(&view);
   d.ProcSetExecParam(ProgressDriver::kDeleteGroup, QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"), 1,
                      0, false);
-  d.ProcSetGroupId(kDefaultGroupId);
+  SetCurrentGroupId(kDefaultGroupId);
   EXPECT_EQ(d.run(), 0);
   std::vector<UserInfo> users;
   GetUserList(db_, kDefaultGroupId, users);

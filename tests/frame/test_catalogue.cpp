@@ -200,14 +200,11 @@ TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
   EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_1"), "../images/user1.png");
   EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_2"), "");
   EXPECT_TRUE(inst.logged("1", "SetIniPicture", "image file not found: VB_COMMON,IMAGE_USERICON_2"));
-  EXPECT_FALSE(IsPictureFileExist(""));
 
-  inst.setResource("VB_COMMON", "CHARSET", "128");
   inst.setResource("VB_COMMON", "FONT", "Noto Sans CJK JP");
   inst.setResource("VB_COMMON", "DATE_FORMAT", "yyyy-MM-dd");
   inst.setConfig("SYSTEM", "LOCALE_SHORTDATE", " ");
   LoadCommonFormat();
-  EXPECT_EQ(GetCommonCharset(), 128);
   EXPECT_EQ(GetCommonFontName(), "Noto Sans CJK JP");
   EXPECT_EQ(GetCommonDateFormat(), "yyyy-MM-dd");
   EXPECT_EQ(GetCommonScreenDateFormat(), "yyyy\\-MM\\-dd");

@@ -8,15 +8,12 @@
 
 namespace {
 
-TEST(Checks, LengthThenRange) {
-  EXPECT_EQ(CheckInput(QStringLiteral("abc"), 0, 2, 0), 1);
-  EXPECT_EQ(CheckInput(QStringLiteral(""), 0, 5, 1), 2);
-  EXPECT_EQ(CheckInput(QStringLiteral("山田"), 0, 2, 1), 0);  // characters, not bytes
-  EXPECT_EQ(CheckInput(QStringLiteral("250"), 1, 3, 1, 200.0, 10.0), 3);
-  EXPECT_EQ(CheckInput(QStringLiteral("5"), 1, 3, 1, 200.0, 10.0), 4);
-  EXPECT_EQ(CheckInput(QStringLiteral("5"), 0, 3, 1, 200.0, 10.0), 0);  // kind 0: no range
-  EXPECT_EQ(CheckInput(QStringLiteral("5"), 1, 3, 1, 200.0), 0);        // one limit only
-  EXPECT_EQ(CheckInput(QStringLiteral("2500"), 1, 3, 1, 200.0, 10.0), 1);  // length first
+TEST(Checks, LengthAndRange) {
+  EXPECT_EQ(CheckLength(QStringLiteral("abc"), 2, 0), 1);
+  EXPECT_EQ(CheckLength(QStringLiteral(""), 5, 1), 2);
+  EXPECT_EQ(CheckLength(QStringLiteral("山田"), 2, 1), 0);  // characters, not bytes
+  EXPECT_EQ(CheckRange(QStringLiteral("250"), 200.0, 10.0), 3);
+  EXPECT_EQ(CheckRange(QStringLiteral("5"), 200.0, 10.0), 4);
   EXPECT_EQ(CheckRange(QStringLiteral(""), 10, 1), 4);                  // "" reads as 0
   EXPECT_EQ(CheckRange(QStringLiteral("12a"), 12, 1), 0);
 }
@@ -78,14 +75,6 @@ TEST(Paths, TempNamesFoldersAndJoins) {
   EXPECT_EQ(GetAbsolutePathName(QStringLiteral("../temp/./a.txt")), inst.path("temp/a.txt"));
   EXPECT_EQ(JoinPath(QStringLiteral("../temp"), QStringLiteral("a.txt")), "../temp/a.txt");
   EXPECT_EQ(JoinPath(QString(), QStringLiteral("a.txt")), "a.txt");
-
-  // The database need not exist for the free-space check; its volume is tested.
-  QString drive;
-  EXPECT_TRUE(CheckFreeDiskSpace(QStringLiteral("../data/mdb/none/ACTA.db"), 0, drive));
-  EXPECT_TRUE(drive.endsWith(u'/'));
-  EXPECT_TRUE(inst.root().startsWith(drive.chopped(1))) << drive.toStdString();
-  EXPECT_FALSE(CheckFreeDiskSpace(QStringLiteral("../data/mdb/ACTA.db"), 1 << 30, drive));
-
 }
 
 }  // namespace

@@ -160,15 +160,12 @@ TEST_F(Backup, RestoreRefusesFilesThatAreNoBackupAndLeavesTheDatabaseAlone) {
   for (const QString& bad : refused) {
     const QByteArray badBefore = fileHash(bad);
     EXPECT_THROW(RestoreDatabase(db(), kDefaultDbPassword, bad), StoreError) << bad.toStdString();
-    EXPECT_THROW(CheckBackupFile(bad, kDefaultDbPassword), StoreError) << bad.toStdString();
     EXPECT_EQ(fileHash(db()), before) << bad.toStdString();
     EXPECT_EQ(fileHash(bad), badBefore) << "the refused file itself was changed: " << bad.toStdString();
   }
   EXPECT_FALSE(QFileInfo::exists(db() + QStringLiteral(".before-restore")));
   EXPECT_TRUE(strayFiles().isEmpty()) << strayFiles().join(u' ').toStdString();
   EXPECT_EQ(userIds(db()).count(QStringLiteral("U000000007")), 1);
-  EXPECT_NO_THROW(CheckBackupFile(good, kDefaultDbPassword));
-  EXPECT_EQ(fileHash(good), QCryptographicHash::hash(goodBytes, QCryptographicHash::Sha256));
 }
 
 TEST_F(Backup, RestoreKeepsTheCurrentDataEvenWhenTheyAreDamaged) {
@@ -213,7 +210,6 @@ TEST_F(Backup, NamesOrderAndRotationKeepTheNewest) {
   EXPECT_TRUE(made[1].endsWith(QLatin1String("ACTA-20260131-235958-2.db"))) << made[1].toStdString();
   EXPECT_TRUE(made[4].endsWith(QLatin1String("ACTA-20260201-000000.db"))) << made[4].toStdString();
   EXPECT_EQ(ListBackups(folder(), db()), made);
-  EXPECT_EQ(NewestBackup(folder(), db()), made.last());
 
   // Other files in the folder are neither counted nor deleted.
   for (const char* other : {"notes.txt", "OTHER-20200101-000000.db", "ACTA-2020.db"}) {
@@ -237,7 +233,6 @@ TEST_F(Backup, AutomaticBackupsFollowTheConfiguration) {
   }
   const QStringList kept = ListBackups(folder(), db());
   ASSERT_EQ(kept.size(), 3);
-  EXPECT_EQ(QFileInfo(NewestInstallationBackup()).canonicalFilePath(), QFileInfo(kept.last()).canonicalFilePath());
   for (const QString& k : kept) EXPECT_TRUE(userIds(k).contains(QStringLiteral("U000000001")));
 
   // Without the key the default stands; a missing database is a failure, not a throw.

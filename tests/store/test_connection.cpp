@@ -75,7 +75,8 @@ TEST_F(StoreTest, NewFileHoldsTheFixedRowsAndIsNotOverwritten) {
   EXPECT_FALSE(CreateDatabaseFile(inst_.dbFile(), kDefaultDbPassword, &error));
   EXPECT_FALSE(error.isEmpty());
   EXPECT_EQ(QFileInfo(inst_.dbFile()).size(), size);
-  EXPECT_TRUE(VTDB_ProbeDatabase(db_));
+  Statement users(db_, QStringLiteral("SELECT COUNT(*) FROM [USER]"));
+  EXPECT_TRUE(users.step());
 }
 
 TEST_F(StoreTest, CountersStartAtOneAndCutAtTheTop) {

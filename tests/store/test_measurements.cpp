@@ -242,13 +242,6 @@ TEST_F(DayStore, NewestRowOfADayAcrossReceptionsAndSequenceNumbers) {
   QString last;
   ASSERT_TRUE(VTDB_GetDayMeasurementRange(db_, kUser, first, last, true));
   EXPECT_EQ(first + QLatin1Char('-') + last, QStringLiteral("20240506-20240507"));
-  QString before;
-  ASSERT_TRUE(VTDB_GetReferenceDate(db_, kUser, QStringLiteral("20240506"), before));
-  EXPECT_EQ(before, QStringLiteral("20240505"));
-  ASSERT_TRUE(VTDB_GetReferenceDate(db_, kUser, QStringLiteral("20240505"), before));
-  EXPECT_EQ(before, QString());
-  EXPECT_TRUE(VTDB_IsReferenceDate(db_, kUser, QStringLiteral("20240507")));
-  EXPECT_FALSE(VTDB_IsReferenceDate(db_, kUser, QStringLiteral("20240508")));
   // Page 1 was received twice, with another day each time: the newest reception tells what
   // the ring held there last.
   EXPECT_EQ(VTDB_GetMeasurementDayFromPage(db_, QStringLiteral("1"), kUser), QStringLiteral("20240506"));
