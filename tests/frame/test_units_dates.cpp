@@ -36,13 +36,11 @@ TEST(FeetInch, HalvesToEvenOneWayHalfUpTheOther) {
   EXPECT_EQ(FeetInchToCm(0, 0), 0);
   QString feet, inch;
   CmToFeetInch(QStringLiteral("178"), feet, inch);
-  EXPECT_EQ(feet, "5");
-  EXPECT_EQ(inch, "10");
+  EXPECT_EQ(feet + "'" + inch, "5'10");
   CmToFeetInch(QStringLiteral("6.35"), feet, inch);  // exactly 2.5 inches: goes up
   EXPECT_EQ(inch, "3");
   CmToFeetInch(QStringLiteral("30.48"), feet, inch);
-  EXPECT_EQ(feet, "1");
-  EXPECT_EQ(inch, "0");
+  EXPECT_EQ(feet + "'" + inch, "1'0");
 }
 
 TEST(RoundOff, HalvesAwayFromZero) {
@@ -68,20 +66,19 @@ TEST(Exercise, RoundsAtEachStage) {
 }
 
 TEST(Dates, PeriodEndsOfWholeMonths) {
-  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 3, 10), 1), QDate(2007, 4, 9));
-  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 1, 31), 1), QDate(2007, 2, 28));
-  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2008, 1, 31), 1), QDate(2008, 2, 29));
-  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 12, 1), 6), QDate(2008, 5, 31));
-  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 3, 31), -1), QDate(2007, 2, 28));
+  const std::tuple<QDate, int, QDate> cases[] = {
+      {QDate(2007, 3, 10), 1, QDate(2007, 4, 9)},  {QDate(2007, 1, 31), 1, QDate(2007, 2, 28)},
+      {QDate(2008, 1, 31), 1, QDate(2008, 2, 29)}, {QDate(2007, 12, 1), 6, QDate(2008, 5, 31)},
+      {QDate(2007, 3, 31), -1, QDate(2007, 2, 28)}};
+  for (const auto& [start, months, end] : cases)
+    EXPECT_EQ(AddMonthsToPeriodEnd(start, months), end) << start.toString().toStdString() << " " << months;
 }
 
 TEST(Dates, ZeroDateIsNoDate) {
   EXPECT_TRUE(IsNoDate(ZeroDate()));
   EXPECT_TRUE(IsNoDate(QDate()));
   EXPECT_EQ(YmdToDate(QStringLiteral("20061231")), QDate(2006, 12, 31));
-  EXPECT_FALSE(YmdToDate(QStringLiteral("18991230")).isValid());
-  EXPECT_FALSE(YmdToDate(QStringLiteral("20060231")).isValid());
-  EXPECT_FALSE(YmdToDate(QStringLiteral("2006-1-31")).isValid());
+  for (const char* bad : {"18991230", "20060231", "2006-1-31"}) EXPECT_FALSE(YmdToDate(bad).isValid()) << bad;
   EXPECT_EQ(DateToYmd(ZeroDate()), "");
   EXPECT_EQ(DateToYmd(QDate(2006, 1, 2)), "20060102");
   EXPECT_EQ(SlashToDate(QStringLiteral("2006/01/02")), QDate(2006, 1, 2));
@@ -94,16 +91,12 @@ TEST(Dates, ZeroDateIsNoDate) {
 TEST(Dates, ProgramFormatsFromTheLocalePattern) {
   QString picker, screen, graph, weekday;
   ASSERT_TRUE(ProgramDateFormatFrom("/", "dd/MM/yyyy", picker, screen, graph, weekday));
-  EXPECT_EQ(picker, "dd/MM/yyyy");
-  EXPECT_EQ(screen, "dd\\/MM\\/yyyy");
-  EXPECT_EQ(graph, "%d/%m/%Y");
-  EXPECT_EQ(weekday, "%d/%m(%a)");
+  EXPECT_EQ(QStringList({picker, screen, graph, weekday}),
+            QStringList({"dd/MM/yyyy", "dd\\/MM\\/yyyy", "%d/%m/%Y", "%d/%m(%a)"}));
   ASSERT_TRUE(ProgramDateFormatFrom("/", "yyyy/M/d", picker, screen, graph, weekday));
-  EXPECT_EQ(picker, "yyyy/MM/dd");
-  EXPECT_EQ(weekday, "%m/%d(%a)");
+  EXPECT_EQ(picker + " " + weekday, "yyyy/MM/dd %m/%d(%a)");
   ASSERT_TRUE(ProgramDateFormatFrom(".", "d.M.yy", picker, screen, graph, weekday));
-  EXPECT_EQ(screen, "dd\\.MM\\.yyyy");
-  EXPECT_EQ(graph, "%d.%m.%Y");
+  EXPECT_EQ(screen + " " + graph, "dd\\.MM\\.yyyy %d.%m.%Y");
 }
 
 TEST(Dates, UnusablePatternsKeepTheStartingFormats) {
