@@ -150,8 +150,7 @@ TEST_F(SafetyTest, CompactionRunsOnlyWhenATenthIsFreeAndReplacesTheFileWhole) {
   int result = -1;
   const qint64 size = QFileInfo(path).size();
   CompactDB(path, result, progress);
-  EXPECT_EQ(result, 0);
-  EXPECT_EQ(QFileInfo(path).size(), size);
+  EXPECT_EQ(std::pair(result, QFileInfo(path).size()), std::pair(0, size));
   EXPECT_FALSE(QFile::exists(path + QStringLiteral(".bak")));
   EXPECT_TRUE(traced(QStringLiteral("1"), QStringLiteral("CompactDB"), QStringLiteral("skipped")));
 
@@ -166,8 +165,7 @@ TEST_F(SafetyTest, CompactionRunsOnlyWhenATenthIsFreeAndReplacesTheFileWhole) {
   write(path + QStringLiteral(".org"), "stale");
   progress.values.clear();
   CompactDB(path, result, progress);
-  EXPECT_EQ(result, 0);
-  EXPECT_EQ(progress.values, (std::vector<int>{20, 40, 60, kCompactProgressMaximum}));
+  EXPECT_EQ(std::pair(result, progress.values), std::pair(0, std::vector<int>{20, 40, 60, kCompactProgressMaximum}));
   EXPECT_LT(QFileInfo(path).size(), QFileInfo(path + QStringLiteral(".bak")).size());
   EXPECT_FALSE(QFile::exists(CompactTempPath(path)));
   EXPECT_TRUE(hasUser(path, kDefaultDbPassword, id));
@@ -179,13 +177,12 @@ TEST_F(SafetyTest, WhatTheProgramWritesIsItsOwnersAlone) {
   inst_.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("LOG_PATH"), QStringLiteral("../privatelog"));
   SetLogLevel(QStringLiteral("0"));
   WriteTrace(QStringLiteral("2"), QStringLiteral("Test"), QStringLiteral("a line"));
-  EXPECT_EQ(ModeOf(inst_.path(QStringLiteral("privatelog"))), 0700);
-  EXPECT_EQ(ModeOf(inst_.path(QStringLiteral("privatelog/trace.log"))), 0600);
   const QString raw = inst_.path(QStringLiteral("rawdumps"));
   ASSERT_TRUE(MakePrivateFolder(raw));
   ASSERT_TRUE(MakePrivateFile(raw + QStringLiteral("/R000000001.bin")));
-  EXPECT_EQ(ModeOf(raw), 0700);
-  EXPECT_EQ(ModeOf(raw + QStringLiteral("/R000000001.bin")), 0600);
+  EXPECT_EQ(std::tuple(ModeOf(inst_.path("privatelog")), ModeOf(inst_.path("privatelog/trace.log")), ModeOf(raw),
+                       ModeOf(raw + QStringLiteral("/R000000001.bin"))),
+            std::tuple(0700, 0600, 0700, 0600));
 }
 
 TEST_F(SafetyTest, AConfigurationThatCannotBeUsedIsNamedForWhatIsWrongWithIt) {
@@ -194,12 +191,12 @@ TEST_F(SafetyTest, AConfigurationThatCannotBeUsedIsNamedForWhatIsWrongWithIt) {
     QFile f(conf);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
   }();
-  write(conf, QByteArray());
-  EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0003"));
-  write(conf, QByteArray("\x00\x01garbage", 9));
-  EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0005"));
-  write(conf, QByteArray("[OTHER]\nA=1\n"));
-  EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0005"));
+  for (auto [content, code] : {std::pair{QByteArray(), "PTOP-C-0003"},
+                               std::pair{QByteArray("\x00\x01garbage", 9), "PTOP-C-0005"},
+                               std::pair{QByteArray("[OTHER]\nA=1\n"), "PTOP-C-0005"}}) {
+    write(conf, content);
+    EXPECT_EQ(Ini_ConfigProblemCode(), code) << content.toStdString();
+  }
   QFile::remove(conf);
   EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0001"));
   write(conf, good);

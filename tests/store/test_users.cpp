@@ -93,11 +93,9 @@ TEST_F(StoreTest, EditingFindsTheUserHimselfNoConflict) {
   EXPECT_EQ(EditUser(db_, edit), 0);
   UserInfo back;
   ASSERT_TRUE(GetUserInfo(db_, back, a.USER_ID));
-  EXPECT_EQ(back.COMMENT, QStringLiteral("walks daily"));
-  EXPECT_EQ(back.AGE, QStringLiteral("41"));
-  EXPECT_EQ(back.TARGET_CAL, QString());
-  EXPECT_EQ(rawColumn(db_, QStringLiteral("LAST_RECEIVE_ID"), a.USER_ID), QStringLiteral("R000000007"));
-  EXPECT_EQ(rawColumn(db_, QStringLiteral("HEIGHT_FEET"), a.USER_ID), QStringLiteral("5"));
+  EXPECT_EQ(QStringList({back.COMMENT, back.AGE, back.TARGET_CAL, rawColumn(db_, "LAST_RECEIVE_ID", a.USER_ID),
+                         rawColumn(db_, "HEIGHT_FEET", a.USER_ID)}),
+            QStringList({"walks daily", "41", "", "R000000007", "5"}));
 
   edit.NICK_NAME = QStringLiteral("0002");
   EXPECT_EQ(EditUser(db_, edit), 7);
@@ -116,9 +114,9 @@ TEST_F(StoreTest, LoginIdsAreComparedExactly) {
   UserInfo a = person(QStringLiteral("森 花子"));
   a.LOGIN_ID = QStringLiteral("AB");
   ASSERT_EQ(SetUser(db_, a), 0);
-  EXPECT_EQ(VTDB_SearchUserIdFromLoginID(db_, QStringLiteral("ab")), QString());
-  EXPECT_EQ(VTDB_SearchUserIdFromLoginID(db_, QStringLiteral("AB")), a.USER_ID);
-  EXPECT_EQ(VTDB_SearchUserIdFromNickName(db_, QStringLiteral("x")), QString());
+  EXPECT_EQ(QStringList({VTDB_SearchUserIdFromLoginID(db_, "ab"), VTDB_SearchUserIdFromLoginID(db_, "AB"),
+                         VTDB_SearchUserIdFromNickName(db_, "x")}),
+            QStringList({"", a.USER_ID, ""}));
   EXPECT_EQ(messages(), 0u);
 }
 
@@ -165,7 +163,7 @@ TEST_F(StoreTest, GroupsAndRecorders) {
   EXPECT_TRUE(none.USER_ID.isEmpty());
   bool found = true;
   ASSERT_TRUE(VTDB_ChangeUserIdOnCPUNo(db_, QStringLiteral("A1B2C3"), a.USER_ID, &found));
-  EXPECT_FALSE(found);
+  EXPECT_FALSE(found);  // nothing to change yet
   ASSERT_TRUE(VTDB_SetUserIdOnCPUNo(db_, QStringLiteral("A1B2C3"), a.USER_ID));
   ASSERT_TRUE(VTDB_ChangeUserIdOnCPUNo(db_, QStringLiteral("A1B2C3"), QStringLiteral("U999999999"), &found));
   EXPECT_TRUE(found);
@@ -216,11 +214,11 @@ TEST_F(StoreTest, WeightPlanIsReplacedAndReadBack) {
   WeightPlanRecord plan;
   plan.UserId = QStringLiteral("U000000001");
   plan.PeriodIndex = QStringLiteral("3");
+  plan.FoodIndex = QStringLiteral("2");
   plan.StartDate = QStringLiteral("20240501");
   plan.EndDate = QStringLiteral("20240801");
   plan.TargetWeight = QStringLiteral("55.0");
   plan.DietOption = QStringLiteral("True");
-  plan.FoodIndex = QStringLiteral("2");
   plan.StartWeight = QStringLiteral("60.0");
   plan.PoundFlag = QStringLiteral("0");
   ASSERT_TRUE(SetWeightPlan(db_, plan));
@@ -231,14 +229,11 @@ TEST_F(StoreTest, WeightPlanIsReplacedAndReadBack) {
   ASSERT_EQ(GetGeneralData(db_, rows, QStringLiteral("IT007"), plan.UserId, QString(), QString(), QString(),
                            QString()),
             14);
-  EXPECT_EQ(rows[3].SUB_ITEM, QStringLiteral("IT007004"));
-  EXPECT_EQ(rows[9].VALUE, QStringLiteral("54.0"));
+  EXPECT_EQ(std::pair(rows[3].SUB_ITEM, rows[9].VALUE), std::pair(QString("IT007004"), QString("54.0")));
   WeightPlanRecord back;
   ASSERT_TRUE(GetWeightPlan(db_, back, plan.UserId));
-  EXPECT_EQ(back.TargetWeight, QStringLiteral("54.0"));
-  EXPECT_EQ(back.FoodIndex, QStringLiteral("2"));
-  EXPECT_EQ(back.PortionIndex, QString());
-  EXPECT_EQ(back.EndDate, QStringLiteral("20240801"));
+  EXPECT_EQ(QStringList({back.TargetWeight, back.FoodIndex, back.PortionIndex, back.EndDate}),
+            QStringList({"54.0", "2", "", "20240801"}));
 }
 
 TEST_F(StoreTest, GeneralDataFiltersNestAndTheSubItemNarrowsNothing) {
