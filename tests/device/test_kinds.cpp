@@ -44,7 +44,7 @@ TEST(Kinds, FixedTextVersionAndLogicDecideKindAndLanguage) {
     DeviceState state;
     const QByteArray b = Block(c.fixed, c.version, c.logic);
     EXPECT_EQ(FlashManage_SetPMKind(AsBytes(b), state), 0) << c.fixed.toStdString();
-    EXPECT_EQ(std::pair(state.pmKind, state.pmLang), std::pair(c.kind, c.lang))
+    EXPECT_EQ(std::tuple(state.pmKind, state.pmLang), std::tuple(c.kind, c.lang))
         << c.fixed.toStdString() << " " << c.version;
   }
 }
@@ -61,7 +61,7 @@ TEST(Kinds, UnknownBlocksLeaveTheEarlierKindAndLog) {
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(Block("99999", 1)), state), kDeviceUnknownKind);
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(QByteArray(kManageBlockBytes, char(0xFF))), state),
             kDeviceUnknownKind);
-  EXPECT_EQ(std::pair(state.pmKind, state.pmLang), std::pair(RecorderKind::BrioZr, RecorderLang::Japanese));
+  EXPECT_EQ(std::tuple(state.pmKind, state.pmLang), std::tuple(RecorderKind::BrioZr, RecorderLang::Japanese));
   EXPECT_TRUE(inst.logged("2", "FlashManage_SetPMKind", "PMSoftVersion ERROR,Not AL or BRIO"));
 }
 

@@ -10,12 +10,6 @@
 
 namespace {
 
-void WriteFile(const QString& path, const QByteArray& bytes) {
-  QFile f(path);
-  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-  f.write(bytes);
-}
-
 QByteArray Blocks(int count) {
   QByteArray b(count * kTransferBlockBytes, 0);
   for (int i = 0; i < count; ++i) b[i * kTransferBlockBytes] = static_cast<char>(i);
@@ -27,10 +21,10 @@ TEST(EmulatedReader, RecorderIsPresentWhileAnImageLiesInTheFolder) {
   QTemporaryDir dir;
   EmulatedReader reader(dir.path());
   EXPECT_EQ(reader.Tavo_Open(), 0);
-  WriteFile(dir.filePath("notes.txt"), "x");
+  WriteBytes(dir.filePath("notes.txt"), "x");
   EXPECT_EQ(reader.Tavo_Open(), 0);
-  WriteFile(dir.filePath("b.img"), Blocks(12));
-  WriteFile(dir.filePath("a.img"), Blocks(10));
+  WriteBytes(dir.filePath("b.img"), Blocks(12));
+  WriteBytes(dir.filePath("a.img"), Blocks(10));
   EXPECT_EQ(reader.currentImagePath(), dir.filePath("a.img"));
   const qint32 h = reader.Tavo_Open();
   EXPECT_NE(h, 0);
@@ -58,7 +52,7 @@ TEST(EmulatedReader, RecorderIsPresentWhileAnImageLiesInTheFolder) {
 TEST(EmulatedReader, TakingTheRecorderOffRefusesTheNextTransfer) {
   TestInstallation inst;
   QTemporaryDir dir;
-  WriteFile(dir.filePath("r.img"), Blocks(20));
+  WriteBytes(dir.filePath("r.img"), Blocks(20));
   EmulatedReader reader(dir.path());
   NoWaitClock clock;
   DeviceState s;
@@ -76,11 +70,11 @@ TEST(EmulatedReader, AnImageLargerThanAnyRecorderIsNotReadWhole) {
   QTemporaryDir dir;
   const qint64 largest = LargestRecorderMemoryBytes();
   EXPECT_EQ(largest, 489 * kTransferBlockBytes);
-  WriteFile(dir.filePath("r.img"), QByteArray(largest, '\xff'));
+  WriteBytes(dir.filePath("r.img"), QByteArray(largest, '\xff'));
   EmulatedReader reader(dir.path());
   EXPECT_NE(reader.Tavo_Open(), 0);
   reader.Tavo_CloseAll();
-  WriteFile(dir.filePath("r.img"), QByteArray(largest + 1, '\xff'));
+  WriteBytes(dir.filePath("r.img"), QByteArray(largest + 1, '\xff'));
   EXPECT_EQ(reader.Tavo_Open(), 0);
   // An endless device behind the name is read only up to the bound.
   QFile::remove(dir.filePath("r.img"));
@@ -111,7 +105,7 @@ TEST(ReaderFactory, FollowsTheReaderSection) {
   auto* emulated = dynamic_cast<EmulatedReader*>(reader.get());
   ASSERT_NE(emulated, nullptr);
   EXPECT_EQ(emulated->folder(), "../reader");
-  WriteFile(inst.readerPath() + "/x.img", Blocks(4));
+  WriteBytes(inst.readerPath() + "/x.img", Blocks(4));
   EXPECT_NE(reader->Tavo_Open(), 0);
 
   inst.setConfig("READER", "TYPE", "LIBRARY");

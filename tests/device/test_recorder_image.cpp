@@ -77,7 +77,7 @@ TEST(RecorderImage, EnglishRecordersAreTakenForEnglish) {
   TestInstallation inst(QStringLiteral("en"));
   for (RecorderKind kind : {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets}) {
     const RecorderContents c = ReadBack(inst, Options(kind, true));
-    EXPECT_EQ(std::pair(c.kind, c.language), std::pair(kind, RecorderLang::English));
+    EXPECT_EQ(std::tuple(c.kind, c.language), std::tuple(kind, RecorderLang::English));
     EXPECT_FALSE(IsRecorderMismatch(c.kind, c.manage));
   }
 }
@@ -176,10 +176,10 @@ TEST(RecorderImage, RingWrapsErasedPagesAndUnsetWeight) {
   o.erasedPages = {117};
   o.unsetWeight = true;
   const RecorderContents c = ReadBack(inst, o);
-  EXPECT_EQ(std::pair(c.manage.RecordStartPage, c.manage.RecordingPage), std::pair(115, 4));
+  EXPECT_EQ(std::tuple(c.manage.RecordStartPage, c.manage.RecordingPage), std::tuple(115, 4));
   ASSERT_EQ(c.pages.size(), 10u);
   EXPECT_EQ(std::tuple(c.pages[2].first, c.pages[5].first, c.pages[6].first), std::tuple(117, 120, 1));
-  EXPECT_EQ(std::pair(c.pages[2].second.bcDate, c.pages[2].second.CpuNo), std::pair(ZeroDate(), QString("NoData")));
+  EXPECT_EQ(std::tuple(c.pages[2].second.bcDate, c.pages[2].second.CpuNo), std::tuple(ZeroDate(), QString("NoData")));
   EXPECT_EQ(c.pages.back().second.WeightFraction, 255);
   EXPECT_LE(c.pages[8].second.WeightFraction, 9);
 
@@ -214,8 +214,8 @@ TEST(RecorderImage, MemoryLimitStopsWritingAtTheEndPage) {
   EXPECT_EQ(std::tuple(c.manage.MemorySetting, c.manage.MemoryDays, c.manage.RecordEndPage, c.manage.RecordingPage),
             std::tuple(1, 5, 7, 10));
   ASSERT_EQ(c.pages.size(), 8u);
-  EXPECT_EQ(std::pair(c.pages[4].second.bcDate, c.pages[5].second.bcDate),
-            std::pair(o.lastDay.addDays(-3), ZeroDate()));
+  EXPECT_EQ(std::tuple(c.pages[4].second.bcDate, c.pages[5].second.bcDate),
+            std::tuple(o.lastDay.addDays(-3), ZeroDate()));
 }
 
 TEST(RecorderImage, BadOptionsAreRefused) {
@@ -254,10 +254,7 @@ TEST(RecorderImage, InvalidImagesAreReportedNotDecoded) {
   const QByteArray image = MakeRecorderImage(Options(RecorderKind::BrioNormal));
   for (const auto& [bytes, what] :
        {std::pair{QByteArray(300, 'x'), "management block"}, std::pair{image.left(248 * 12), "page 2"}}) {
-    QFile f(inst.readerPath() + "/r.img");
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(bytes);
-    f.close();
+    ASSERT_TRUE(WriteBytes(inst.readerPath() + "/r.img", bytes));
     EmulatedReader reader(inst.readerPath());
     EXPECT_EQ(ReadRecorderContents(reader, clock, c, &error), kEmulatorFaultAddress) << what;
     EXPECT_TRUE(error.contains(what)) << error.toStdString();
@@ -304,13 +301,10 @@ TEST(RecorderImage, CommandLineRoundTrip) {
     }
   }
   // No valid image: a message and exit code 1.
-  QFile bad(inst.path("temp/bad.img"));
-  ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
-  bad.write("not a recorder");
-  bad.close();
+  ASSERT_TRUE(WriteBytes(inst.path("temp/bad.img"), "not a recorder"));
   QProcess dump;
   dump.setWorkingDirectory(inst.binPath());
-  dump.start(cli, {"dump", bad.fileName(), "--json"});
+  dump.start(cli, {"dump", inst.path("temp/bad.img"), "--json"});
   ASSERT_TRUE(dump.waitForFinished(60000));
   EXPECT_EQ(dump.exitCode(), 1);
   EXPECT_TRUE(dump.readAllStandardError().contains("no valid recorder image"));

@@ -99,7 +99,7 @@ TEST(Transport, PageAddressesAndSizesFollowTheKind) {
                         Case{RecorderKind::BrioZr, 240, 487, 496}, Case{RecorderKind::BrioMets, 2, 13, 992}}) {
     FakeReader reader;
     ASSERT_EQ(RecvData(reader, clock, Opened(3, c.kind), c.page, buffer.data()), 0);
-    EXPECT_EQ(std::pair(reader.calls[1].firstBlock, reader.calls[1].byteCount), std::pair(c.block, c.bytes))
+    EXPECT_EQ(std::tuple(reader.calls[1].firstBlock, reader.calls[1].byteCount), std::tuple(c.block, c.bytes))
         << c.page;
   }
 }
@@ -183,10 +183,7 @@ TEST(Transport, ManagementReceiveSetsKindDecodesAndSavesTheRawBlock) {
   // Pages append 992 bytes each; a 496-byte page is followed by zeros.
   ASSERT_EQ(PM_RecvData(reader, clock, s, 2, raw), 0);
   ASSERT_EQ(PM_RecvData(reader, clock, s, 3, QString()), 0);  // an empty path saves nothing
-  QFile f(raw);
-  ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-  const QByteArray saved = f.readAll();
-  EXPECT_EQ(saved, image.left(992) + image.mid(248 * 11, 496) + QByteArray(496, 0));
+  EXPECT_EQ(ReadBytes(raw), image.left(992) + image.mid(248 * 11, 496) + QByteArray(496, 0));
 
   inst.setConfig("SYSTEM", "SAVE_RAW_DATA", "0");
   ASSERT_EQ(PM_RecvData(reader, clock, s, 1, raw), 0);

@@ -103,8 +103,8 @@ TEST_F(Catalogue, MissingCodeAndMissingTitle) {
   EXPECT_EQ(QuestionDialog("CRIT-C-0001"), 0);
   MessageDialog("CRIT-C-0001");
   ASSERT_EQ(shown().size(), 2u);
-  EXPECT_EQ(std::pair(shown()[1].text, shown()[1].icon),
-            std::pair(QString("*** Resouce Not Exist *** TITL-I-0001, vbCritical + vbOKOnly"), DialogIcon::None));
+  EXPECT_EQ(std::tuple(shown()[1].text, shown()[1].icon),
+            std::tuple(QString("*** Resouce Not Exist *** TITL-I-0001, vbCritical + vbOKOnly"), DialogIcon::None));
   // The message itself still reached the log.
   EXPECT_TRUE(inst.traceText().contains("|MessageDialog        |Broken\r\n"));
 }
@@ -184,9 +184,7 @@ TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
   EXPECT_EQ(GetIniBackColor("X", "C"), 0u);
   EXPECT_TRUE(inst.logged("1", "GetIniBackColor", "color not found: X,C"));
 
-  QFile picture(inst.path("images/user1.png"));
-  ASSERT_TRUE(picture.open(QIODevice::WriteOnly));
-  picture.close();
+  ASSERT_TRUE(WriteBytes(inst.path("images/user1.png"), QByteArray()));
   inst.setResource("VB_COMMON", "IMAGE_USERICON_1", "../images/user1.png");
   inst.setResource("VB_COMMON", "IMAGE_USERICON_2", "../images/none.png");
   EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_1"), "../images/user1.png");

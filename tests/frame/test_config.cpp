@@ -71,15 +71,9 @@ TEST_F(Config, FlagTypes) {
 }
 
 TEST_F(Config, LowStepCountDefaultsOnlyWhenTheKeyIsMissing) {
-  QFile f(inst.configFile());
-  ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-  QByteArray text = f.readAll();
-  f.close();
+  QByteArray text = ReadBytes(inst.configFile());
   ASSERT_TRUE(text.contains("EDFA_LOW_STEP_COUNT=50\n"));
-  text.replace("EDFA_LOW_STEP_COUNT=50\n", "");
-  ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-  f.write(text);
-  f.close();
+  ASSERT_TRUE(WriteBytes(inst.configFile(), text.replace("EDFA_LOW_STEP_COUNT=50\n", "")));
 
   bool starting = false, ending = false;
   QString low;

@@ -6,20 +6,14 @@
 #include <QTemporaryDir>
 
 #include "frame/profile.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 
 class Profile : public ::testing::Test {
  protected:
-  void write(const QByteArray& bytes) {
-    QFile f(file);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(bytes);
-  }
-  QByteArray contents() const {
-    QFile f(file);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-  }
+  void write(const QByteArray& bytes) { ASSERT_TRUE(WriteBytes(file, bytes)); }
+  QByteArray contents() const { return ReadBytes(file); }
   QString read(const char* section, const char* key) const {
     return ReadIniString(file, QString::fromUtf8(section), QString::fromUtf8(key));
   }

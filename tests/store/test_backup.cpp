@@ -17,10 +17,9 @@ namespace {
 
 constexpr int kRowsPerBatch = 5;
 
+// Empty for a missing file, so that a file made where there was none shows.
 QByteArray fileHash(const QString& path) {
-  QFile f(path);
-  if (!f.open(QIODevice::ReadOnly)) return {};
-  return QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha256);
+  return QFileInfo::exists(path) ? QCryptographicHash::hash(ReadBytes(path), QCryptographicHash::Sha256) : QByteArray();
 }
 
 // One "receive": a transaction of several rows under one receive id.
@@ -122,16 +121,10 @@ TEST_F(Backup, RestoreRefusesFilesThatAreNoBackupAndLeavesTheDatabaseAlone) {
   addUser(QStringLiteral("U000000007"));
   const QString good = inst_.path(QStringLiteral("good.db"));
   ASSERT_NO_THROW(BackUpDatabase(db(), kDefaultDbPassword, good));
-  QFile goodFile(good);
-  ASSERT_TRUE(goodFile.open(QIODevice::ReadOnly));
-  const QByteArray goodBytes = goodFile.readAll();
-  goodFile.close();
-
+  const QByteArray goodBytes = ReadBytes(good);
   auto write = [&](const char* name, const QByteArray& bytes) {
     const QString p = inst_.path(QLatin1String(name));
-    QFile f(p);
-    EXPECT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
+    EXPECT_TRUE(WriteBytes(p, bytes));
     return p;
   };
   QString otherKey = inst_.path(QStringLiteral("other-key.db"));
@@ -206,8 +199,7 @@ TEST_F(Backup, NamesOrderAndRotationKeepTheNewest) {
     // Two backups within one second, and one across midnight.
     const QString p = NewBackupPath(folder(), db(), t0.addSecs(i / 2));
     QDir().mkpath(folder());
-    QFile f(p);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(WriteBytes(p, QByteArray()));
     made << p;
   }
   EXPECT_TRUE(made[1].endsWith(QLatin1String("ACTA-20260131-235958-2.db"))) << made[1].toStdString();
@@ -216,10 +208,8 @@ TEST_F(Backup, NamesOrderAndRotationKeepTheNewest) {
   EXPECT_EQ(NewestBackup(folder(), db()), made.last());
 
   // Other files in the folder are neither counted nor deleted.
-  for (const char* other : {"notes.txt", "OTHER-20200101-000000.db", "ACTA-2020.db"}) {
-    QFile f(QDir(folder()).filePath(QLatin1String(other)));
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-  }
+  for (const char* other : {"notes.txt", "OTHER-20200101-000000.db", "ACTA-2020.db"})
+    ASSERT_TRUE(WriteBytes(QDir(folder()).filePath(QLatin1String(other)), QByteArray()));
   EXPECT_EQ(RotateBackups(folder(), db(), 10), made.mid(0, 2));
   EXPECT_EQ(ListBackups(folder(), db()), made.mid(2));
   EXPECT_EQ(QDir(folder()).entryList(QDir::Files).size(), 13);

@@ -40,11 +40,9 @@ TEST_F(StoreTest, WrongPasswordOrForeignFileGivesTheConnectMessage) {
   EXPECT_FALSE(shown.contains(QStringLiteral("not a database")));
   EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("ConnectDB")));
 
-  QFile junk(inst_.path(QStringLiteral("data/mdb/junk.db")));
-  ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
-  junk.write("not a database at all, just some text that is long enough to be looked at");
-  junk.close();
-  EXPECT_EQ(ConnectDB(other, junk.fileName(), kDefaultDbPassword), 1);
+  const QString junk = inst_.path(QStringLiteral("data/mdb/junk.db"));
+  ASSERT_TRUE(WriteBytes(junk, "not a database at all, just some text that is long enough to be looked at"));
+  EXPECT_EQ(ConnectDB(other, junk, kDefaultDbPassword), 1);
   EXPECT_EQ(messages(), 2u);
   // A closed connection fails every operation the ordinary way.
   EXPECT_FALSE(VTDB_ExistUser(other));

@@ -31,9 +31,7 @@ TEST_F(EngineTest, FileIsUnreadableWithoutTheRightKey) {
   db_.exec(QStringLiteral("CREATE TABLE T (A TEXT); INSERT INTO T VALUES ('hello household');"));
   db_.close();
 
-  QFile f(path_);
-  ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-  const QByteArray raw = f.readAll();
+  const QByteArray raw = ReadBytes(path_);
   EXPECT_FALSE(raw.contains("hello household"));
   EXPECT_FALSE(raw.startsWith("SQLite format 3"));
 
@@ -56,10 +54,7 @@ TEST_F(EngineTest, MissingOrForeignFilesFailCleanly) {
   EXPECT_THROW(other.open(dir_.filePath(QStringLiteral("none.db")), QStringLiteral("x")), StoreError);
   EXPECT_FALSE(QFile::exists(dir_.filePath(QStringLiteral("none.db"))));
   const QString junk = dir_.filePath(QStringLiteral("junk.db"));
-  QFile f(junk);
-  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-  f.write(QByteArray(8192, 'x'));
-  f.close();
+  ASSERT_TRUE(WriteBytes(junk, QByteArray(8192, 'x')));
   EXPECT_THROW(other.open(junk, QStringLiteral("x")), StoreError);
   EXPECT_THROW(VtDatabase().open(path_, QStringLiteral("x"), VtDatabase::OpenMode::Create), StoreError);
 }

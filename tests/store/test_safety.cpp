@@ -31,11 +31,7 @@ class SafetyTest : public StoreTest {
     UserRecord r;
     return VTDB_GetUserInfoFromUserId(db, id, r);
   }
-  void write(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(bytes);
-  }
+  void write(const QString& path, const QByteArray& bytes) { ASSERT_TRUE(WriteBytes(path, bytes)); }
 };
 
 TEST_F(SafetyTest, EachInstallationGetsARandomOwnerOnlyKeyThatOpensWithoutStretching) {
@@ -129,15 +125,11 @@ TEST_F(SafetyTest, AMissingEmptyOrDamagedDatabaseComesBackFromTheNewestGoodCopyO
       f.seek(4096 * 3 + 100);
       f.write(QByteArray(3000, '\x5a'));
     }
-    const QByteArray content = [&] {
-      QFile f(dbFile);
-      return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }();
+    const QByteArray content = ReadBytes(dbFile);
     const DatabaseStartResult r = PrepareDatabaseAtStart(dbFile, {}, kDefaultDbPassword);
     EXPECT_EQ(r.outcome, DatabaseStartResult::Outcome::Stop) << r.detail.toStdString();
     EXPECT_EQ(r.messageCode, codes[i]) << r.detail.toStdString();
-    QFile f(dbFile);
-    EXPECT_EQ(f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray(), content);
+    EXPECT_EQ(ReadBytes(dbFile), content);
   }
 }
 
@@ -150,7 +142,7 @@ TEST_F(SafetyTest, CompactionRunsOnlyWhenATenthIsFreeAndReplacesTheFileWhole) {
   int result = -1;
   const qint64 size = QFileInfo(path).size();
   CompactDB(path, result, progress);
-  EXPECT_EQ(std::pair(result, QFileInfo(path).size()), std::pair(0, size));
+  EXPECT_EQ(std::tuple(result, QFileInfo(path).size()), std::tuple(0, size));
   EXPECT_FALSE(QFile::exists(path + QStringLiteral(".bak")));
   EXPECT_TRUE(traced(QStringLiteral("1"), QStringLiteral("CompactDB"), QStringLiteral("skipped")));
 
@@ -165,7 +157,7 @@ TEST_F(SafetyTest, CompactionRunsOnlyWhenATenthIsFreeAndReplacesTheFileWhole) {
   write(path + QStringLiteral(".org"), "stale");
   progress.values.clear();
   CompactDB(path, result, progress);
-  EXPECT_EQ(std::pair(result, progress.values), std::pair(0, std::vector<int>{20, 40, 60, kCompactProgressMaximum}));
+  EXPECT_EQ(std::tuple(result, progress.values), std::tuple(0, std::vector<int>{20, 40, 60, kCompactProgressMaximum}));
   EXPECT_LT(QFileInfo(path).size(), QFileInfo(path + QStringLiteral(".bak")).size());
   EXPECT_FALSE(QFile::exists(CompactTempPath(path)));
   EXPECT_TRUE(hasUser(path, kDefaultDbPassword, id));
@@ -187,10 +179,7 @@ TEST_F(SafetyTest, WhatTheProgramWritesIsItsOwnersAlone) {
 
 TEST_F(SafetyTest, AConfigurationThatCannotBeUsedIsNamedForWhatIsWrongWithIt) {
   const QString conf = inst_.configFile();
-  const QByteArray good = [&] {
-    QFile f(conf);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-  }();
+  const QByteArray good = ReadBytes(conf);
   for (auto [content, code] : {std::pair{QByteArray(), "PTOP-C-0003"},
                                std::pair{QByteArray("\x00\x01garbage", 9), "PTOP-C-0005"},
                                std::pair{QByteArray("[OTHER]\nA=1\n"), "PTOP-C-0005"}}) {

@@ -229,7 +229,7 @@ TEST_F(StoreTest, WeightPlanIsReplacedAndReadBack) {
   ASSERT_EQ(GetGeneralData(db_, rows, QStringLiteral("IT007"), plan.UserId, QString(), QString(), QString(),
                            QString()),
             14);
-  EXPECT_EQ(std::pair(rows[3].SUB_ITEM, rows[9].VALUE), std::pair(QString("IT007004"), QString("54.0")));
+  EXPECT_EQ(std::tuple(rows[3].SUB_ITEM, rows[9].VALUE), std::tuple(QString("IT007004"), QString("54.0")));
   WeightPlanRecord back;
   ASSERT_TRUE(GetWeightPlan(db_, back, plan.UserId));
   EXPECT_EQ(QStringList({back.TargetWeight, back.FoodIndex, back.PortionIndex, back.EndDate}),
