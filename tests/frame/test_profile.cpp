@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
-#include <QStringDecoder>
 #include <QStringEncoder>
 #include <QTemporaryDir>
 

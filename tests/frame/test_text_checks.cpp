@@ -9,16 +9,15 @@
 namespace {
 
 TEST(Checks, LengthThenRange) {
-  EXPECT_EQ(CheckInput(QStringLiteral("abc"), 0, 2, 0), 1);
-  EXPECT_EQ(CheckInput(QStringLiteral(""), 0, 5, 1), 2);
-  EXPECT_EQ(CheckInput(QStringLiteral("山田"), 0, 2, 1), 0);  // characters, not bytes
-  EXPECT_EQ(CheckInput(QStringLiteral("250"), 1, 3, 1, 200.0, 10.0), 3);
-  EXPECT_EQ(CheckInput(QStringLiteral("5"), 1, 3, 1, 200.0, 10.0), 4);
-  EXPECT_EQ(CheckInput(QStringLiteral("5"), 0, 3, 1, 200.0, 10.0), 0);  // kind 0: no range
-  EXPECT_EQ(CheckInput(QStringLiteral("5"), 1, 3, 1, 200.0), 0);        // one limit only
-  EXPECT_EQ(CheckInput(QStringLiteral("2500"), 1, 3, 1, 200.0, 10.0), 1);  // length first
-  EXPECT_EQ(CheckRange(QStringLiteral(""), 10, 1), 4);                  // "" reads as 0
-  EXPECT_EQ(CheckRange(QStringLiteral("12a"), 12, 1), 0);
+  // Lengths count characters, not bytes; kind 0 has no range; 5 passes with the upper
+  // limit alone; the length is checked first; "" reads as 0.
+  EXPECT_EQ(std::tuple(CheckInput("abc", 0, 2, 0), CheckInput("", 0, 5, 1), CheckInput("山田", 0, 2, 1)),
+            std::tuple(1, 2, 0));
+  EXPECT_EQ(std::tuple(CheckInput("250", 1, 3, 1, 200.0, 10.0), CheckInput("5", 1, 3, 1, 200.0, 10.0),
+                       CheckInput("5", 0, 3, 1, 200.0, 10.0), CheckInput("5", 1, 3, 1, 200.0),
+                       CheckInput("2500", 1, 3, 1, 200.0, 10.0)),
+            std::tuple(3, 4, 0, 0, 1));
+  EXPECT_EQ(std::tuple(CheckRange("", 10, 1), CheckRange("12a", 12, 1)), std::tuple(4, 0));
 }
 
 TEST(ProhibitChars, CheckAndReplaceWithWideForms) {
@@ -26,10 +25,8 @@ TEST(ProhibitChars, CheckAndReplaceWithWideForms) {
   ASSERT_TRUE(inst.isValid());
   inst.setConfig("PROHIBIT_FILENAME", "STRING_11", "\" \"");  // quotes keep the blank
   inst.setConfig("PROHIBIT_FILENAME", "STRING_12", "ab");  // two characters never match
-  EXPECT_TRUE(CheckProhibitChar(QStringLiteral("山田_2006.csv")));
-  EXPECT_TRUE(CheckProhibitChar(QStringLiteral("ab")));
-  EXPECT_FALSE(CheckProhibitChar(QStringLiteral("a/b")));
-  EXPECT_FALSE(CheckProhibitChar(QStringLiteral("a b")));
+  EXPECT_TRUE(CheckProhibitChar(QStringLiteral("山田_2006.csv")) && CheckProhibitChar(QStringLiteral("ab")));
+  EXPECT_FALSE(CheckProhibitChar(QStringLiteral("a/b")) || CheckProhibitChar(QStringLiteral("a b")));
 
   EXPECT_EQ(ReplaceProhibitChar(QStringLiteral("a\\b\"c'd e/f:g")),
             QString::fromUtf16(u"a\uFFE5b\u201Dc\u2019d\u3000e\uFF0Ff\uFF1Ag"));
@@ -47,10 +44,9 @@ TEST(ProhibitChars, ListEndsAtTheFirstGap) {
 
 TEST(Text, LineBreaksAndNul) {
   const QString t = QStringLiteral("a\r\nb\rc\nd");
-  EXPECT_EQ(RemoveLineBreaks(t, 1), "abcd");
-  EXPECT_EQ(RemoveLineBreaks(t, 0), "a  b c d");
-  EXPECT_EQ(CutAtNul(QString::fromUtf16(u"ab\0cd", 5)), "ab");
-  EXPECT_EQ(CutAtNul(QStringLiteral("abc")), "abc");
+  EXPECT_EQ(QStringList({RemoveLineBreaks(t, 1), RemoveLineBreaks(t, 0), CutAtNul(QString::fromUtf16(u"ab\0cd", 5)),
+                         CutAtNul(QStringLiteral("abc"))}),
+            QStringList({"abcd", "a  b c d", "ab", "abc"}));
 }
 
 TEST(Paths, TempNamesFoldersAndJoins) {
