@@ -1,7 +1,6 @@
 // The emulated reader over image files, the vendor library loader and the factory.
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 

@@ -18,12 +18,19 @@ DeviceState Opened(qint32 handle = 7, RecorderKind kind = RecorderKind::BrioNorm
   return s;
 }
 
+// Every test has an installation for the log, a clock that only counts and a buffer.
+class Transport : public ::testing::Test {
+ protected:
+  TestInstallation inst;
+  NoWaitClock clock;
+  std::array<quint8, 992> buffer{};
+};
+
 // Open closes every handle first and waits, found or not; close passes on whatever
 // handle there is (0 after a failed open) and keeps it.
-TEST(Transport, OpenClosesAllWaitsAndCloseKeepsTheHandle) {
+TEST_F(Transport, OpenClosesAllWaitsAndCloseKeepsTheHandle) {
   FakeReader reader;
   reader.openResult = 42;
-  NoWaitClock clock;
   DeviceState s;
   EXPECT_EQ(UsbOpen(reader, clock, s), 42);
   EXPECT_EQ(s.hUSB, 42);
@@ -45,12 +52,9 @@ TEST(Transport, OpenClosesAllWaitsAndCloseKeepsTheHandle) {
 }
 
 // Start, read, poll every 100 ms while the reader runs, finish, then the settling wait.
-TEST(Transport, SuccessfulReadIsStartReadPollFinishWithTheSettlingWait) {
-  TestInstallation inst;
+TEST_F(Transport, SuccessfulReadIsStartReadPollFinishWithTheSettlingWait) {
   FakeReader reader(QByteArray(248 * 20, char(0x5A)));
   reader.runningPolls = 2;
-  NoWaitClock clock;
-  std::array<quint8, 992> buffer{};
   EXPECT_EQ(RecvManage(reader, clock, Opened(), buffer.data()), 0);
   EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start", "Tavo_BRead", "Tavo_GetStatus", "Tavo_GetStatus",
                                              "Tavo_GetStatus", "Tavo_Finish"}));
@@ -60,25 +64,19 @@ TEST(Transport, SuccessfulReadIsStartReadPollFinishWithTheSettlingWait) {
   EXPECT_EQ(clock.waits(), QList<int>({100, 100, 500}));
 }
 
-TEST(Transport, NeverFinishingReadKeepsWaiting) {
-  TestInstallation inst;
+TEST_F(Transport, NeverFinishingReadKeepsWaiting) {
   FakeReader reader;
   reader.neverFinish = true;
-  NoWaitClock clock;
   clock.setWaitLimitMs(60 * 60 * 1000);  // an hour of polling, then the test stops it
-  std::array<quint8, 992> buffer{};
   EXPECT_THROW(RecvData(reader, clock, Opened(), 1, buffer.data()), DeviceClockLimitReached);
   EXPECT_EQ(reader.count("Tavo_GetStatus"), 36001);
   EXPECT_EQ(reader.count("Tavo_Finish") + reader.count("Tavo_Stop"), 0);
 }
 
-TEST(Transport, FaultStatusIsReturnedAfterTheWaitAndTheTransferStopped) {
-  TestInstallation inst;
+TEST_F(Transport, FaultStatusIsReturnedAfterTheWaitAndTheTransferStopped) {
   FakeReader reader;
   reader.faultAt[0] = 77;
   reader.runningPolls = 1;
-  NoWaitClock clock;
-  std::array<quint8, 992> buffer{};
   EXPECT_EQ(RecvManage(reader, clock, Opened(), buffer.data()), 77);
   EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Start", "Tavo_BRead", "Tavo_GetStatus",
                                              "Tavo_GetStatus", "Tavo_Stop"}));
@@ -86,10 +84,7 @@ TEST(Transport, FaultStatusIsReturnedAfterTheWaitAndTheTransferStopped) {
   EXPECT_TRUE(inst.logged("2", "RecvManage", "Tavo_GetStatus=77"));
 }
 
-TEST(Transport, PageAddressesAndSizesFollowTheKind) {
-  TestInstallation inst;
-  NoWaitClock clock;
-  std::array<quint8, 992> buffer{};
+TEST_F(Transport, PageAddressesAndSizesFollowTheKind) {
   struct Case {
     RecorderKind kind;
     qint16 page;
@@ -106,7 +101,7 @@ TEST(Transport, PageAddressesAndSizesFollowTheKind) {
 
 // A transfer the reader refuses, one without a handle and one of an unknown kind end
 // early with their code, make no further call and say why in the log.
-TEST(Transport, RefusedTransfersEndEarlyAndAreLogged) {
+TEST_F(Transport, RefusedTransfersEndEarlyAndAreLogged) {
   const struct {
     const char* what;
     qint32 handle;
@@ -128,30 +123,22 @@ TEST(Transport, RefusedTransfersEndEarlyAndAreLogged) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
-    TestInstallation inst;
     FakeReader reader;
     if (c.refuseStart) reader.refuseStartAt = {0};
     if (c.refuseRead) reader.refuseReadAt = {0};
-    NoWaitClock clock;
-    std::array<quint8, 992> buffer{};
     EXPECT_EQ(RecvData(reader, clock, Opened(c.handle, c.kind), 1, buffer.data()), c.code);
     EXPECT_EQ(reader.callNames(), c.calls);
     EXPECT_TRUE(clock.waits().isEmpty());
     EXPECT_TRUE(inst.logged("2", c.logName, c.logText));
   }
   // The management block goes the same way.
-  TestInstallation inst;
   FakeReader reader;
-  NoWaitClock clock;
-  std::array<quint8, 992> buffer{};
   EXPECT_EQ(RecvManage(reader, clock, Opened(0), buffer.data()), kDeviceNoTransfer);
   EXPECT_TRUE(inst.logged("2", "RecvManage", "hUSB=0"));
 }
 
-TEST(Transport, PageBelowOneDecodesAZeroedBuffer) {
-  TestInstallation inst;
+TEST_F(Transport, PageBelowOneDecodesAZeroedBuffer) {
   FakeReader reader;
-  NoWaitClock clock;
   DeviceState s = Opened(3, RecorderKind::BrioNormal);
   s.data.StepCount = 999;
   EXPECT_EQ(PM_RecvData(reader, clock, s, 0, QString()), 0);
@@ -162,8 +149,7 @@ TEST(Transport, PageBelowOneDecodesAZeroedBuffer) {
     EXPECT_TRUE(inst.logged("2", "RecvData", text)) << text;
 }
 
-TEST(Transport, ManagementReceiveSetsKindDecodesAndSavesTheRawBlock) {
-  TestInstallation inst;
+TEST_F(Transport, ManagementReceiveSetsKindDecodesAndSavesTheRawBlock) {
   inst.setConfig("SYSTEM", "SAVE_RAW_DATA", "1");
   RecorderImageOptions o;
   o.kind = RecorderKind::BrioZr;
@@ -172,7 +158,6 @@ TEST(Transport, ManagementReceiveSetsKindDecodesAndSavesTheRawBlock) {
   const QByteArray image = MakeRecorderImage(o);
   ASSERT_FALSE(image.isEmpty());
   FakeReader reader(image);
-  NoWaitClock clock;
   DeviceState s;
   ASSERT_NE(UsbOpen(reader, clock, s), 0);
   const QString raw = inst.rawPath() + "/R000000001.bin";
@@ -190,10 +175,8 @@ TEST(Transport, ManagementReceiveSetsKindDecodesAndSavesTheRawBlock) {
   EXPECT_EQ(QFile(raw).size(), 992 * 2);
 }
 
-TEST(Transport, ReceiveFailuresAreLoggedWithTheirCode) {
-  TestInstallation inst;
+TEST_F(Transport, ReceiveFailuresAreLoggedWithTheirCode) {
   FakeReader reader(QByteArray(kManageBlockBytes, char(0xFF)));
-  NoWaitClock clock;
   DeviceState s = Opened(1, RecorderKind::Unknown);
   EXPECT_EQ(PM_RecvManage(reader, clock, s, QString()), kDeviceUnknownKind);
   EXPECT_TRUE(inst.logged("2", "PM_RecvManage", "FlashManage_SetPMKind ERROR(-40001)"));
@@ -206,13 +189,11 @@ TEST(Transport, ReceiveFailuresAreLoggedWithTheirCode) {
   EXPECT_TRUE(inst.logged("2", "PM_RecvManage", "RecvManage ERROR(-30000)"));
 }
 
-TEST(Transport, DumpLevelsWriteRecordsAndRawBytes) {
-  TestInstallation inst;
+TEST_F(Transport, DumpLevelsWriteRecordsAndRawBytes) {
   RecorderImageOptions o;
   o.numbers = RecorderNumbers::FromConfig();
   o.days = 2;
   FakeReader reader(MakeRecorderImage(o));
-  NoWaitClock clock;
   DeviceState s;
   UsbOpen(reader, clock, s);
   inst.setConfig("PM_TEST", "PM_DUNP", "1");

@@ -103,8 +103,7 @@ TEST_F(Backup, CopyTakenWhileAnotherProcessWritesHoldsWholeCommitsUpToItsStart) 
 
   // A prefix of the commits, each whole: batches 1..k with every row, k at least what was
   // committed before the copy began.
-  EXPECT_EQ(saved.begin()->first, 1);
-  EXPECT_EQ(saved.rbegin()->first, static_cast<int>(saved.size()));
+  EXPECT_EQ(std::tuple(saved.begin()->first, saved.rbegin()->first), std::tuple(1, static_cast<int>(saved.size())));
   EXPECT_GE(static_cast<int>(saved.size()), committed);
   for (const auto& [batch, rows] : saved) EXPECT_EQ(rows, kRowsPerBatch) << "receive " << batch;
   EXPECT_FALSE(QFileInfo(copy).permissions().testFlag(QFileDevice::ReadOther));
@@ -173,8 +172,7 @@ TEST_F(Backup, RestoreKeepsTheCurrentDataEvenWhenTheyAreDamaged) {
   ASSERT_GT(QFileInfo(db() + QStringLiteral("-wal")).size(), 0);
   db_.close();
   ASSERT_NO_THROW(RestoreDatabase(db(), kDefaultDbPassword, copy));
-  EXPECT_FALSE(userIds(db()).contains(QStringLiteral("U000000002")));
-  EXPECT_TRUE(userIds(db()).contains(QStringLiteral("U000000001")));
+  EXPECT_EQ(userIds(db()), QStringList({"U000000001", "U999999999"}));
   EXPECT_TRUE(userIds(db() + QStringLiteral(".before-restore")).contains(QStringLiteral("U000000002")));
   EXPECT_FALSE(QFileInfo::exists(db() + QStringLiteral("-wal")) &&
                QFileInfo(db() + QStringLiteral("-wal")).size() > 0);
@@ -235,7 +233,6 @@ TEST_F(Backup, AutomaticBackupsFollowTheConfiguration) {
   EXPECT_EQ(Ini_GetBackupKeep(), kDefaultBackupKeep);
   inst_.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_NAME"), QStringLiteral("../data/mdb/none.db"));
   const BackupOutcome failed = MakeAutomaticBackup(QStringLiteral("compaction"));
-  EXPECT_FALSE(failed.ok);
-  EXPECT_FALSE(failed.message.isEmpty());
+  EXPECT_FALSE(failed.ok || failed.message.isEmpty());
   EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("MakeAutomaticBackup")));
 }
