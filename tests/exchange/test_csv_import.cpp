@@ -224,13 +224,13 @@ TEST_F(JapaneseImport, BadFilesAreRefusedWholeAndTheBatchGoesOn) {
                 s.files[i].logLine.contains(QStringLiteral("エラー行=%1行目").arg(bad[i].line)))
         << s.files[i].logLine.toStdString();
   }
-  EXPECT_TRUE(s.files.back().imported) << s.files.back().logLine.toStdString();
-  EXPECT_EQ(s.filesImported, 1);
+  EXPECT_TRUE(s.files.back().imported && s.filesImported == 1) << s.files.back().logLine.toStdString();
   // Only the good file's user and days are there.
   std::vector<UserInfo> users;
   GetUserList(fresh_, kDefaultGroupId, users);
   ASSERT_EQ(users.size(), 1u);
-  EXPECT_EQ(std::tuple(users[0].LOGIN_ID, CountRows(fresh_, "DAY_MEASUREMENT"), CountRows(fresh_, "TIME_MEASUREMENT_BLOCK")),
+  EXPECT_EQ(std::tuple(users[0].LOGIN_ID, CountRows(fresh_, "DAY_MEASUREMENT"),
+                       CountRows(fresh_, "TIME_MEASUREMENT_BLOCK")),
             std::tuple(QString("z9"), 7, 7));
 }
 
@@ -247,49 +247,47 @@ TEST_F(JapaneseImport, ReimportAddsAReceptionThatWins) {
   ASSERT_EQ(VTDB_GetChartDataForCSV(fresh_, again.files[0].userId, QStringLiteral("20240624"),
                                     QStringLiteral("20240624"), rows),
             2);
-  EXPECT_TRUE(rows[0].NewestOfDay);
-  EXPECT_EQ(rows[0].RECEIVE_ID, QStringLiteral("R000000002"));
+  EXPECT_TRUE(rows[0].NewestOfDay && rows[0].RECEIVE_ID == "R000000002") << rows[0].RECEIVE_ID.toStdString();
 }
 
 TEST_F(JapaneseImport, FileNamesAndLoginIds) {
-  QString login;
-  QString name;
-  EXPECT_TRUE(ParseCsvFileName(QStringLiteral("/x/abc_Hana Mori_20070402.csv"), login, name));
-  EXPECT_EQ(login + u'|' + name, QStringLiteral("abc|Hana Mori"));
-  EXPECT_TRUE(ParseCsvFileName(QStringLiteral("Hana_20070402.CSV"), login, name));
-  EXPECT_EQ(login + u'|' + name, QStringLiteral("|Hana"));
+  QString login, name;
+  EXPECT_TRUE(ParseCsvFileName(QStringLiteral("/x/abc_Hana Mori_20070402.csv"), login, name) &&
+              login + u'|' + name == QStringLiteral("abc|Hana Mori"));
+  EXPECT_TRUE(ParseCsvFileName(QStringLiteral("Hana_20070402.CSV"), login, name) && login + u'|' + name == "|Hana");
   EXPECT_FALSE(ParseCsvFileName(QStringLiteral("Hana_2007042.csv"), login, name));
   EXPECT_FALSE(IsFileCsv(QStringLiteral("a.txt")));
   EXPECT_TRUE(IsLoginIdText(QStringLiteral("ab-c")) && IsLoginIdText(QStringLiteral("ａｂ")));
   EXPECT_FALSE(IsLoginIdText(QStringLiteral("Ab09")));
   for (const char* yes : {"0", "0.5", "10", "12.25"}) EXPECT_TRUE(IsNumericText(QString::fromLatin1(yes))) << yes;
-  for (const char* no : {"", "01", "1.", "1.2.3", "-1", "1e3", " 1"}) EXPECT_FALSE(IsNumericText(QString::fromLatin1(no))) << no;
+  for (const char* no : {"", "01", "1.", "1.2.3", "-1", "1e3", " 1"})
+    EXPECT_FALSE(IsNumericText(QString::fromLatin1(no))) << no;
 
   // Names of 20 and login ids of 10 characters pass; one more is refused before reading.
   const QString good = GoodFileAndFreshDatabase();
   const QString dir = inst_->path(QStringLiteral("temp/names"));
   QDir().mkpath(dir);
   const QString name20 = QString(20, u'名');
-  for (const QString& f : {QStringLiteral("abcdefghij_") + name20, QStringLiteral("abcdefghijk_x"),
-                           QStringLiteral("k1_") + name20 + u'名', QStringLiteral("ログイン_x"), QString()})
-    WriteBytes(dir + u'/' + f + QStringLiteral("_20240701.csv"), good.toUtf8());
+  const QString tooLong = QStringLiteral("ファイル名のログインIDまたは氏名が長すぎます");
+  const std::pair<QString, QString> names[] = {{"abcdefghij_" + name20, "ok"},
+                                               {"abcdefghijk_x", tooLong},
+                                               {"k1_" + name20 + u'名', tooLong},
+                                               {"ログイン_x", "ログインIDに使用できない文字があります"},
+                                               {"", "氏名がファイル名にありません"}};
+  for (const auto& [file, reason] : names) WriteBytes(dir + u'/' + file + "_20240701.csv", good.toUtf8());
   const CsvImportSummary s = Import(fresh_, {dir});
   ASSERT_EQ(s.files.size(), 5u);
   std::map<QString, QString> reasons;
   for (const auto& r : s.files) reasons[QFileInfo(r.path).fileName()] = r.imported ? QStringLiteral("ok") : r.reason;
-  EXPECT_EQ(reasons[QStringLiteral("abcdefghij_") + name20 + QStringLiteral("_20240701.csv")], QStringLiteral("ok"));
-  EXPECT_EQ(reasons[QStringLiteral("abcdefghijk_x_20240701.csv")], QStringLiteral("ファイル名のログインIDまたは氏名が長すぎます"));
-  EXPECT_EQ(reasons[QStringLiteral("k1_") + name20 + QStringLiteral("名_20240701.csv")],
-            QStringLiteral("ファイル名のログインIDまたは氏名が長すぎます"));
-  EXPECT_EQ(reasons[QStringLiteral("ログイン_x_20240701.csv")], QStringLiteral("ログインIDに使用できない文字があります"));
-  EXPECT_EQ(reasons[QStringLiteral("_20240701.csv")], QStringLiteral("氏名がファイル名にありません"));
+  for (const auto& [file, reason] : names) EXPECT_EQ(reasons[file + "_20240701.csv"], reason) << file.toStdString();
 
   // Without a login id one is made from the prefix and the counter, which is kept.
   const QString plain = inst_->path(QStringLiteral("temp/Hana_20240701.csv"));
   WriteBytes(plain, good.toUtf8());
   const CsvImportSummary made = Import(fresh_, {plain});
   ASSERT_EQ(made.filesImported, 1) << made.log.toStdString();
-  EXPECT_EQ(made.files[0].loginId, Ini_GetCsvLoginIdPrefix().right(4) + QStringLiteral("%1").arg(Ini_GetCsvLoginIdMax().toInt(), 6, 10, QLatin1Char('0')));
+  EXPECT_EQ(made.files[0].loginId, Ini_GetCsvLoginIdPrefix().right(4) +
+                                       QStringLiteral("%1").arg(Ini_GetCsvLoginIdMax().toInt(), 6, 10, QLatin1Char('0')));
   const int counter = Ini_GetCsvLoginIdMax().toInt();
   ASSERT_EQ(Import(fresh_, {plain}).filesImported, 1);
   EXPECT_EQ(Ini_GetCsvLoginIdMax().toInt(), counter + 1);
