@@ -261,13 +261,15 @@ TEST(RecorderImage, CommandLineRoundTrip) {
   const QString cli = QStringLiteral(VANTORA_CLI_PATH);
   if (!QFileInfo::exists(cli)) GTEST_SKIP() << "vantora-cli not built";
   TestInstallation inst;
-  const auto run = [&](const QStringList& args) {
+  // The tool's output, or its error text when it is to fail.
+  const auto run = [&](const QStringList& args, int exitCode = 0) {
     QProcess p;
     p.setWorkingDirectory(inst.binPath());
     p.start(cli, args);
     EXPECT_TRUE(p.waitForFinished(60000));
-    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
-    return p.readAllStandardOutput();
+    const QByteArray err = p.readAllStandardError();
+    EXPECT_EQ(p.exitCode(), exitCode) << err.toStdString();
+    return exitCode == 0 ? p.readAllStandardOutput() : err;
   };
   for (const char* kindName : {"AL", "BRIO_NORMAL", "BRIO_METS", "BRIO_ZR", "BRIO_KT"}) {
     const QString name = QString::fromLatin1(kindName);
@@ -296,12 +298,7 @@ TEST(RecorderImage, CommandLineRoundTrip) {
   }
   // No valid image: a message and exit code 1.
   ASSERT_TRUE(WriteBytes(inst.path("temp/bad.img"), "not a recorder"));
-  QProcess dump;
-  dump.setWorkingDirectory(inst.binPath());
-  dump.start(cli, {"dump", inst.path("temp/bad.img"), "--json"});
-  ASSERT_TRUE(dump.waitForFinished(60000));
-  EXPECT_EQ(dump.exitCode(), 1);
-  EXPECT_TRUE(dump.readAllStandardError().contains("no valid recorder image"));
+  EXPECT_TRUE(run({"dump", inst.path("temp/bad.img"), "--json"}, 1).contains("no valid recorder image"));
 }
 
 }  // namespace
