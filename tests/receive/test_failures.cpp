@@ -1,7 +1,6 @@
 // Faults and cancels at every point: each ending reports its codes and leaves the
-// database as it was, apart from the overlap day that the page arithmetic deletes.
+// database as it was, the overlap day that the page arithmetic deletes included.
 #include "testsupport/receive_fixture.h"
-
 
 class Failures : public ReceiveFixture {
  protected:
@@ -13,15 +12,9 @@ class Failures : public ReceiveFixture {
     place(second);
     SetScreenState(kStateUserSelect);
     before = dump();
-    // The overlap day: page 10 of the first receive, deleted before the loop starts.
-    Statement st(*db, QStringLiteral("SELECT * FROM DAY_MEASUREMENT WHERE RECEIVE_ID = 'R000000001' AND PAGE = '10'"));
-    ASSERT_TRUE(st.step());
-    QStringList cols;
-    for (int c = 0; c < st.columnCount(); ++c) cols << st.text(c);
-    overlapRow = QStringLiteral("DAY_MEASUREMENT|") + cols.join(QLatin1Char('|'));
-    ASSERT_TRUE(before.contains(overlapRow));
-    withoutOverlap = before;
-    withoutOverlap.removeAll(overlapRow);
+    // The overlap day, page 10 of the first receive, is deleted before the loop starts:
+    // it is in `before`, so every comparison with it covers that deletion too.
+    ASSERT_EQ(rows("DAY_MEASUREMENT", "RECEIVE_ID = 'R000000001' AND PAGE = '10'"), 1);
   }
   ReceiveReport receiveWithFault(int transfer, qint32 status = 5) {
     FakeReader fake(image(second));
@@ -33,8 +26,6 @@ class Failures : public ReceiveFixture {
   QString ownerId;
   RecorderImageOptions second;
   QStringList before;
-  QStringList withoutOverlap;
-  QString overlapRow;
 };
 
 TEST_F(Failures, ReaderFaultsInTheManagementStageReportTheirCodesAndLeaveNothing) {
