@@ -3,13 +3,14 @@
 
 #include <array>
 #include <limits>
-#include <vector>
 
 #include "device/device.h"
 
 namespace {
 
 QDate D(int y, int m, int d) { return QDate(y, m, d); }
+template <size_t N>
+using Bytes = std::array<quint8, N>;
 
 TEST(DataConvert, TextIsNoDataOnlyWhenEveryByteIsErased) {
   const quint8 erased[6] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
@@ -49,59 +50,41 @@ TEST(DataConvert, BcdNibblesAboveNineCountAsTheirBinaryValue) {
 }
 
 TEST(DataConvert, FourDigitYearDates) {
-  const quint8 d[4] = {0x20, 0x05, 0x03, 0x31};
-  EXPECT_EQ(Bcd4ToDate(d), D(2005, 3, 31));
-  const quint8 bad[4] = {0x20, 0x05, 0x02, 0x30};
-  EXPECT_EQ(Bcd4ToDate(bad), ZeroDate());
-  const quint8 leap[4] = {0x20, 0x24, 0x02, 0x29};
-  EXPECT_EQ(Bcd4ToDate(leap), D(2024, 2, 29));
-  const quint8 erased[4] = {0xFF, 0xFF, 0xFF, 0xFF};
-  EXPECT_EQ(Bcd4ToDate(erased), ZeroDate());
+  const std::pair<Bytes<4>, QDate> cases[] = {{{0x20, 0x05, 0x03, 0x31}, D(2005, 3, 31)},
+                                              {{0x20, 0x05, 0x02, 0x30}, ZeroDate()},
+                                              {{0x20, 0x24, 0x02, 0x29}, D(2024, 2, 29)},
+                                              {{0xFF, 0xFF, 0xFF, 0xFF}, ZeroDate()}};
+  for (const auto& [bytes, date] : cases) EXPECT_EQ(Bcd4ToDate(bytes.data()), date) << date.toString().toStdString();
 }
 
 TEST(DataConvert, TwoDigitYearsTurnAtSeventy) {
-  const quint8 d70[3] = {0x70, 0x01, 0x01};
-  EXPECT_EQ(Bcd3ToDate(d70), D(1970, 1, 1));
-  const quint8 d69[3] = {0x69, 0x12, 0x31};
-  EXPECT_EQ(Bcd3ToDate(d69), D(2069, 12, 31));
-  const quint8 d00[3] = {0x00, 0x02, 0x29};
-  EXPECT_EQ(Bcd3ToDate(d00), D(2000, 2, 29));
-  const quint8 bad[3] = {0x23, 0x13, 0x01};
-  EXPECT_EQ(Bcd3ToDate(bad), ZeroDate());
-  const quint8 erased[3] = {0xFF, 0xFF, 0xFF};
-  EXPECT_EQ(Bcd3ToDate(erased), ZeroDate());
+  const std::pair<Bytes<3>, QDate> cases[] = {
+      {{0x70, 0x01, 0x01}, D(1970, 1, 1)}, {{0x69, 0x12, 0x31}, D(2069, 12, 31)}, {{0x00, 0x02, 0x29}, D(2000, 2, 29)},
+      {{0x23, 0x13, 0x01}, ZeroDate()},    {{0xFF, 0xFF, 0xFF}, ZeroDate()}};
+  for (const auto& [bytes, date] : cases) EXPECT_EQ(Bcd3ToDate(bytes.data()), date) << int(bytes[0]);
 }
 
 TEST(DataConvert, MeasureStartAlwaysInThisCenturyAndCarriesHoursAndMinutes) {
-  const quint8 plain[5] = {0x24, 0x06, 0x30, 0x08, 0x15};
-  EXPECT_EQ(Bcd5ToDateTime(plain), QDateTime(D(2024, 6, 30), QTime(8, 15), Qt::UTC));
-  const quint8 y99[5] = {0x99, 0x01, 0x01, 0x00, 0x00};
-  EXPECT_EQ(Bcd5ToDateTime(y99).date(), D(2099, 1, 1));
-  // Hour 25: 01:mm of the next day, across a month end.
-  const quint8 hour25[5] = {0x24, 0x01, 0x31, 0x25, 0x10};
-  EXPECT_EQ(Bcd5ToDateTime(hour25), QDateTime(D(2024, 2, 1), QTime(1, 10), Qt::UTC));
-  // Minute 75 carries into the hour, and 23:60 into the next year.
-  const quint8 min75[5] = {0x24, 0x03, 0x10, 0x10, 0x75};
-  EXPECT_EQ(Bcd5ToDateTime(min75), QDateTime(D(2024, 3, 10), QTime(11, 15), Qt::UTC));
-  const quint8 newYear[5] = {0x23, 0x12, 0x31, 0x23, 0x60};
-  EXPECT_EQ(Bcd5ToDateTime(newYear), QDateTime(D(2024, 1, 1), QTime(0, 0), Qt::UTC));
-  // Nibbles above 9 in the hour: 0xFF = 165 hours = 6 days 21 hours.
-  const quint8 bigHour[5] = {0x24, 0x01, 0x01, 0xFF, 0x00};
-  EXPECT_EQ(Bcd5ToDateTime(bigHour), QDateTime(D(2024, 1, 7), QTime(21, 0), Qt::UTC));
-  const quint8 erased[5] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
-  EXPECT_EQ(Bcd5ToDateTime(erased), ZeroDateTime());
+  const auto at = [](QDate d, int h, int m) { return QDateTime(d, QTime(h, m), Qt::UTC); };
+  const std::pair<Bytes<5>, QDateTime> cases[] = {
+      {{0x24, 0x06, 0x30, 0x08, 0x15}, at(D(2024, 6, 30), 8, 15)},
+      {{0x99, 0x01, 0x01, 0x00, 0x00}, at(D(2099, 1, 1), 0, 0)},
+      {{0x24, 0x01, 0x31, 0x25, 0x10}, at(D(2024, 2, 1), 1, 10)},   // hour 25: the next day, across a month end
+      {{0x24, 0x03, 0x10, 0x10, 0x75}, at(D(2024, 3, 10), 11, 15)},  // minute 75 carries into the hour
+      {{0x23, 0x12, 0x31, 0x23, 0x60}, at(D(2024, 1, 1), 0, 0)},     // and 23:60 into the next year
+      {{0x24, 0x01, 0x01, 0xFF, 0x00}, at(D(2024, 1, 7), 21, 0)},    // hour 0xFF = 165 h = 6 days 21 hours
+      {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, ZeroDateTime()}};
+  for (const auto& [bytes, when] : cases) EXPECT_EQ(Bcd5ToDateTime(bytes.data()), when) << int(bytes[3]);
 }
 
 TEST(DataConvert, TimesWithoutAValidValueBecomeTheMarker) {
-  const quint8 t[2] = {0x07, 0x45};
-  EXPECT_EQ(Bcd2ToTime(t), QTime(7, 45, 0));
-  const quint8 lastMinute[2] = {0x23, 0x59};
-  EXPECT_EQ(Bcd2ToTime(lastMinute), QTime(23, 59, 0));
-  const quint8 ten[2] = {0x0A, 0x00};  // hour 10 by the nibble rule: a valid time
-  EXPECT_EQ(Bcd2ToTime(ten), QTime(10, 0));
-  for (const auto& bytes : std::vector<std::array<quint8, 2>>{{0xFF, 0xFF}, {0x24, 0x00}, {0x12, 0x60}}) {
-    EXPECT_EQ(Bcd2ToTime(bytes.data()), QTime(0, 0, 59));
-    EXPECT_TRUE(IsNoEventTime(Bcd2ToTime(bytes.data())));
+  // 0x0A is hour 10 by the nibble rule: a valid time.
+  const std::pair<Bytes<2>, QTime> cases[] = {{{0x07, 0x45}, QTime(7, 45)}, {{0x23, 0x59}, QTime(23, 59)},
+                                              {{0x0A, 0x00}, QTime(10, 0)}, {{0xFF, 0xFF}, QTime(0, 0, 59)},
+                                              {{0x24, 0x00}, QTime(0, 0, 59)}, {{0x12, 0x60}, QTime(0, 0, 59)}};
+  for (const auto& [bytes, time] : cases) {
+    EXPECT_EQ(Bcd2ToTime(bytes.data()), time) << int(bytes[0]) << " " << int(bytes[1]);
+    EXPECT_EQ(IsNoEventTime(Bcd2ToTime(bytes.data())), time.second() == 59);
   }
 }
 

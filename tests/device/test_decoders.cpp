@@ -41,38 +41,19 @@ TEST(ManageDecoder, FamilyAReadsTheCommonFieldsAndCarriesTheFixedLiteral) {
   const QByteArray b = ManageBlock();
   FlashManage m;
   ASSERT_EQ(FlashManage_ConvertByteArray2Struct(AsBytes(b), m), 0);
-  EXPECT_EQ(m.FixedData, "12820");
-  EXPECT_EQ(m.VersionNo, 7);
-  EXPECT_EQ(m.ErrorCode, 3);
-  EXPECT_EQ(m.CpuNo, "AB1234");
-  EXPECT_EQ(m.RecorderId, 0x04030201);
-  EXPECT_EQ(m.bcDate, QDate(2024, 6, 30));
-  EXPECT_EQ(m.bcTime, QTime(18, 30));
-  EXPECT_EQ(m.Gender, 1);
-  EXPECT_EQ(m.Age, 44);
-  EXPECT_EQ(m.HeightCm, 168);
-  EXPECT_EQ(m.WeightKg, 61);
-  EXPECT_EQ(m.TargetActivity, 300);
-  EXPECT_EQ(m.GroupNo, 2);
-  EXPECT_EQ(m.KeyLock, 1);
-  EXPECT_EQ(m.FixedDisplayItem, 2);
-  EXPECT_EQ(m.MemorySetting, 1);
-  EXPECT_EQ(m.MemoryDays, 30);
-  EXPECT_EQ(m.StandbySetting, 3);
-  EXPECT_EQ(m.IntentionalIntensity, 4);
-  EXPECT_EQ(m.DurationSetting, 10);
-  EXPECT_EQ(m.IntensityThreshold, 5);
-  EXPECT_EQ(m.RecordStartPage, 5);
-  EXPECT_EQ(m.RecordEndPage, 12);
-  EXPECT_EQ(m.RecordingPage, 13);
-  EXPECT_EQ(m.bcNowDate, QDate(2024, 7, 1));
-  EXPECT_EQ(m.bcNowTime, QTime(9, 5));
-  EXPECT_EQ(m.BatteryLowFlag, 1);
+  EXPECT_EQ(std::tuple(m.FixedData, m.VersionNo, m.ErrorCode, m.CpuNo, m.RecorderId),
+            std::tuple(QString("12820"), 7, 3, QString("AB1234"), 0x04030201));
+  EXPECT_EQ(std::tuple(m.bcDate, m.bcTime, m.bcNowDate, m.bcNowTime),
+            std::tuple(QDate(2024, 6, 30), QTime(18, 30), QDate(2024, 7, 1), QTime(9, 5)));
   EXPECT_EQ(m.bcMeasureStart, QDateTime(QDate(2024, 6, 24), QTime(7, 0), Qt::UTC));
-  EXPECT_EQ(m.UnitFlag, 1);
-  EXPECT_EQ(m.WeightPound, 135);
-  EXPECT_EQ(m.RecordCheck[0], 0);
-  EXPECT_EQ(m.RecordCheck[899], 899 % 256);
+  EXPECT_EQ(std::tuple(m.Gender, m.Age, m.HeightCm, m.WeightKg, m.TargetActivity, m.GroupNo, m.KeyLock),
+            std::tuple(1, 44, 168, 61, 300, 2, 1));
+  EXPECT_EQ(std::tuple(m.FixedDisplayItem, m.MemorySetting, m.MemoryDays, m.StandbySetting,
+                       m.IntentionalIntensity, m.DurationSetting, m.IntensityThreshold),
+            std::tuple(2, 1, 30, 3, 4, 10, 5));
+  EXPECT_EQ(std::tuple(m.RecordStartPage, m.RecordEndPage, m.RecordingPage, m.BatteryLowFlag, m.UnitFlag,
+                       m.WeightPound, m.RecordCheck[0], m.RecordCheck[899]),
+            std::tuple(5, 12, 13, 1, 1, 135, 0, 899 % 256));
 }
 
 TEST(ManageDecoder, BrioReadsItsFieldsAndZrKtReadTheDailyWeight) {
@@ -80,37 +61,25 @@ TEST(ManageDecoder, BrioReadsItsFieldsAndZrKtReadTheDailyWeight) {
   FlashManage m;
   ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, RecorderKind::BrioNormal), 0);
   EXPECT_EQ(m.FixedData, "20101");  // as read
-  EXPECT_EQ(m.WeightFraction, 6);
-  EXPECT_EQ(m.RangeLower, 4);
-  EXPECT_EQ(m.RangeUpper, 9);
-  EXPECT_EQ(m.TargetTime, 30);
-  EXPECT_EQ(m.Stride, 72);
-  EXPECT_EQ(m.TargetSteps, 10000);
-  EXPECT_EQ(m.DisplayItem, 2);
-  EXPECT_EQ(m.LogicSelect, 0);
-  EXPECT_EQ(m.TargetSelect, 1);
-  EXPECT_EQ(m.DailyWeightSelect, 0);
-  EXPECT_EQ(m.DailyWeightTime, QTime(0, 0));
+  EXPECT_EQ(std::tuple(m.WeightFraction, m.RangeLower, m.RangeUpper, m.TargetTime, m.Stride, m.TargetSteps),
+            std::tuple(6, 4, 9, 30, 72, 10000));
+  EXPECT_EQ(std::tuple(m.DisplayItem, m.LogicSelect, m.TargetSelect, m.DailyWeightSelect, m.DailyWeightTime),
+            std::tuple(2, 0, 1, 0, QTime(0, 0)));
 
   for (RecorderKind kind : {RecorderKind::BrioZr, RecorderKind::BrioKt}) {
     FlashManage z;
     ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), z, kind), 0);
-    EXPECT_EQ(z.DailyWeightSelect, 1);
-    EXPECT_EQ(z.DailyWeightTime, QTime(7, 30));
+    EXPECT_EQ(std::tuple(z.DailyWeightSelect, z.DailyWeightTime), std::tuple(1, QTime(7, 30)));
   }
 }
 
 TEST(ManageDecoder, ErasedBlockDecodesWithoutError) {
-  const QByteArray b = Filled(kManageBlockBytes, 0xFF);
   FlashManage m;
-  ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(b), m, RecorderKind::BrioKt), 0);
-  EXPECT_EQ(m.FixedData, "NoData");
-  EXPECT_EQ(m.RecorderId, -1);
-  EXPECT_EQ(m.bcDate, ZeroDate());
-  EXPECT_EQ(m.bcMeasureStart, ZeroDateTime());
-  EXPECT_EQ(m.bcNowTime, QTime(0, 0, 59));
-  EXPECT_EQ(m.DailyWeightTime, QTime(0, 0, 59));
-  EXPECT_EQ(m.RecordingPage, 65535);
+  const QByteArray erased = Filled(kManageBlockBytes, 0xFF);
+  ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(erased), m, RecorderKind::BrioKt), 0);
+  EXPECT_EQ(std::tuple(m.FixedData, m.RecorderId, m.RecordingPage), std::tuple(QString("NoData"), -1, 65535));
+  EXPECT_EQ(std::tuple(m.bcDate, m.bcMeasureStart, m.bcNowTime, m.DailyWeightTime),
+            std::tuple(ZeroDate(), ZeroDateTime(), QTime(0, 0, 59), QTime(0, 0, 59)));
 }
 
 TEST(ManageDecoder, ShortBlockIsARunTimeError) {
@@ -141,31 +110,16 @@ QByteArray PageHead(int size) {
 }
 
 void ExpectHead(const FlashData& d) {
-  EXPECT_EQ(d.VersionNo, 2);
-  EXPECT_EQ(d.RecorderId, -2);
-  EXPECT_EQ(d.CpuNo, "990001");
-  EXPECT_EQ(d.SentFlag, 1);
-  EXPECT_EQ(d.BatteryChangedFlag, 1);
-  EXPECT_EQ(d.ClearKeyFlag, 0);
-  EXPECT_EQ(d.RecordTime, 1440);
-  EXPECT_EQ(d.bcDate, QDate(2005, 1, 2));
-  EXPECT_EQ(d.WeekDay, 3);
-  EXPECT_EQ(d.Age, 35);
-  EXPECT_EQ(d.HeightCm, 175);
-  EXPECT_EQ(d.WeightKg, 70);
-  EXPECT_EQ(d.TargetActivity, 200);
-  EXPECT_EQ(d.GroupCode, 1);
-  EXPECT_EQ(d.TotalEnergy, 2000);
-  EXPECT_EQ(d.Activity, 300);
-  EXPECT_EQ(d.StepCount, 12345);
+  EXPECT_EQ(std::tuple(d.VersionNo, d.RecorderId, d.CpuNo, d.SentFlag, d.BatteryChangedFlag, d.ClearKeyFlag),
+            std::tuple(2, -2, QString("990001"), 1, 1, 0));
+  EXPECT_EQ(std::tuple(d.RecordTime, d.bcDate, d.WeekDay, d.Age, d.HeightCm, d.WeightKg),
+            std::tuple(1440, QDate(2005, 1, 2), 3, 35, 175, 70));
+  EXPECT_EQ(std::tuple(d.TargetActivity, d.GroupCode, d.TotalEnergy, d.Activity, d.StepCount),
+            std::tuple(200, 1, 2000, 300, 12345));
   for (int i = 0; i < 10; ++i) EXPECT_EQ(d.level(i), 256 + i * 10);
   EXPECT_EQ(d.LevelSmall, 256 + 100);
-  EXPECT_EQ(d.Intentional, 4);
-  EXPECT_EQ(d.Duration, 10);
-  EXPECT_EQ(d.Frequency, 3);
-  EXPECT_EQ(d.LowBatteryDays, 2);
-  EXPECT_EQ(d.Event1, QTime(7, 15));
-  EXPECT_EQ(d.Event2, QTime(12, 0));
+  EXPECT_EQ(std::tuple(d.Intentional, d.Duration, d.Frequency, d.LowBatteryDays, d.Event1, d.Event2),
+            std::tuple(4, 10, 3, 2, QTime(7, 15), QTime(12, 0)));
   for (int i = 3; i <= 10; ++i) EXPECT_TRUE(IsNoEventTime(d.event(i)));
 }
 
@@ -178,14 +132,9 @@ TEST(PageDecoder, FamilyAPage) {
   FlashData d;
   ASSERT_EQ(FlashData_ConvertByteArray2Struct(AsBytes(b), d), 0);
   ExpectHead(d);
-  EXPECT_EQ(d.LevelProfileAL[0], 1);
-  EXPECT_EQ(d.LevelProfileAL[1], 2);
-  EXPECT_EQ(d.LevelProfileAL[718], 10);
-  EXPECT_EQ(d.LevelProfileAL[719], 15);
-  EXPECT_EQ(d.UnitFlag, 1);
-  EXPECT_EQ(d.WeightPound, 410);
-  EXPECT_EQ(d.Exercise, 0);
-  EXPECT_EQ(d.LevelProfileBrio[0], 0);
+  EXPECT_EQ(std::tuple(d.LevelProfileAL[0], d.LevelProfileAL[1], d.LevelProfileAL[718], d.LevelProfileAL[719]),
+            std::tuple(1, 2, 10, 15));
+  EXPECT_EQ(std::tuple(d.UnitFlag, d.WeightPound, d.Exercise, d.LevelProfileBrio[0]), std::tuple(1, 410, 0, 0));
 }
 
 QByteArray BrioPage() {
@@ -203,19 +152,11 @@ TEST(PageDecoder, BrioNormalReadsItsTargetsRangeAndStride) {
   FlashData d;
   ASSERT_EQ(FlashData_ConvertByteArray2Struct_Brio(AsBytes(b), d, RecorderKind::BrioNormal), 0);
   ExpectHead(d);
-  EXPECT_EQ(d.LevelProfileBrio[0], 3);
-  EXPECT_EQ(d.LevelProfileBrio[1], 4);
-  EXPECT_EQ(d.WeightFraction, 5);
-  EXPECT_EQ(d.TargetSelect, 1);
-  EXPECT_EQ(d.RangeLower, 3);
-  EXPECT_EQ(d.RangeUpper, 8);
-  EXPECT_EQ(d.TargetTime, 40);
-  EXPECT_EQ(d.RangeMinutes, 272);
-  EXPECT_EQ(d.Distance, 123);
-  EXPECT_EQ(d.LogicSelect, 0);
-  EXPECT_EQ(d.Stride, 70);
-  EXPECT_EQ(d.TargetSteps, 8000);
-  EXPECT_EQ(d.WeightPound, 144);
+  EXPECT_EQ(std::tuple(d.LevelProfileBrio[0], d.LevelProfileBrio[1], d.WeightFraction, d.TargetSelect),
+            std::tuple(3, 4, 5, 1));
+  EXPECT_EQ(std::tuple(d.RangeLower, d.RangeUpper, d.TargetTime, d.RangeMinutes), std::tuple(3, 8, 40, 272));
+  EXPECT_EQ(std::tuple(d.Distance, d.LogicSelect, d.Stride, d.TargetSteps, d.WeightPound),
+            std::tuple(123, 0, 70, 8000, 144));
 }
 
 TEST(PageDecoder, ZrAndKtReadExerciseAndDailyWeight) {
@@ -223,10 +164,8 @@ TEST(PageDecoder, ZrAndKtReadExerciseAndDailyWeight) {
   for (RecorderKind kind : {RecorderKind::BrioZr, RecorderKind::BrioKt}) {
     FlashData d;
     ASSERT_EQ(FlashData_Decode(AsBytes(b), d, kind), 0);
-    EXPECT_EQ(d.Exercise, 42);
-    EXPECT_EQ(d.DailyWeightSelect, 1);
-    EXPECT_EQ(d.DailyWeightTime, QTime(6, 45));
-    EXPECT_EQ(d.Distance, 123);
+    EXPECT_EQ(std::tuple(d.Exercise, d.DailyWeightSelect, d.DailyWeightTime, d.Distance),
+              std::tuple(42, 1, QTime(6, 45), 123));
   }
 }
 
@@ -241,18 +180,10 @@ TEST(PageDecoder, MetsProfileLiesInTheLastThreeTransferBlocks) {
   FlashData d;
   ASSERT_EQ(FlashData_ConvertByteArray2Struct_METS(AsBytes(b), d), 0);
   ExpectHead(d);
-  EXPECT_EQ(d.TargetSelect, 1);
-  EXPECT_EQ(d.RangeLower, 2);
-  EXPECT_EQ(d.RangeUpper, 7);
-  EXPECT_EQ(d.TargetTime, 20);
-  EXPECT_EQ(d.RangeMinutes, 261);
-  EXPECT_EQ(d.Distance, 999);
-  EXPECT_EQ(d.LogicSelect, 1);
-  EXPECT_EQ(d.Stride, 68);
-  EXPECT_EQ(d.TargetSteps, 10000);
-  EXPECT_EQ(d.UnitFlag, 1);
-  EXPECT_EQ(d.WeightPound, 304);
-  EXPECT_EQ(d.WeightFraction, 7);
+  EXPECT_EQ(std::tuple(d.TargetSelect, d.RangeLower, d.RangeUpper, d.TargetTime, d.RangeMinutes, d.Distance),
+            std::tuple(1, 2, 7, 20, 261, 999));
+  EXPECT_EQ(std::tuple(d.LogicSelect, d.Stride, d.TargetSteps, d.UnitFlag, d.WeightPound, d.WeightFraction),
+            std::tuple(1, 68, 10000, 1, 304, 7));
   for (int i = 0; i < kProfileSlots; ++i) ASSERT_EQ(d.LevelProfileMets[static_cast<size_t>(i)], i % 91) << i;
   EXPECT_EQ(d.LevelProfileBrio[0], 0);
   // A short buffer is a run-time error.
@@ -260,7 +191,8 @@ TEST(PageDecoder, MetsProfileLiesInTheLastThreeTransferBlocks) {
 }
 
 TEST(PageDecoder, ErasedPageShowsAsNoDay) {
-  for (RecorderKind kind : {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets, RecorderKind::BrioZr, RecorderKind::BrioKt}) {
+  for (RecorderKind kind : {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets, RecorderKind::BrioZr,
+                            RecorderKind::BrioKt}) {
     const QByteArray b = Filled(kPageBufferBytes, 0xFF);
     FlashData d;
     ASSERT_EQ(FlashData_Decode(AsBytes(b), d, kind), 0) << KindText(kind).toStdString();
@@ -280,10 +212,8 @@ TEST(Dumps, ManageLinesCarryTheLabelsAndTheRecordCheckGrid) {
   ASSERT_EQ(FlashManage_ConvertByteArray2Struct_Brio(AsBytes(ManageBlock()), m, RecorderKind::BrioZr), 0);
   const QStringList lines = FlashManageDumpLines(m, RecorderKind::BrioZr);
   EXPECT_EQ(lines.first(), QString::fromUtf8("固定データ[20101]"));
-  EXPECT_TRUE(lines.contains(QString::fromUtf8("日付[2024/06/30]")));
-  EXPECT_TRUE(lines.contains(QString::fromUtf8("時刻[18:30]")));
-  EXPECT_TRUE(lines.contains(QString::fromUtf8("性別[F]")));
-  EXPECT_TRUE(lines.contains(QString::fromUtf8("測定開始日時[2024/06/24 07:00]")));
+  for (const char* line : {"日付[2024/06/30]", "時刻[18:30]", "性別[F]", "測定開始日時[2024/06/24 07:00]"})
+    EXPECT_TRUE(lines.contains(QString::fromUtf8(line))) << line;
   const qsizetype grid = lines.indexOf(QString::fromUtf8("データ記録確認"));
   ASSERT_GE(grid, 0);
   EXPECT_EQ(lines[grid + 1], "0000:0 1 2 3 4-5 6 7 8 9");

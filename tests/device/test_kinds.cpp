@@ -44,8 +44,8 @@ TEST(Kinds, FixedTextVersionAndLogicDecideKindAndLanguage) {
     DeviceState state;
     const QByteArray b = Block(c.fixed, c.version, c.logic);
     EXPECT_EQ(FlashManage_SetPMKind(AsBytes(b), state), 0) << c.fixed.toStdString();
-    EXPECT_EQ(state.pmKind, c.kind) << c.fixed.toStdString() << " " << c.version;
-    EXPECT_EQ(state.pmLang, c.lang) << c.fixed.toStdString() << " " << c.version;
+    EXPECT_EQ(std::tuple(state.pmKind, state.pmLang), std::tuple(c.kind, c.lang))
+        << c.fixed.toStdString() << " " << c.version;
   }
 }
 
@@ -57,13 +57,11 @@ TEST(Kinds, UnknownBlocksLeaveTheEarlierKindAndLog) {
   state.pmLang = RecorderLang::Japanese;
   const RecorderNumbers n = RecorderNumbers::FromConfig();
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(Block(n.brioJpn, 1, 2)), state), kDeviceUnknownKind);
-  EXPECT_EQ(state.pmKind, RecorderKind::BrioZr);
   EXPECT_TRUE(inst.logged("2", "FlashManage_SetPMKind", "PMLogicSelectionFlagVersion ERROR"));
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(Block("99999", 1)), state), kDeviceUnknownKind);
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(QByteArray(kManageBlockBytes, char(0xFF))), state),
             kDeviceUnknownKind);
-  EXPECT_EQ(state.pmKind, RecorderKind::BrioZr);
-  EXPECT_EQ(state.pmLang, RecorderLang::Japanese);
+  EXPECT_EQ(std::tuple(state.pmKind, state.pmLang), std::tuple(RecorderKind::BrioZr, RecorderLang::Japanese));
   EXPECT_TRUE(inst.logged("2", "FlashManage_SetPMKind", "PMSoftVersion ERROR,Not AL or BRIO"));
 }
 

@@ -1,7 +1,6 @@
 // The emulated reader over image files, the vendor library loader and the factory.
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -9,12 +8,6 @@
 #include "testsupport/test_installation.h"
 
 namespace {
-
-void WriteFile(const QString& path, const QByteArray& bytes) {
-  QFile f(path);
-  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-  f.write(bytes);
-}
 
 QByteArray Blocks(int count) {
   QByteArray b(count * kTransferBlockBytes, 0);
@@ -27,10 +20,10 @@ TEST(EmulatedReader, RecorderIsPresentWhileAnImageLiesInTheFolder) {
   QTemporaryDir dir;
   EmulatedReader reader(dir.path());
   EXPECT_EQ(reader.Tavo_Open(), 0);
-  WriteFile(dir.filePath("notes.txt"), "x");
+  WriteBytes(dir.filePath("notes.txt"), "x");
   EXPECT_EQ(reader.Tavo_Open(), 0);
-  WriteFile(dir.filePath("b.img"), Blocks(12));
-  WriteFile(dir.filePath("a.img"), Blocks(10));
+  WriteBytes(dir.filePath("b.img"), Blocks(12));
+  WriteBytes(dir.filePath("a.img"), Blocks(10));
   EXPECT_EQ(reader.currentImagePath(), dir.filePath("a.img"));
   const qint32 h = reader.Tavo_Open();
   EXPECT_NE(h, 0);
@@ -44,14 +37,12 @@ TEST(EmulatedReader, RecorderIsPresentWhileAnImageLiesInTheFolder) {
   reader.Tavo_Finish(h);
 
   // Past the end of a.img (10 blocks): a fault status, not a crash.
-  ASSERT_NE(reader.Tavo_Start(h), 0);
-  ASSERT_NE(reader.Tavo_BRead(h, 0, -1, 9, buffer, 496), 0);
-  EXPECT_EQ(reader.Tavo_GetStatus(h, &a, &b), kEmulatorFaultAddress);
-  reader.Tavo_Stop(h);
-  ASSERT_NE(reader.Tavo_Start(h), 0);
-  ASSERT_NE(reader.Tavo_BRead(h, 0, -1, -1, buffer, 248), 0);
-  EXPECT_EQ(reader.Tavo_GetStatus(h, &a, &b), kEmulatorFaultAddress);
-  reader.Tavo_Stop(h);
+  for (auto [block, bytes] : {std::pair{9, 496}, std::pair{-1, 248}}) {
+    ASSERT_NE(reader.Tavo_Start(h), 0);
+    ASSERT_NE(reader.Tavo_BRead(h, 0, -1, block, buffer, bytes), 0);
+    EXPECT_EQ(reader.Tavo_GetStatus(h, &a, &b), kEmulatorFaultAddress) << block;
+    reader.Tavo_Stop(h);
+  }
 
   EXPECT_EQ(reader.Tavo_Close(h), 0);
   EXPECT_EQ(reader.Tavo_Start(h), 0);  // closed handle
@@ -60,7 +51,7 @@ TEST(EmulatedReader, RecorderIsPresentWhileAnImageLiesInTheFolder) {
 TEST(EmulatedReader, TakingTheRecorderOffRefusesTheNextTransfer) {
   TestInstallation inst;
   QTemporaryDir dir;
-  WriteFile(dir.filePath("r.img"), Blocks(20));
+  WriteBytes(dir.filePath("r.img"), Blocks(20));
   EmulatedReader reader(dir.path());
   NoWaitClock clock;
   DeviceState s;
@@ -77,13 +68,12 @@ TEST(EmulatedReader, AnImageLargerThanAnyRecorderIsNotReadWhole) {
   TestInstallation inst;
   QTemporaryDir dir;
   const qint64 largest = LargestRecorderMemoryBytes();
-  // Every generated image fits, the largest exactly.
   EXPECT_EQ(largest, 489 * kTransferBlockBytes);
-  WriteFile(dir.filePath("r.img"), QByteArray(largest, '\xff'));
+  WriteBytes(dir.filePath("r.img"), QByteArray(largest, '\xff'));
   EmulatedReader reader(dir.path());
   EXPECT_NE(reader.Tavo_Open(), 0);
   reader.Tavo_CloseAll();
-  WriteFile(dir.filePath("r.img"), QByteArray(largest + 1, '\xff'));
+  WriteBytes(dir.filePath("r.img"), QByteArray(largest + 1, '\xff'));
   EXPECT_EQ(reader.Tavo_Open(), 0);
   // An endless device behind the name is read only up to the bound.
   QFile::remove(dir.filePath("r.img"));
@@ -91,7 +81,9 @@ TEST(EmulatedReader, AnImageLargerThanAnyRecorderIsNotReadWhole) {
   EXPECT_EQ(reader.Tavo_Open(), 0);
 }
 
-TEST(LibraryReader, MissingLibraryBehavesAsNoRecorderAndSaysSoOnce) {
+// A missing library, or one without the reader's symbols (the C runtime's math library),
+// behaves as no recorder and says so once.
+TEST(LibraryReader, MissingOrForeignLibraryBehavesAsNoRecorder) {
   TestInstallation inst;
   LibraryReader reader(inst.path("nowhere/libtavo.so"));
   EXPECT_FALSE(reader.isLoaded());
@@ -100,14 +92,9 @@ TEST(LibraryReader, MissingLibraryBehavesAsNoRecorderAndSaysSoOnce) {
   EXPECT_EQ(UsbOpen(reader, clock, s), 0);
   EXPECT_EQ(UsbOpen(reader, clock, s), 0);
   EXPECT_EQ(inst.traceText().count("|2|LibraryReader        |"), 1);
-}
-
-TEST(LibraryReader, LibraryWithoutTheOperationsIsRefused) {
-  TestInstallation inst;
-  // Any shared library without the reader's symbols will do: the C runtime's math library.
-  LibraryReader reader(QStringLiteral("libm.so.6"));
-  EXPECT_FALSE(reader.isLoaded());
-  EXPECT_EQ(reader.Tavo_Open(), 0);
+  LibraryReader foreign(QStringLiteral("libm.so.6"));
+  EXPECT_FALSE(foreign.isLoaded());
+  EXPECT_EQ(foreign.Tavo_Open(), 0);
   EXPECT_TRUE(inst.traceText().contains("lacks Tavo_Open"));
 }
 
@@ -117,7 +104,7 @@ TEST(ReaderFactory, FollowsTheReaderSection) {
   auto* emulated = dynamic_cast<EmulatedReader*>(reader.get());
   ASSERT_NE(emulated, nullptr);
   EXPECT_EQ(emulated->folder(), "../reader");
-  WriteFile(inst.readerPath() + "/x.img", Blocks(4));
+  WriteBytes(inst.readerPath() + "/x.img", Blocks(4));
   EXPECT_NE(reader->Tavo_Open(), 0);
 
   inst.setConfig("READER", "TYPE", "LIBRARY");

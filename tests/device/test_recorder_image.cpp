@@ -2,13 +2,11 @@
 // days are internally consistent, and they are reproducible.
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QTemporaryDir>
 
 #include "device/device.h"
 #include "testsupport/device_test_util.h"
@@ -52,22 +50,18 @@ TEST(RecorderImage, EveryKindReadsBackThroughTheEmulatedReader) {
     SCOPED_TRACE(KindText(kind).toStdString());
     RecorderImageOptions o = Options(kind);
     const RecorderContents c = ReadBack(inst, o);
-    EXPECT_EQ(c.kind, kind);
-    EXPECT_EQ(c.language, RecorderLang::Japanese);
-    EXPECT_EQ(c.manage.CpuNo, "123456");
-    EXPECT_EQ(c.manage.FixedData, kind == RecorderKind::AL ? QString("12820") : FixedTextOfForTest(o));
-    EXPECT_EQ(c.manage.RecordStartPage, 1);
-    EXPECT_EQ(c.manage.RecordingPage, 10);
-    EXPECT_EQ(c.manage.bcDate, o.lastDay);
-    EXPECT_EQ(c.manage.bcNowDate, o.lastDay);
-    EXPECT_EQ(c.manage.bcNowTime, QTime(18, 30));
-    EXPECT_EQ(c.manage.LogicSelect, kind == RecorderKind::BrioMets ? 1 : 0);
+    EXPECT_EQ(std::tuple(c.kind, c.language, c.manage.CpuNo, c.manage.FixedData),
+              std::tuple(kind, RecorderLang::Japanese, QString("123456"),
+                         kind == RecorderKind::AL ? QString("12820") : FixedTextOfForTest(o)));
+    EXPECT_EQ(std::tuple(c.manage.RecordStartPage, c.manage.RecordingPage, c.manage.LogicSelect),
+              std::tuple(1, 10, kind == RecorderKind::BrioMets ? 1 : 0));
+    EXPECT_EQ(std::tuple(c.manage.bcDate, c.manage.bcNowDate, c.manage.bcNowTime),
+              std::tuple(o.lastDay, o.lastDay, QTime(18, 30)));
     ASSERT_EQ(c.pages.size(), 10u);
     for (size_t i = 0; i < c.pages.size(); ++i) {
       const auto& [page, d] = c.pages[i];
-      EXPECT_EQ(page, static_cast<int>(i) + 1);
-      EXPECT_EQ(d.bcDate, o.lastDay.addDays(static_cast<int>(i) - 9));
-      EXPECT_EQ(d.CpuNo, "123456");
+      EXPECT_EQ(std::tuple(page, d.bcDate, d.CpuNo),
+                std::tuple(static_cast<int>(i) + 1, o.lastDay.addDays(static_cast<int>(i) - 9), QString("123456")));
       // The page the decoder reads equals the page the generator wrote.
       FlashData direct;
       ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(o, d.bcDate, i == 9)), direct, kind), 0);
@@ -81,8 +75,7 @@ TEST(RecorderImage, EnglishRecordersAreTakenForEnglish) {
   TestInstallation inst(QStringLiteral("en"));
   for (RecorderKind kind : {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets}) {
     const RecorderContents c = ReadBack(inst, Options(kind, true));
-    EXPECT_EQ(c.kind, kind);
-    EXPECT_EQ(c.language, RecorderLang::English);
+    EXPECT_EQ(std::tuple(c.kind, c.language), std::tuple(kind, RecorderLang::English));
     EXPECT_FALSE(IsRecorderMismatch(c.kind, c.manage));
   }
 }
@@ -100,9 +93,7 @@ TEST(RecorderImage, DaysAreConsistentWithTheirProfile) {
     for (const auto& [page, d] : c.pages) {
       const bool recording = page == c.manage.RecordingPage;
       const LevelProfileArray& p = KindProfile(d, kind);
-      int recorded = 0;
-      int active = 0;
-      int asleepAtThree = 0;
+      int recorded = 0, active = 0, asleepAtThree = 0;
       for (int i = 0; i < kProfileSlots; ++i) {
         const int v = p[static_cast<size_t>(i)];
         const bool noData = mets ? v > 90 : v > 10;
@@ -110,18 +101,14 @@ TEST(RecorderImage, DaysAreConsistentWithTheirProfile) {
         if (!noData && (mets ? v >= 42 : v >= 5)) ++active;  // level 4 and above
         if (i == 90 && v <= (mets ? 13 : 1)) ++asleepAtThree;
       }
-      if (!recording) {
-        EXPECT_EQ(recorded, kProfileSlots);
-        EXPECT_EQ(d.RecordTime, 1440);
-        EXPECT_EQ(asleepAtThree, 1);  // 03:00 is night
+      if (!recording) {  // a finished day: every slot, and 03:00 is night
+        EXPECT_EQ(std::tuple(recorded, d.RecordTime, asleepAtThree), std::tuple(kProfileSlots, 1440, 1));
       }
       qint32 counts = d.LevelSmall;
       for (int l = 0; l < 10; ++l) counts += d.level(l);
       EXPECT_EQ(counts, recorded * 30);  // 30 four-second counts a slot
-      EXPECT_GT(d.StepCount, 1000);
-      EXPECT_LT(d.StepCount, 40000);
-      EXPECT_GT(d.TotalEnergy, d.Activity);
-      EXPECT_LT(d.TotalEnergy, 4500);
+      EXPECT_TRUE(d.StepCount > 1000 && d.StepCount < 40000) << d.StepCount;
+      EXPECT_TRUE(d.TotalEnergy > d.Activity && d.TotalEnergy < 4500) << d.TotalEnergy;
       if (kind != RecorderKind::AL) {
         EXPECT_EQ(d.RangeMinutes, (d.Level4 + d.Level5 + d.Level6 + d.Level7 + d.Level8 + d.Level9) * 4 / 60);
         EXPECT_LT(d.Distance, 665);  // 66.5 km would carry into the next field
@@ -145,8 +132,7 @@ TEST(RecorderImage, SameSeedSameBytesAndALaterClockKeepsTheEarlierDays) {
       ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(o, o.lastDay, false)), km, kind), 0);
       ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(pounds, o.lastDay, false)), mi, kind), 0);
       EXPECT_EQ(mi.UnitFlag, 1);
-      EXPECT_GT(km.Distance, 0);
-      EXPECT_EQ(mi.Distance, km.Distance);
+      EXPECT_TRUE(km.Distance > 0 && mi.Distance == km.Distance);
     }
     RecorderImageOptions other = o;
     other.seed = 12;
@@ -184,15 +170,10 @@ TEST(RecorderImage, RingWrapsErasedPagesAndUnsetWeight) {
   o.erasedPages = {117};
   o.unsetWeight = true;
   const RecorderContents c = ReadBack(inst, o);
-  EXPECT_EQ(c.manage.RecordStartPage, 115);
-  EXPECT_EQ(c.manage.RecordingPage, 4);
+  EXPECT_EQ(std::tuple(c.manage.RecordStartPage, c.manage.RecordingPage), std::tuple(115, 4));
   ASSERT_EQ(c.pages.size(), 10u);
-  EXPECT_EQ(c.pages[5].first, 120);
-  EXPECT_EQ(c.pages[6].first, 1);
-  const FlashData& erased = c.pages[2].second;
-  EXPECT_EQ(c.pages[2].first, 117);
-  EXPECT_EQ(erased.bcDate, ZeroDate());
-  EXPECT_EQ(erased.CpuNo, "NoData");
+  EXPECT_EQ(std::tuple(c.pages[2].first, c.pages[5].first, c.pages[6].first), std::tuple(117, 120, 1));
+  EXPECT_EQ(std::tuple(c.pages[2].second.bcDate, c.pages[2].second.CpuNo), std::tuple(ZeroDate(), QString("NoData")));
   EXPECT_EQ(c.pages.back().second.WeightFraction, 255);
   EXPECT_LE(c.pages[8].second.WeightFraction, 9);
 
@@ -203,9 +184,8 @@ TEST(RecorderImage, RingWrapsErasedPagesAndUnsetWeight) {
   o.unsetWeight = false;
   o.erasedPages.clear();
   const RecorderContents all = ReadBack(inst, o);
-  EXPECT_EQ(all.manage.RecordingPage, 238);
-  EXPECT_EQ(all.pages.size(), 239u);
-  EXPECT_EQ(all.pages.front().second.bcDate, QDate(2024, 12, 31).addDays(-238));
+  EXPECT_EQ(std::tuple(all.manage.RecordingPage, all.pages.size(), all.pages.front().second.bcDate),
+            std::tuple(238, 239u, QDate(2024, 12, 31).addDays(-238)));
   EXPECT_EQ(all.manage.bcMeasureStart.date(), QDate(2024, 12, 31).addDays(-238));
   // A ring holding all 240 days has its recording page just below the start page:
   // the listing shows every one of them, oldest first.
@@ -213,9 +193,8 @@ TEST(RecorderImage, RingWrapsErasedPagesAndUnsetWeight) {
   const RecorderContents full = ReadBack(inst, o);
   EXPECT_EQ(full.manage.RecordingPage, 239);
   ASSERT_EQ(full.pages.size(), 240u);
-  EXPECT_EQ(full.pages.front().first, 240);
-  EXPECT_EQ(full.pages.back().first, 239);
-  EXPECT_EQ(full.pages.back().second.bcDate, QDate(2024, 12, 31));
+  EXPECT_EQ(std::tuple(full.pages.front().first, full.pages.back().first, full.pages.back().second.bcDate),
+            std::tuple(240, 239, QDate(2024, 12, 31)));
 }
 
 TEST(RecorderImage, MemoryLimitStopsWritingAtTheEndPage) {
@@ -226,13 +205,11 @@ TEST(RecorderImage, MemoryLimitStopsWritingAtTheEndPage) {
   o.days = 8;
   o.startPage = 3;
   const RecorderContents c = ReadBack(inst, o);
-  EXPECT_EQ(c.manage.MemorySetting, 1);
-  EXPECT_EQ(c.manage.MemoryDays, 5);
-  EXPECT_EQ(c.manage.RecordEndPage, 7);
-  EXPECT_EQ(c.manage.RecordingPage, 10);
+  EXPECT_EQ(std::tuple(c.manage.MemorySetting, c.manage.MemoryDays, c.manage.RecordEndPage, c.manage.RecordingPage),
+            std::tuple(1, 5, 7, 10));
   ASSERT_EQ(c.pages.size(), 8u);
-  EXPECT_EQ(c.pages[4].second.bcDate, o.lastDay.addDays(-3));
-  EXPECT_EQ(c.pages[5].second.bcDate, ZeroDate());
+  EXPECT_EQ(std::tuple(c.pages[4].second.bcDate, c.pages[5].second.bcDate),
+            std::tuple(o.lastDay.addDays(-3), ZeroDate()));
 }
 
 TEST(RecorderImage, BadOptionsAreRefused) {
@@ -267,23 +244,15 @@ TEST(RecorderImage, InvalidImagesAreReportedNotDecoded) {
     EXPECT_NE(ReadRecorderContents(none, clock, c, &error), 0);
     EXPECT_TRUE(error.contains("no recorder"));
   }
-  QFile f(inst.readerPath() + "/short.img");
-  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-  f.write(QByteArray(300, 'x'));
-  f.close();
-  EmulatedReader shortImage(inst.readerPath());
-  EXPECT_EQ(ReadRecorderContents(shortImage, clock, c, &error), kEmulatorFaultAddress);
-  EXPECT_TRUE(error.contains("management block"));
-
-  // A good block whose pages lie beyond the end of the file.
-  RecorderImageOptions o = Options(RecorderKind::BrioNormal);
-  const QByteArray image = MakeRecorderImage(o);
-  ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-  f.write(image.left(248 * 12));
-  f.close();
-  EmulatedReader truncated(inst.readerPath());
-  EXPECT_EQ(ReadRecorderContents(truncated, clock, c, &error), kEmulatorFaultAddress);
-  EXPECT_TRUE(error.contains("page 2"));  // blocks 11 and 12; the file ends after block 11
+  // A short file, and a good block whose page 2 (blocks 11 and 12) lies beyond the file's end.
+  const QByteArray image = MakeRecorderImage(Options(RecorderKind::BrioNormal));
+  for (const auto& [bytes, what] :
+       {std::pair{QByteArray(300, 'x'), "management block"}, std::pair{image.left(248 * 12), "page 2"}}) {
+    ASSERT_TRUE(WriteBytes(inst.readerPath() + "/r.img", bytes));
+    EmulatedReader reader(inst.readerPath());
+    EXPECT_EQ(ReadRecorderContents(reader, clock, c, &error), kEmulatorFaultAddress) << what;
+    EXPECT_TRUE(error.contains(what)) << error.toStdString();
+  }
 }
 
 // The tool's recorder, read back by its dump, is the recorder made in-process from the
@@ -292,13 +261,15 @@ TEST(RecorderImage, CommandLineRoundTrip) {
   const QString cli = QStringLiteral(VANTORA_CLI_PATH);
   if (!QFileInfo::exists(cli)) GTEST_SKIP() << "vantora-cli not built";
   TestInstallation inst;
-  const auto run = [&](const QStringList& args) {
+  // The tool's output, or its error text when it is to fail.
+  const auto run = [&](const QStringList& args, int exitCode = 0) {
     QProcess p;
     p.setWorkingDirectory(inst.binPath());
     p.start(cli, args);
     EXPECT_TRUE(p.waitForFinished(60000));
-    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
-    return p.readAllStandardOutput();
+    const QByteArray err = p.readAllStandardError();
+    EXPECT_EQ(p.exitCode(), exitCode) << err.toStdString();
+    return exitCode == 0 ? p.readAllStandardOutput() : err;
   };
   for (const char* kindName : {"AL", "BRIO_NORMAL", "BRIO_METS", "BRIO_ZR", "BRIO_KT"}) {
     const QString name = QString::fromLatin1(kindName);
@@ -326,16 +297,8 @@ TEST(RecorderImage, CommandLineRoundTrip) {
     }
   }
   // No valid image: a message and exit code 1.
-  QFile bad(inst.path("temp/bad.img"));
-  ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
-  bad.write("not a recorder");
-  bad.close();
-  QProcess dump;
-  dump.setWorkingDirectory(inst.binPath());
-  dump.start(cli, {"dump", bad.fileName(), "--json"});
-  ASSERT_TRUE(dump.waitForFinished(60000));
-  EXPECT_EQ(dump.exitCode(), 1);
-  EXPECT_TRUE(dump.readAllStandardError().contains("no valid recorder image"));
+  ASSERT_TRUE(WriteBytes(inst.path("temp/bad.img"), "not a recorder"));
+  EXPECT_TRUE(run({"dump", inst.path("temp/bad.img"), "--json"}, 1).contains("no valid recorder image"));
 }
 
 }  // namespace

@@ -63,8 +63,7 @@ TEST_F(JapaneseExport, MondayStartAndPeriodWithoutData) {
 TEST_F(JapaneseExport, RecordLimitCountsTheUpperIndex) {
   bool ok = false;
   Export(QStringLiteral("20240601"), QStringLiteral("20240701"), 0, 30, &ok);  // 31 days
-  EXPECT_TRUE(ok);
-  inst_->dialog().shown.clear();
+  ASSERT_TRUE(ok);
   Export(QStringLiteral("20240601"), QStringLiteral("20240702"), 0, 30, &ok);  // 32 days
   EXPECT_FALSE(ok);
   ASSERT_EQ(inst_->dialog().shown.size(), 1u);
@@ -76,26 +75,25 @@ TEST_F(JapaneseExport, WritesShiftJisWithCrLfAndRefusesWhatItCannotHold) {
   const QString path = inst_->path(QStringLiteral("temp/sjis.csv"));
   CsvExportOptions options;
   QString error;
-  ASSERT_TRUE(MakeCSVData2(db_, kCsvUser, QStringLiteral("20240623"), QStringLiteral("20240624"),
-                           QStringLiteral("20240630"), path, user_, -1, 0, options, error));
+  const auto write = [&](const QString& to, const UserInfo& user) {
+    return MakeCSVData2(db_, kCsvUser, "20240623", "20240624", "20240630", to, user, -1, 0, options, error);
+  };
+  ASSERT_TRUE(write(path, user_));
   const QByteArray bytes = ReadBytes(path);
   EXPECT_TRUE(bytes.startsWith("\x8e\xf3\x90\x4d\x93\xfa,"));  // 受信日 in CP932
-  EXPECT_TRUE(bytes.endsWith("\r\n"));
-  EXPECT_TRUE(bytes.contains("\r\n23:58,"));
+  EXPECT_TRUE(bytes.endsWith("\r\n") && bytes.contains("\r\n23:58,"));
   EXPECT_EQ(bytes.count("\r\n"), bytes.count("\n"));
 
   // A name with a character CP932 has not: refused before anything is written.
   UserInfo emoji = user_;
   emoji.FIRST_NAME = QStringLiteral("花子😀");
   const QString refused = inst_->path(QStringLiteral("temp/emoji.csv"));
-  EXPECT_FALSE(MakeCSVData2(db_, kCsvUser, QStringLiteral("20240623"), QStringLiteral("20240624"),
-                            QStringLiteral("20240630"), refused, emoji, -1, 0, options, error));
+  EXPECT_FALSE(write(refused, emoji));
   EXPECT_TRUE(error.contains(QStringLiteral("😀"))) << error.toStdString();
   EXPECT_FALSE(QFile::exists(refused));
   // The same name goes into a UTF-8 file, with or without a byte order mark.
   options.encoding = CsvEncoding::Utf8Bom;
-  ASSERT_TRUE(MakeCSVData2(db_, kCsvUser, QStringLiteral("20240623"), QStringLiteral("20240624"),
-                           QStringLiteral("20240630"), refused, emoji, -1, 0, options, error));
+  ASSERT_TRUE(write(refused, emoji));
   EXPECT_TRUE(ReadBytes(refused).startsWith("\xEF\xBB\xBF" "\xE5\x8F\x97"));
   inst_->setConfig(QStringLiteral("OTHER"), QStringLiteral("CSV_ENCODING"), QStringLiteral("UTF-8"));
   EXPECT_EQ(DefaultCsvEncoding(false), CsvEncoding::Utf8);
@@ -130,7 +128,7 @@ TEST_F(JapaneseExport, BatchSkipsUsersWithoutDataAndNamesFilesByLoginAndName) {
   EXPECT_EQ(log, QStringLiteral("出力できませんでした@ログインID=taro,氏名=太郎 taro@指定した期間にデータがありません\r\n"));
   // The file holds the user's measured days only: from the imported day to the last.
   const QString text = QStringDecoder("CP932").decode(ReadBytes(folder + QStringLiteral("/hana_山田_20240701.csv")));
-  EXPECT_TRUE(text.contains(QStringLiteral("\r\n2024/06/20,158,58.5,F,41,(木),250,1850,")));
-  EXPECT_TRUE(text.contains(QStringLiteral("\r\n2024/06/30,")));
+  EXPECT_TRUE(text.contains(QStringLiteral("\r\n2024/06/20,158,58.5,F,41,(木),250,1850,")) &&
+              text.contains(QStringLiteral("\r\n2024/06/30,")));
   EXPECT_FALSE(text.contains(QStringLiteral("\r\n2024/07/01,")));
 }

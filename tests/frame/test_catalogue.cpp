@@ -35,21 +35,16 @@ class Catalogue : public ::testing::Test {
 };
 
 TEST_F(Catalogue, RecordsFieldsAndFirstCodeWins) {
-  const auto warn = FindMessage("WARN-W-0001");
-  ASSERT_TRUE(warn);
-  EXPECT_EQ(warn->level, 1);
-  EXPECT_EQ(warn->text1, "Low, really low");
-  EXPECT_EQ(warn->text2, "Charge it.");
-  EXPECT_EQ(FindMessage("CRIT-C-0001")->text1, "Broken");
-  const auto span = FindMessage("SPAN-I-0001");
-  ASSERT_TRUE(span);
-  EXPECT_EQ(span->text1, "first line part");
-  EXPECT_EQ(span->text2, "second");
-  EXPECT_FALSE(FindMessage("; a comment"));
-  EXPECT_FALSE(FindMessage(""));
-  EXPECT_EQ(FindMessage("INFO-I-0001")->text2, "");
+  const auto fields = [](const char* code) {
+    const auto m = FindMessage(code);
+    return m ? std::tuple(m->level, m->text1, m->text2) : std::tuple(-1, QString("missing"), QString());
+  };
+  EXPECT_EQ(fields("WARN-W-0001"), std::tuple(1, QString("Low, really low"), QString("Charge it.")));
+  EXPECT_EQ(fields("CRIT-C-0001"), std::tuple(2, QString("Broken"), QString("Call us")));
+  EXPECT_EQ(fields("SPAN-I-0001"), std::tuple(0, QString("first line part"), QString("second")));
+  EXPECT_EQ(fields("INFO-I-0001"), std::tuple(0, QString("Saved."), QString()));
   EXPECT_TRUE(FindMessage("ODD-I-0001"));
-  EXPECT_FALSE(FindMessage("info-i-0001"));  // codes compare exactly
+  EXPECT_FALSE(FindMessage("; a comment") || FindMessage("") || FindMessage("info-i-0001"));  // codes compare exactly
 }
 
 TEST_F(Catalogue, MessageTextsIconsAndAnswers) {
@@ -59,14 +54,13 @@ TEST_F(Catalogue, MessageTextsIconsAndAnswers) {
   MessageDialog("ODD-I-0001");
   ASSERT_EQ(shown().size(), 4u);
   EXPECT_EQ(shown()[0].title, "Vantora");
-  EXPECT_EQ(shown()[0].text, "Broken\r\nCall us");
-  EXPECT_EQ(shown()[0].icon, DialogIcon::Critical);
-  EXPECT_EQ(shown()[1].text, "Low, really low\r\nCharge it.\r\nextra line");
-  EXPECT_EQ(shown()[1].icon, DialogIcon::Exclamation);
-  EXPECT_EQ(shown()[2].text, "<Saved.||Saved.>");
-  EXPECT_EQ(shown()[2].icon, DialogIcon::Information);
-  EXPECT_EQ(shown()[3].icon, DialogIcon::None);
   EXPECT_FALSE(shown()[0].question);
+  const std::pair<QString, DialogIcon> boxes[] = {
+      {"Broken\r\nCall us", DialogIcon::Critical},
+      {"Low, really low\r\nCharge it.\r\nextra line", DialogIcon::Exclamation},
+      {"<Saved.||Saved.>", DialogIcon::Information}};
+  for (size_t i = 0; i < 3; ++i) EXPECT_EQ(std::pair(shown()[i].text, shown()[i].icon), boxes[i]) << i;
+  EXPECT_EQ(shown()[3].icon, DialogIcon::None);
   inst.dialog().queueAnswer(kAnswerYes);
   EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerYes);
   EXPECT_EQ(QuestionDialog("WARN-W-0001"), kAnswerNo);  // empty queue answers No
@@ -101,17 +95,16 @@ TEST_F(Catalogue, MissingCodeAndMissingTitle) {
   inst.dialog().queueAnswer(kAnswerYes);
   EXPECT_EQ(QuestionDialog("NONE-C-0001"), 0);
   ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].text, "*** Resouce Not Exist *** (NONE-C-0001)");
-  EXPECT_EQ(shown()[0].icon, DialogIcon::Critical);
-  EXPECT_FALSE(shown()[0].question);
+  EXPECT_EQ(std::tuple(shown()[0].text, shown()[0].icon, shown()[0].question),
+            std::tuple(QString("*** Resouce Not Exist *** (NONE-C-0001)"), DialogIcon::Critical, false));
 
   LoadResourceFromText("CRIT-C-0001,2,Broken,\n");
   inst.dialog().shown.clear();
   EXPECT_EQ(QuestionDialog("CRIT-C-0001"), 0);
   MessageDialog("CRIT-C-0001");
   ASSERT_EQ(shown().size(), 2u);
-  EXPECT_EQ(shown()[1].text, "*** Resouce Not Exist *** TITL-I-0001, vbCritical + vbOKOnly");
-  EXPECT_EQ(shown()[1].icon, DialogIcon::None);
+  EXPECT_EQ(std::tuple(shown()[1].text, shown()[1].icon),
+            std::tuple(QString("*** Resouce Not Exist *** TITL-I-0001, vbCritical + vbOKOnly"), DialogIcon::None));
   // The message itself still reached the log.
   EXPECT_TRUE(inst.traceText().contains("|MessageDialog        |Broken\r\n"));
 }
@@ -186,15 +179,12 @@ TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
   inst.setResource("VB_COMMON", "FORM_BKCOLOR_G", "128");
   inst.setResource("VB_COMMON", "FORM_BKCOLOR_B", "1");
   EXPECT_EQ(GetIniBackColor("VB_COMMON", "FORM_BKCOLOR"), 255u + 128u * 256u + 65536u);
-  inst.setResource("X", "C_R", "10");
-  inst.setResource("X", "C_G", "300");
-  inst.setResource("X", "C_B", "1");
+  for (auto [key, value] : {std::pair{"C_R", "10"}, std::pair{"C_G", "300"}, std::pair{"C_B", "1"}})
+    inst.setResource("X", key, value);
   EXPECT_EQ(GetIniBackColor("X", "C"), 0u);
   EXPECT_TRUE(inst.logged("1", "GetIniBackColor", "color not found: X,C"));
 
-  QFile picture(inst.path("images/user1.png"));
-  ASSERT_TRUE(picture.open(QIODevice::WriteOnly));
-  picture.close();
+  ASSERT_TRUE(WriteBytes(inst.path("images/user1.png"), QByteArray()));
   inst.setResource("VB_COMMON", "IMAGE_USERICON_1", "../images/user1.png");
   inst.setResource("VB_COMMON", "IMAGE_USERICON_2", "../images/none.png");
   EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_1"), "../images/user1.png");
@@ -205,9 +195,8 @@ TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
   inst.setResource("VB_COMMON", "DATE_FORMAT", "yyyy-MM-dd");
   inst.setConfig("SYSTEM", "LOCALE_SHORTDATE", " ");
   LoadCommonFormat();
-  EXPECT_EQ(GetCommonFontName(), "Noto Sans CJK JP");
-  EXPECT_EQ(GetCommonDateFormat(), "yyyy-MM-dd");
-  EXPECT_EQ(GetCommonScreenDateFormat(), "yyyy\\-MM\\-dd");
+  EXPECT_EQ(std::tuple(GetCommonFontName(), GetCommonDateFormat(), GetCommonScreenDateFormat()),
+            std::tuple(QString("Noto Sans CJK JP"), QString("yyyy-MM-dd"), QString("yyyy\-MM\-dd")));
   EXPECT_EQ(GetCommonFormBackColor(), 255u + 128u * 256u + 65536u);
   inst.setConfig("SYSTEM", "LOCALE_SHORTDATE", "dd/MM/yyyy");
   inst.setConfig("SYSTEM", "DATESCREEN_YMD", "dd\\/MM\\/yyyy");

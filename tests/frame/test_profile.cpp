@@ -1,25 +1,17 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
-#include <QStringDecoder>
 #include <QStringEncoder>
 #include <QTemporaryDir>
 
 #include "frame/profile.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 
 class Profile : public ::testing::Test {
  protected:
-  void write(const QByteArray& bytes) {
-    QFile f(file);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(bytes);
-  }
-  QByteArray contents() const {
-    QFile f(file);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-  }
+  void write(const QByteArray& bytes) { ASSERT_TRUE(WriteBytes(file, bytes)); }
+  QByteArray contents() const { return ReadBytes(file); }
   QString read(const char* section, const char* key) const {
     return ReadIniString(file, QString::fromUtf8(section), QString::fromUtf8(key));
   }
@@ -45,34 +37,24 @@ TEST_F(Profile, FirstSectionAndFirstKeyWin) {
 TEST_F(Profile, ValueIsCutAt255AndAtNul) {
   const QByteArray longValue(300, 'x');
   write("[S]\nLONG=" + longValue + "\nNUL=ab" + QByteArray(1, '\0') + "cd\nQ=\"  spaced  \"\nE=\n");
-  EXPECT_EQ(read("S", "LONG"), QString(255, u'x'));
-  EXPECT_EQ(read("S", "NUL"), "ab");
-  EXPECT_EQ(read("S", "Q"), "  spaced  ");
-  EXPECT_EQ(read("S", "E"), "");
+  EXPECT_EQ(std::tuple(read("S", "LONG"), read("S", "NUL"), read("S", "Q"), read("S", "E")),
+            std::tuple(QString(255, u'x'), QString("ab"), QString("  spaced  "), QString()));
   // A default stands in only for a key that is not there at all.
   EXPECT_EQ(ReadIniString(file, "S", "E", "d"), "");
   EXPECT_EQ(ReadIniString(file, "S", "MISSING", "d"), "d");
   EXPECT_EQ(ReadIniString(file, "S", "NUL", "d"), "ab");
 }
 
-TEST_F(Profile, MissingFileOrEmptyPathReadsEmpty) {
-  EXPECT_EQ(ReadIniString(QString(), "S", "K"), "");
-  EXPECT_EQ(ReadIniString(file, "S", "K", "d"), "d");
-  EXPECT_EQ(ReadIniInt(file, "S", "K"), "0");
-  EXPECT_FALSE(FileExists(file));
-  EXPECT_FALSE(FileExists(QString()));
-  EXPECT_FALSE(FileExists(dir.path()));  // a folder is no file
-}
-
 TEST_F(Profile, IntegerReadingTakesTheLeadingNumber) {
+  EXPECT_EQ(ReadIniString(QString(), "S", "K"), "");
+  EXPECT_EQ(ReadIniString(file, "S", "K", "d"), "d");  // no file yet
+  EXPECT_EQ(ReadIniInt(file, "S", "K"), "0");
+  EXPECT_FALSE(FileExists(file) || FileExists(QString()) || FileExists(dir.path()));  // a folder is no file
   write("[S]\nA=42\nB= -7x\nC=abc\nD=\nE=12.9\nF=+3\nG=4294967297\n");
-  EXPECT_EQ(ReadIniInt(file, "S", "A"), "42");
-  EXPECT_EQ(ReadIniInt(file, "S", "B"), "-7");
-  EXPECT_EQ(ReadIniInt(file, "S", "C"), "0");
-  EXPECT_EQ(ReadIniInt(file, "S", "E"), "12");
-  EXPECT_EQ(ReadIniInt(file, "S", "F"), "3");
-  EXPECT_EQ(ReadIniInt(file, "S", "G"), "1");  // 32-bit wrap
-  EXPECT_EQ(ReadIniInt(file, "S", "MISSING"), "0");
+  // G wraps at 32 bits.
+  const std::pair<const char*, const char*> cases[] = {{"A", "42"}, {"B", "-7"}, {"C", "0"},      {"E", "12"},
+                                                       {"F", "3"},  {"G", "1"},  {"MISSING", "0"}};
+  for (const auto& [key, value] : cases) EXPECT_EQ(ReadIniInt(file, "S", QString::fromLatin1(key)), value) << key;
 }
 
 TEST_F(Profile, WriteKeepsPlaceAndCreatesWhatIsMissing) {

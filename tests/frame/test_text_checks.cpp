@@ -23,10 +23,8 @@ TEST(ProhibitChars, CheckAndReplaceWithWideForms) {
   ASSERT_TRUE(inst.isValid());
   inst.setConfig("PROHIBIT_FILENAME", "STRING_11", "\" \"");  // quotes keep the blank
   inst.setConfig("PROHIBIT_FILENAME", "STRING_12", "ab");  // two characters never match
-  EXPECT_TRUE(CheckProhibitChar(QStringLiteral("山田_2006.csv")));
-  EXPECT_TRUE(CheckProhibitChar(QStringLiteral("ab")));
-  EXPECT_FALSE(CheckProhibitChar(QStringLiteral("a/b")));
-  EXPECT_FALSE(CheckProhibitChar(QStringLiteral("a b")));
+  EXPECT_TRUE(CheckProhibitChar(QStringLiteral("山田_2006.csv")) && CheckProhibitChar(QStringLiteral("ab")));
+  EXPECT_FALSE(CheckProhibitChar(QStringLiteral("a/b")) || CheckProhibitChar(QStringLiteral("a b")));
 
   EXPECT_EQ(ReplaceProhibitChar(QStringLiteral("a\\b\"c'd e/f:g")),
             QString::fromUtf16(u"a\uFFE5b\u201Dc\u2019d\u3000e\uFF0Ff\uFF1Ag"));
@@ -44,10 +42,9 @@ TEST(ProhibitChars, ListEndsAtTheFirstGap) {
 
 TEST(Text, LineBreaksAndNul) {
   const QString t = QStringLiteral("a\r\nb\rc\nd");
-  EXPECT_EQ(RemoveLineBreaks(t, 1), "abcd");
-  EXPECT_EQ(RemoveLineBreaks(t, 0), "a  b c d");
-  EXPECT_EQ(CutAtNul(QString::fromUtf16(u"ab\0cd", 5)), "ab");
-  EXPECT_EQ(CutAtNul(QStringLiteral("abc")), "abc");
+  EXPECT_EQ(QStringList({RemoveLineBreaks(t, 1), RemoveLineBreaks(t, 0), CutAtNul(QString::fromUtf16(u"ab\0cd", 5)),
+                         CutAtNul(QStringLiteral("abc"))}),
+            QStringList({"abcd", "a  b c d", "ab", "abc"}));
 }
 
 TEST(Paths, TempNamesFoldersAndJoins) {

@@ -15,11 +15,7 @@ namespace {
 class Trace : public ::testing::Test {
  protected:
   void SetUp() override { ASSERT_TRUE(inst.isValid()); }
-  void fill(qint64 bytes) {
-    QFile f(inst.traceFile());
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(QByteArray(bytes, 'x'));
-  }
+  void fill(qint64 bytes) { ASSERT_TRUE(WriteBytes(inst.traceFile(), QByteArray(bytes, 'x'))); }
   QStringList rotated() const {
     return QDir(inst.logPath()).entryList({"trace.log.*"}, QDir::Files);
   }

@@ -20,35 +20,29 @@ TEST(KgToPound, TableWinsAndTheRuleGivesEvenPounds) {
 }
 
 TEST(PoundToKg, TwoConversionsSideBySide) {
-  EXPECT_EQ(PoundToKg(0), 0);
+  // 160 lb: 72574.4 g -> 72574 -> 72.574 -> 73; 1 lb: 454 g -> 0.454 -> 0; 5 lb: 2268 g (2267.95) -> 2.268 -> 2
+  EXPECT_EQ(std::tuple(PoundToKg(0), PoundToKg(160), PoundToKg(1), PoundToKg(5)), std::tuple(0, 73, 0, 2));
   EXPECT_EQ(PoundToKgExact(0), 0.0);
-  EXPECT_EQ(PoundToKg(160), 73);        // 72574.4 g -> 72574 -> 72.574 -> 73
-  EXPECT_EQ(PoundToKg(1), 0);           // 454 g -> 0.454 -> 0
-  EXPECT_EQ(PoundToKg(5), 2);           // 2268 g (2267.95) -> 2.268 -> 2
   EXPECT_NEAR(PoundToKgExact(1), 0.4535920104980469, 1e-15);
   EXPECT_NEAR(PoundToKgExact(160), 72.5747216796875, 1e-12);
 }
 
 TEST(FeetInch, HalvesToEvenOneWayHalfUpTheOther) {
-  EXPECT_EQ(FeetInchToCm(5, 10), 178);  // 177.8
-  EXPECT_EQ(FeetInchToCm(0, 25), 64);   // 63.5 -> even 64
-  EXPECT_EQ(FeetInchToCm(0, 75), 190);  // 190.5 -> even 190
-  EXPECT_EQ(FeetInchToCm(0, 0), 0);
+  // 177.8; 63.5 -> even 64; 190.5 -> even 190
+  EXPECT_EQ(std::tuple(FeetInchToCm(5, 10), FeetInchToCm(0, 25), FeetInchToCm(0, 75), FeetInchToCm(0, 0)),
+            std::tuple(178, 64, 190, 0));
   QString feet, inch;
   CmToFeetInch(QStringLiteral("178"), feet, inch);
-  EXPECT_EQ(feet, "5");
-  EXPECT_EQ(inch, "10");
+  EXPECT_EQ(feet + "'" + inch, "5'10");
   CmToFeetInch(QStringLiteral("6.35"), feet, inch);  // exactly 2.5 inches: goes up
   EXPECT_EQ(inch, "3");
   CmToFeetInch(QStringLiteral("30.48"), feet, inch);
-  EXPECT_EQ(feet, "1");
-  EXPECT_EQ(inch, "0");
+  EXPECT_EQ(feet + "'" + inch, "1'0");
 }
 
 TEST(RoundOff, HalvesAwayFromZero) {
-  EXPECT_DOUBLE_EQ(RoundOff(2.25, 1), 2.3);
-  EXPECT_DOUBLE_EQ(RoundOff(-2.25, 1), -2.3);
-  EXPECT_DOUBLE_EQ(RoundOff(2.24, 1), 2.2);
+  for (auto [value, rounded] : {std::pair{2.25, 2.3}, std::pair{-2.25, -2.3}, std::pair{2.24, 2.2}})
+    EXPECT_DOUBLE_EQ(RoundOff(value, 1), rounded) << value;
   QString mile;
   KmToMile(QStringLiteral("10"), mile);  // 6.2111...
   EXPECT_EQ(mile, "6.2");
@@ -68,42 +62,35 @@ TEST(Exercise, RoundsAtEachStage) {
 }
 
 TEST(Dates, PeriodEndsOfWholeMonths) {
-  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 3, 10), 1), QDate(2007, 4, 9));
-  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 1, 31), 1), QDate(2007, 2, 28));
-  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2008, 1, 31), 1), QDate(2008, 2, 29));
-  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 12, 1), 6), QDate(2008, 5, 31));
-  EXPECT_EQ(AddMonthsToPeriodEnd(QDate(2007, 3, 31), -1), QDate(2007, 2, 28));
+  const std::tuple<QDate, int, QDate> cases[] = {
+      {QDate(2007, 3, 10), 1, QDate(2007, 4, 9)},  {QDate(2007, 1, 31), 1, QDate(2007, 2, 28)},
+      {QDate(2008, 1, 31), 1, QDate(2008, 2, 29)}, {QDate(2007, 12, 1), 6, QDate(2008, 5, 31)},
+      {QDate(2007, 3, 31), -1, QDate(2007, 2, 28)}};
+  for (const auto& [start, months, end] : cases)
+    EXPECT_EQ(AddMonthsToPeriodEnd(start, months), end) << start.toString().toStdString() << " " << months;
 }
 
 TEST(Dates, ZeroDateIsNoDate) {
   EXPECT_TRUE(IsNoDate(ZeroDate()));
   EXPECT_TRUE(IsNoDate(QDate()));
   EXPECT_EQ(YmdToDate(QStringLiteral("20061231")), QDate(2006, 12, 31));
-  EXPECT_FALSE(YmdToDate(QStringLiteral("18991230")).isValid());
-  EXPECT_FALSE(YmdToDate(QStringLiteral("20060231")).isValid());
-  EXPECT_FALSE(YmdToDate(QStringLiteral("2006-1-31")).isValid());
-  EXPECT_EQ(DateToYmd(ZeroDate()), "");
-  EXPECT_EQ(DateToYmd(QDate(2006, 1, 2)), "20060102");
+  for (const char* bad : {"18991230", "20060231", "2006-1-31"}) EXPECT_FALSE(YmdToDate(bad).isValid()) << bad;
   EXPECT_EQ(SlashToDate(QStringLiteral("2006/01/02")), QDate(2006, 1, 2));
   EXPECT_FALSE(SlashToDate(QStringLiteral("20060102")).isValid());
-  EXPECT_EQ(DateToSlash(QDate(2006, 1, 2)), "2006/01/02");
-  EXPECT_EQ(YmdToSlash(QStringLiteral("20061231")), "2006/12/31");
-  EXPECT_EQ(SlashToYmd(QStringLiteral("2006/12/31")), "20061231");
+  EXPECT_EQ(QStringList({DateToYmd(ZeroDate()), DateToYmd(QDate(2006, 1, 2)), DateToSlash(QDate(2006, 1, 2)),
+                         YmdToSlash(QStringLiteral("20061231")), SlashToYmd(QStringLiteral("2006/12/31"))}),
+            QStringList({"", "20060102", "2006/01/02", "2006/12/31", "20061231"}));
 }
 
 TEST(Dates, ProgramFormatsFromTheLocalePattern) {
   QString picker, screen, graph, weekday;
   ASSERT_TRUE(ProgramDateFormatFrom("/", "dd/MM/yyyy", picker, screen, graph, weekday));
-  EXPECT_EQ(picker, "dd/MM/yyyy");
-  EXPECT_EQ(screen, "dd\\/MM\\/yyyy");
-  EXPECT_EQ(graph, "%d/%m/%Y");
-  EXPECT_EQ(weekday, "%d/%m(%a)");
+  EXPECT_EQ(QStringList({picker, screen, graph, weekday}),
+            QStringList({"dd/MM/yyyy", "dd\\/MM\\/yyyy", "%d/%m/%Y", "%d/%m(%a)"}));
   ASSERT_TRUE(ProgramDateFormatFrom("/", "yyyy/M/d", picker, screen, graph, weekday));
-  EXPECT_EQ(picker, "yyyy/MM/dd");
-  EXPECT_EQ(weekday, "%m/%d(%a)");
+  EXPECT_EQ(picker + " " + weekday, "yyyy/MM/dd %m/%d(%a)");
   ASSERT_TRUE(ProgramDateFormatFrom(".", "d.M.yy", picker, screen, graph, weekday));
-  EXPECT_EQ(screen, "dd\\.MM\\.yyyy");
-  EXPECT_EQ(graph, "%d.%m.%Y");
+  EXPECT_EQ(screen + " " + graph, "dd\\.MM\\.yyyy %d.%m.%Y");
 }
 
 TEST(Dates, UnusablePatternsKeepTheStartingFormats) {

@@ -42,13 +42,11 @@ TEST_F(ReceiveCommand, ANewUserThenALaterStateOfTheSameRecorder) {
   place(recorder(10));
   CliRun r = run({QStringLiteral("--new-user"), QStringLiteral("山田 花子")});
   ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
-  EXPECT_TRUE(r.out.contains(QStringLiteral("ending: received\n"))) << r.out.toStdString();
-  EXPECT_TRUE(r.out.contains(QStringLiteral("cpu: A00042\n")));
-  EXPECT_TRUE(r.out.contains(QStringLiteral("days stored: 10\n")));
-  const QString id = scalar(QStringLiteral("SELECT USER_ID FROM [USER] WHERE FIRST_NAME LIKE ?"),
-                            QStringLiteral("山田 花子%")).trimmed();
+  const QString id = scalar(QStringLiteral("SELECT USER_ID FROM [USER] WHERE FIRST_NAME LIKE '山田 花子%'")).trimmed();
   ASSERT_FALSE(id.isEmpty());
-  EXPECT_TRUE(r.out.contains(QStringLiteral("user: ") + id + QLatin1Char('\n')));
+  for (const QString& line : {QStringLiteral("ending: received\n"), QStringLiteral("cpu: A00042\n"),
+                              QStringLiteral("days stored: 10\n"), "user: " + id + "\n"})
+    EXPECT_TRUE(r.out.contains(line)) << r.out.toStdString();
 
   place(recorder(13, QDate(2024, 7, 3)));
   r = run({});

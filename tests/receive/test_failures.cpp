@@ -1,7 +1,6 @@
 // Faults and cancels at every point: each ending reports its codes and leaves the
-// database as it was, apart from the overlap day that the page arithmetic deletes.
+// database as it was, the overlap day that the page arithmetic deletes included.
 #include "testsupport/receive_fixture.h"
-
 
 class Failures : public ReceiveFixture {
  protected:
@@ -13,15 +12,9 @@ class Failures : public ReceiveFixture {
     place(second);
     SetScreenState(kStateUserSelect);
     before = dump();
-    // The overlap day: page 10 of the first receive, deleted before the loop starts.
-    Statement st(*db, QStringLiteral("SELECT * FROM DAY_MEASUREMENT WHERE RECEIVE_ID = 'R000000001' AND PAGE = '10'"));
-    ASSERT_TRUE(st.step());
-    QStringList cols;
-    for (int c = 0; c < st.columnCount(); ++c) cols << st.text(c);
-    overlapRow = QStringLiteral("DAY_MEASUREMENT|") + cols.join(QLatin1Char('|'));
-    ASSERT_TRUE(before.contains(overlapRow));
-    withoutOverlap = before;
-    withoutOverlap.removeAll(overlapRow);
+    // The overlap day, page 10 of the first receive, is deleted before the loop starts:
+    // it is in `before`, so every comparison with it covers that deletion too.
+    ASSERT_EQ(rows("DAY_MEASUREMENT", "RECEIVE_ID = 'R000000001' AND PAGE = '10'"), 1);
   }
   ReceiveReport receiveWithFault(int transfer, qint32 status = 5) {
     FakeReader fake(image(second));
@@ -33,8 +26,6 @@ class Failures : public ReceiveFixture {
   QString ownerId;
   RecorderImageOptions second;
   QStringList before;
-  QStringList withoutOverlap;
-  QString overlapRow;
 };
 
 TEST_F(Failures, ReaderFaultsInTheManagementStageReportTheirCodesAndLeaveNothing) {
@@ -46,8 +37,8 @@ TEST_F(Failures, ReaderFaultsInTheManagementStageReportTheirCodesAndLeaveNothing
   for (const auto& c : cases) {
     SCOPED_TRACE(c.code);
     const ReceiveReport r = receiveWithFault(c.transfer);
-    EXPECT_EQ(r.ending, ReceiveEnding::Failed);
-    EXPECT_EQ(r.messageCodes, (QStringList{QLatin1String(c.code), QStringLiteral("COMN-C-0001")}));
+    EXPECT_EQ(std::tuple(r.ending, r.messageCodes),
+              std::tuple(ReceiveEnding::Failed, QStringList{QLatin1String(c.code), QStringLiteral("COMN-C-0001")}));
     EXPECT_EQ(dump(), before);
   }
 }
@@ -67,8 +58,7 @@ TEST_F(Failures, AFaultAtEveryPageOfTheLoopLeavesTheStoreAsItWas) {
   FakeReader fine(image(second));
   ScriptedQuestions q;
   const ReceiveReport r = receive(q, nullptr, &fine);
-  ASSERT_EQ(r.ending, ReceiveEnding::Received);
-  EXPECT_EQ(r.startPage, 10);
+  ASSERT_EQ(std::tuple(r.ending, r.startPage), std::tuple(ReceiveEnding::Received, 10));
   EXPECT_EQ(count(QStringLiteral("SELECT COUNT(DISTINCT MEASUREMENT_DAY) FROM DAY_MEASUREMENT")), 13);
 }
 
@@ -96,10 +86,8 @@ TEST_F(Failures, TheCancelFlagIsLookedAtExactlyAtTheMarkedPoints) {
     progress.cancelAt = n;
     ScriptedQuestions q;
     const ReceiveReport r = receive(q, &progress, &fake);
-    EXPECT_EQ(r.ending, ReceiveEnding::Cancelled);
-    EXPECT_TRUE(r.messageCodes.isEmpty());
-    EXPECT_EQ(progress.looks, n);
-    EXPECT_EQ(r.pagesFetched, n > 6 ? n - 7 : 0);
+    EXPECT_EQ(std::tuple(r.ending, r.messageCodes, progress.looks, r.pagesFetched),
+              std::tuple(ReceiveEnding::Cancelled, QStringList(), n, n > 6 ? n - 7 : 0));
     // Wherever the cancel comes, nothing of the receive stays (the overlap day included).
     EXPECT_EQ(dump(), before);
   }
@@ -113,13 +101,11 @@ TEST_F(Failures, TheCancelFlagIsLookedAtExactlyAtTheMarkedPoints) {
 TEST_F(Failures, APageArithmeticFailureWarnsAndEndsAsCancel) {
   prepareSecondReceive();
   Statement(*db, QStringLiteral("UPDATE [USER] SET LAST_PAGE = 'x  ' WHERE USER_ID = ?")).bind(1, ownerId).run();
-  const QStringList start = dump();
   FakeReader fake(image(second));
   ScriptedQuestions q;
-  const ReceiveReport r = receive(q, nullptr, &fake);
+  const ReceiveReport r = receiveChangingNothing(q, &fake);
   EXPECT_EQ(r.ending, ReceiveEnding::Cancelled);
   EXPECT_EQ(r.messageCodes, QStringList{QStringLiteral("DDWN-W-0001")});
-  EXPECT_EQ(dump(), start);
 }
 
 TEST_F(Failures, AFailedReleaseOfTheRecorderReportsAndCleansUp) {
@@ -128,9 +114,9 @@ TEST_F(Failures, AFailedReleaseOfTheRecorderReportsAndCleansUp) {
   db->exec(QStringLiteral("DROP TABLE CPU_TABLE"));
   const ReceiveReport r = receiveSelecting(id);
   EXPECT_EQ(r.ending, ReceiveEnding::Failed);
-  EXPECT_TRUE(r.messageCodes.contains(QStringLiteral("DDWN-C-0006")));
-  EXPECT_EQ(r.messageCodes.last(), QStringLiteral("COMN-C-0001"));
-  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM RECEIVE_HISTORY")), 0);
+  EXPECT_TRUE(r.messageCodes.contains(QStringLiteral("DDWN-C-0006")) && r.messageCodes.last() == "COMN-C-0001")
+      << r.messageCodes.join(u',').toStdString();
+  EXPECT_EQ(rows("RECEIVE_HISTORY"), 0);
 }
 
 TEST_F(Failures, AFailedTakeOverGivesBothUsersTheirRecordersBack) {

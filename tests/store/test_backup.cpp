@@ -17,10 +17,9 @@ namespace {
 
 constexpr int kRowsPerBatch = 5;
 
+// Empty for a missing file, so that a file made where there was none shows.
 QByteArray fileHash(const QString& path) {
-  QFile f(path);
-  if (!f.open(QIODevice::ReadOnly)) return {};
-  return QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha256);
+  return QFileInfo::exists(path) ? QCryptographicHash::hash(ReadBytes(path), QCryptographicHash::Sha256) : QByteArray();
 }
 
 // One "receive": a transaction of several rows under one receive id.
@@ -104,8 +103,7 @@ TEST_F(Backup, CopyTakenWhileAnotherProcessWritesHoldsWholeCommitsUpToItsStart) 
 
   // A prefix of the commits, each whole: batches 1..k with every row, k at least what was
   // committed before the copy began.
-  EXPECT_EQ(saved.begin()->first, 1);
-  EXPECT_EQ(saved.rbegin()->first, static_cast<int>(saved.size()));
+  EXPECT_EQ(std::tuple(saved.begin()->first, saved.rbegin()->first), std::tuple(1, static_cast<int>(saved.size())));
   EXPECT_GE(static_cast<int>(saved.size()), committed);
   for (const auto& [batch, rows] : saved) EXPECT_EQ(rows, kRowsPerBatch) << "receive " << batch;
   EXPECT_FALSE(QFileInfo(copy).permissions().testFlag(QFileDevice::ReadOther));
@@ -122,16 +120,10 @@ TEST_F(Backup, RestoreRefusesFilesThatAreNoBackupAndLeavesTheDatabaseAlone) {
   addUser(QStringLiteral("U000000007"));
   const QString good = inst_.path(QStringLiteral("good.db"));
   ASSERT_NO_THROW(BackUpDatabase(db(), kDefaultDbPassword, good));
-  QFile goodFile(good);
-  ASSERT_TRUE(goodFile.open(QIODevice::ReadOnly));
-  const QByteArray goodBytes = goodFile.readAll();
-  goodFile.close();
-
+  const QByteArray goodBytes = ReadBytes(good);
   auto write = [&](const char* name, const QByteArray& bytes) {
     const QString p = inst_.path(QLatin1String(name));
-    QFile f(p);
-    EXPECT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
+    EXPECT_TRUE(WriteBytes(p, bytes));
     return p;
   };
   QString otherKey = inst_.path(QStringLiteral("other-key.db"));
@@ -177,8 +169,7 @@ TEST_F(Backup, RestoreKeepsTheCurrentDataEvenWhenTheyAreDamaged) {
   ASSERT_GT(QFileInfo(db() + QStringLiteral("-wal")).size(), 0);
   db_.close();
   ASSERT_NO_THROW(RestoreDatabase(db(), kDefaultDbPassword, copy));
-  EXPECT_FALSE(userIds(db()).contains(QStringLiteral("U000000002")));
-  EXPECT_TRUE(userIds(db()).contains(QStringLiteral("U000000001")));
+  EXPECT_EQ(userIds(db()), QStringList({"U000000001", "U999999999"}));
   EXPECT_TRUE(userIds(db() + QStringLiteral(".before-restore")).contains(QStringLiteral("U000000002")));
   EXPECT_FALSE(QFileInfo::exists(db() + QStringLiteral("-wal")) &&
                QFileInfo(db() + QStringLiteral("-wal")).size() > 0);
@@ -203,8 +194,7 @@ TEST_F(Backup, NamesOrderAndRotationKeepTheNewest) {
     // Two backups within one second, and one across midnight.
     const QString p = NewBackupPath(folder(), db(), t0.addSecs(i / 2));
     QDir().mkpath(folder());
-    QFile f(p);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(WriteBytes(p, QByteArray()));
     made << p;
   }
   EXPECT_TRUE(made[1].endsWith(QLatin1String("ACTA-20260131-235958-2.db"))) << made[1].toStdString();
@@ -212,10 +202,8 @@ TEST_F(Backup, NamesOrderAndRotationKeepTheNewest) {
   EXPECT_EQ(ListBackups(folder(), db()), made);
 
   // Other files in the folder are neither counted nor deleted.
-  for (const char* other : {"notes.txt", "OTHER-20200101-000000.db", "ACTA-2020.db"}) {
-    QFile f(QDir(folder()).filePath(QLatin1String(other)));
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-  }
+  for (const char* other : {"notes.txt", "OTHER-20200101-000000.db", "ACTA-2020.db"})
+    ASSERT_TRUE(WriteBytes(QDir(folder()).filePath(QLatin1String(other)), QByteArray()));
   EXPECT_EQ(RotateBackups(folder(), db(), 10), made.mid(0, 2));
   EXPECT_EQ(ListBackups(folder(), db()), made.mid(2));
   EXPECT_EQ(QDir(folder()).entryList(QDir::Files).size(), 13);
@@ -240,7 +228,6 @@ TEST_F(Backup, AutomaticBackupsFollowTheConfiguration) {
   EXPECT_EQ(Ini_GetBackupKeep(), kDefaultBackupKeep);
   inst_.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_NAME"), QStringLiteral("../data/mdb/none.db"));
   const BackupOutcome failed = MakeAutomaticBackup(QStringLiteral("compaction"));
-  EXPECT_FALSE(failed.ok);
-  EXPECT_FALSE(failed.message.isEmpty());
+  EXPECT_FALSE(failed.ok || failed.message.isEmpty());
   EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("MakeAutomaticBackup")));
 }

@@ -17,16 +17,12 @@ TEST_F(StoreTest, OpenFillsEmptyArgumentsWithTheDefaults) {
   QString password;
   // The working directory is the installation's bin/, so the default path is its file.
   EXPECT_EQ(VTDB_Open(other, path, password), 0);
-  EXPECT_EQ(path, QStringLiteral("../data/mdb/ACTA.db"));
-  EXPECT_EQ(password, QStringLiteral("qoxtlamv"));
-  {
-    // Committed writes are synced: they survive a power cut, not only a crash.
-    Statement mode(other, QStringLiteral("PRAGMA journal_mode"));
-    ASSERT_TRUE(mode.step());
-    EXPECT_EQ(mode.text(0), QStringLiteral("wal"));
-    Statement sync(other, QStringLiteral("PRAGMA synchronous"));
-    ASSERT_TRUE(sync.step());
-    EXPECT_EQ(sync.text(0), QStringLiteral("2"));
+  EXPECT_EQ(path + " " + password, QStringLiteral("../data/mdb/ACTA.db qoxtlamv"));
+  // Committed writes are synced: they survive a power cut, not only a crash.
+  for (auto [pragma, value] : {std::pair{"journal_mode", "wal"}, std::pair{"synchronous", "2"}}) {
+    Statement st(other, QStringLiteral("PRAGMA ") + QLatin1String(pragma));
+    ASSERT_TRUE(st.step());
+    EXPECT_EQ(st.text(0), value) << pragma;
   }
   EXPECT_EQ(VTDB_Close(other), 0);
   EXPECT_FALSE(other.isOpen());
@@ -44,11 +40,9 @@ TEST_F(StoreTest, WrongPasswordOrForeignFileGivesTheConnectMessage) {
   EXPECT_FALSE(shown.contains(QStringLiteral("not a database")));
   EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("ConnectDB")));
 
-  QFile junk(inst_.path(QStringLiteral("data/mdb/junk.db")));
-  ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
-  junk.write("not a database at all, just some text that is long enough to be looked at");
-  junk.close();
-  EXPECT_EQ(ConnectDB(other, junk.fileName(), kDefaultDbPassword), 1);
+  const QString junk = inst_.path(QStringLiteral("data/mdb/junk.db"));
+  ASSERT_TRUE(WriteBytes(junk, "not a database at all, just some text that is long enough to be looked at"));
+  EXPECT_EQ(ConnectDB(other, junk, kDefaultDbPassword), 1);
   EXPECT_EQ(messages(), 2u);
   // A closed connection fails every operation the ordinary way.
   EXPECT_FALSE(VTDB_ExistUser(other));
@@ -58,17 +52,16 @@ TEST_F(StoreTest, WrongPasswordOrForeignFileGivesTheConnectMessage) {
 }
 
 TEST_F(StoreTest, NewFileHoldsTheFixedRowsAndIsNotOverwritten) {
-  EXPECT_EQ(GetGroupName(db_, QStringLiteral("G000000001")).isEmpty(), false);
-  EXPECT_FALSE(GetGroupName(db_, QStringLiteral("G999999999")).isEmpty());
+  EXPECT_FALSE(GetGroupName(db_, QStringLiteral("G000000001")).isEmpty() ||
+               GetGroupName(db_, QStringLiteral("G999999999")).isEmpty());
   UserInfo instructor;
   ASSERT_TRUE(GetUserInfo(db_, instructor, QStringLiteral("U999999999")));
   EXPECT_EQ(instructor.GROUP_ID, QStringLiteral("G999999999"));
   // The nullable columns start out null and read as blanks of their width.
   UserRecord raw;
   ASSERT_TRUE(VTDB_GetUserInfoFromUserId(db_, QStringLiteral("U999999999"), raw));
-  EXPECT_EQ(raw.PREF_ID, QString(8, QLatin1Char(' ')));
-  EXPECT_EQ(raw.EXTRA1, QString(4, QLatin1Char(' ')));
-  EXPECT_EQ(raw.FIRST_NAME.size(), 20);
+  EXPECT_EQ(std::tuple(raw.PREF_ID, raw.EXTRA1, raw.FIRST_NAME),
+            std::tuple(QString(8, u' '), QString(4, u' '), QStringLiteral("Instructor").leftJustified(20)));
 
   QString error;
   const qint64 size = QFileInfo(inst_.dbFile()).size();
@@ -122,11 +115,9 @@ TEST_F(StoreTest, AFailedCompactionPutsTheDatabaseBackUnderItsName) {
   QString path = inst_.dbFile();
   int result = 0;
   CompactDB(path, result, progress, QString(), 0.0);
-  EXPECT_EQ(result, -1);
-  EXPECT_EQ(messages(), 1u);
-  EXPECT_EQ(progress.values, (std::vector<int>{20}));
-  EXPECT_FALSE(QFile::exists(CompactTempPath(inst_.dbFile())));
-  EXPECT_FALSE(QFile::exists(inst_.dbFile() + QStringLiteral(".org")));
+  EXPECT_EQ(std::tuple(result, messages(), progress.values), std::tuple(-1, 1u, std::vector<int>{20}));
+  EXPECT_FALSE(QFile::exists(CompactTempPath(inst_.dbFile())) ||
+               QFile::exists(inst_.dbFile() + QStringLiteral(".org")));
   EXPECT_TRUE(QFile::exists(inst_.dbFile() + QStringLiteral(".bak")));
   // The next start opens the household's data, not an empty file.
   QString password;
@@ -139,9 +130,7 @@ TEST_F(StoreTest, CompactionOfAMissingFileOnlyLogs) {
   QString path = inst_.path(QStringLiteral("data/mdb/none.db"));
   int result = 0;
   CompactDB(path, result, progress);
-  EXPECT_EQ(result, -1);
-  EXPECT_TRUE(progress.values.empty());
-  EXPECT_EQ(messages(), 0u);
+  EXPECT_EQ(std::tuple(result, messages(), progress.values), std::tuple(-1, 0u, std::vector<int>{}));
   EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("CompactDB"), QStringLiteral("DBFile No Exist")));
 }
 

@@ -2,7 +2,6 @@
 // threshold, and the file modes of what the program writes.
 #include <sys/stat.h>
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -31,11 +30,7 @@ class SafetyTest : public StoreTest {
     UserRecord r;
     return VTDB_GetUserInfoFromUserId(db, id, r);
   }
-  void write(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(bytes);
-  }
+  void write(const QString& path, const QByteArray& bytes) { ASSERT_TRUE(WriteBytes(path, bytes)); }
 };
 
 TEST_F(SafetyTest, EachInstallationGetsARandomOwnerOnlyKeyThatOpensWithoutStretching) {
@@ -46,8 +41,7 @@ TEST_F(SafetyTest, EachInstallationGetsARandomOwnerOnlyKeyThatOpensWithoutStretc
   const QString key = ReadInstallationKey(keyPath);
   EXPECT_TRUE(QRegularExpression(QStringLiteral("^x'[0-9a-f]{64}'$")).match(key).hasMatch()) << key.toStdString();
   // Never over an existing key, and another installation's key differs.
-  EXPECT_FALSE(CreateInstallationKey(keyPath));
-  EXPECT_EQ(ReadInstallationKey(keyPath), key);
+  EXPECT_FALSE(CreateInstallationKey(keyPath) || ReadInstallationKey(keyPath) != key);
   const QString otherPath = inst_.path(QStringLiteral("conf/other.key"));
   ASSERT_TRUE(CreateInstallationKey(otherPath));
   EXPECT_NE(ReadInstallationKey(otherPath), key);
@@ -66,8 +60,7 @@ TEST_F(SafetyTest, AnOlderDatabaseIsCopiedAsideAndRekeyedOnce) {
   const DatabaseStartResult r = PrepareDatabaseAtStart(inst_.dbFile());
   ASSERT_EQ(r.outcome, DatabaseStartResult::Outcome::Rekeyed) << r.detail.toStdString();
   const QString key = ReadInstallationKey(InstallationKeyPath());
-  EXPECT_EQ(r.key, key);
-  EXPECT_TRUE(hasUser(inst_.dbFile(), key, id));
+  EXPECT_TRUE(r.key == key && hasUser(inst_.dbFile(), key, id));
   EXPECT_EQ(InspectDatabaseFile(inst_.dbFile(), kDefaultDbPassword), DbFileState::WrongKey);
   // The copy taken before still opens with the built-in password.
   EXPECT_TRUE(hasUser(inst_.dbFile() + QStringLiteral(".prekey"), kDefaultDbPassword, id));
@@ -99,8 +92,8 @@ TEST_F(SafetyTest, AMissingEmptyOrDamagedDatabaseComesBackFromTheNewestGoodCopyO
     else write(dbFile, c.content);
     const DatabaseStartResult r = PrepareDatabaseAtStart(dbFile);
     ASSERT_EQ(r.outcome, DatabaseStartResult::Outcome::Recovered) << r.detail.toStdString();
-    EXPECT_EQ(r.messageCode, QStringLiteral("DBSF-W-0001"));
-    EXPECT_TRUE(r.messageArg.contains(QStringLiteral("ACTA.db.bak")));
+    EXPECT_TRUE(r.messageCode == "DBSF-W-0001" && r.messageArg.contains(QStringLiteral("ACTA.db.bak")))
+        << r.messageCode.toStdString() << " " << r.messageArg.toStdString();
     EXPECT_TRUE(hasUser(dbFile, r.key, id));
     if (!c.remove) {
       EXPECT_EQ(QFileInfo(dbFile + QStringLiteral(".damaged")).size(), c.content.size());
@@ -129,15 +122,11 @@ TEST_F(SafetyTest, AMissingEmptyOrDamagedDatabaseComesBackFromTheNewestGoodCopyO
       f.seek(4096 * 3 + 100);
       f.write(QByteArray(3000, '\x5a'));
     }
-    const QByteArray content = [&] {
-      QFile f(dbFile);
-      return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }();
+    const QByteArray content = ReadBytes(dbFile);
     const DatabaseStartResult r = PrepareDatabaseAtStart(dbFile, {}, kDefaultDbPassword);
-    EXPECT_EQ(r.outcome, DatabaseStartResult::Outcome::Stop) << r.detail.toStdString();
-    EXPECT_EQ(r.messageCode, codes[i]) << r.detail.toStdString();
-    QFile f(dbFile);
-    EXPECT_EQ(f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray(), content);
+    EXPECT_EQ(std::tuple(r.outcome, r.messageCode), std::tuple(DatabaseStartResult::Outcome::Stop, codes[i]))
+        << r.detail.toStdString();
+    EXPECT_EQ(ReadBytes(dbFile), content);
   }
 }
 
@@ -150,8 +139,7 @@ TEST_F(SafetyTest, CompactionRunsOnlyWhenATenthIsFreeAndReplacesTheFileWhole) {
   int result = -1;
   const qint64 size = QFileInfo(path).size();
   CompactDB(path, result, progress);
-  EXPECT_EQ(result, 0);
-  EXPECT_EQ(QFileInfo(path).size(), size);
+  EXPECT_EQ(std::tuple(result, QFileInfo(path).size()), std::tuple(0, size));
   EXPECT_FALSE(QFile::exists(path + QStringLiteral(".bak")));
   EXPECT_TRUE(traced(QStringLiteral("1"), QStringLiteral("CompactDB"), QStringLiteral("skipped")));
 
@@ -166,8 +154,7 @@ TEST_F(SafetyTest, CompactionRunsOnlyWhenATenthIsFreeAndReplacesTheFileWhole) {
   write(path + QStringLiteral(".org"), "stale");
   progress.values.clear();
   CompactDB(path, result, progress);
-  EXPECT_EQ(result, 0);
-  EXPECT_EQ(progress.values, (std::vector<int>{20, 40, 60, kCompactProgressMaximum}));
+  EXPECT_EQ(std::tuple(result, progress.values), std::tuple(0, std::vector<int>{20, 40, 60, kCompactProgressMaximum}));
   EXPECT_LT(QFileInfo(path).size(), QFileInfo(path + QStringLiteral(".bak")).size());
   EXPECT_FALSE(QFile::exists(CompactTempPath(path)));
   EXPECT_TRUE(hasUser(path, kDefaultDbPassword, id));
@@ -179,27 +166,23 @@ TEST_F(SafetyTest, WhatTheProgramWritesIsItsOwnersAlone) {
   inst_.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("LOG_PATH"), QStringLiteral("../privatelog"));
   SetLogLevel(QStringLiteral("0"));
   WriteTrace(QStringLiteral("2"), QStringLiteral("Test"), QStringLiteral("a line"));
-  EXPECT_EQ(ModeOf(inst_.path(QStringLiteral("privatelog"))), 0700);
-  EXPECT_EQ(ModeOf(inst_.path(QStringLiteral("privatelog/trace.log"))), 0600);
   const QString raw = inst_.path(QStringLiteral("rawdumps"));
   ASSERT_TRUE(MakePrivateFolder(raw));
   ASSERT_TRUE(MakePrivateFile(raw + QStringLiteral("/R000000001.bin")));
-  EXPECT_EQ(ModeOf(raw), 0700);
-  EXPECT_EQ(ModeOf(raw + QStringLiteral("/R000000001.bin")), 0600);
+  EXPECT_EQ(std::tuple(ModeOf(inst_.path("privatelog")), ModeOf(inst_.path("privatelog/trace.log")), ModeOf(raw),
+                       ModeOf(raw + QStringLiteral("/R000000001.bin"))),
+            std::tuple(0700, 0600, 0700, 0600));
 }
 
 TEST_F(SafetyTest, AConfigurationThatCannotBeUsedIsNamedForWhatIsWrongWithIt) {
   const QString conf = inst_.configFile();
-  const QByteArray good = [&] {
-    QFile f(conf);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-  }();
-  write(conf, QByteArray());
-  EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0003"));
-  write(conf, QByteArray("\x00\x01garbage", 9));
-  EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0005"));
-  write(conf, QByteArray("[OTHER]\nA=1\n"));
-  EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0005"));
+  const QByteArray good = ReadBytes(conf);
+  for (auto [content, code] : {std::pair{QByteArray(), "PTOP-C-0003"},
+                               std::pair{QByteArray("\x00\x01garbage", 9), "PTOP-C-0005"},
+                               std::pair{QByteArray("[OTHER]\nA=1\n"), "PTOP-C-0005"}}) {
+    write(conf, content);
+    EXPECT_EQ(Ini_ConfigProblemCode(), code) << content.toStdString();
+  }
   QFile::remove(conf);
   EXPECT_EQ(Ini_ConfigProblemCode(), QStringLiteral("PTOP-C-0001"));
   write(conf, good);

@@ -21,11 +21,6 @@ inline QString TestDataPath(const QString& relative) {
   return QStringLiteral(VANTORA_TEST_DATA "/") + relative;
 }
 
-inline QByteArray ReadBytes(const QString& path) {
-  QFile f(path);
-  return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
 class ExchangeTest : public ::testing::Test {
  protected:
   void SetUpEdition(const QString& lang) {
@@ -35,14 +30,11 @@ class ExchangeTest : public ::testing::Test {
     const QString error = OpenDatabaseWithSampleUser(*inst_, db_, kCsvUser);
     ASSERT_TRUE(error.isEmpty()) << error.toStdString();
     UserRecord u = SampleUser(kCsvUser);
+    u.FIRST_NAME = english_ ? QStringLiteral("Mary") : QStringLiteral("山田");
+    u.LAST_NAME = english_ ? QStringLiteral("Jones") : QStringLiteral("花子");
     if (english_) {
-      u.FIRST_NAME = QStringLiteral("Mary");
       u.MIDDLE_NAME = QStringLiteral("Ann");
-      u.LAST_NAME = QStringLiteral("Jones");
-      u.NICK_NAME = QString();
-    } else {
-      u.FIRST_NAME = QStringLiteral("山田");
-      u.LAST_NAME = QStringLiteral("花子");
+      u.NICK_NAME.clear();
     }
     ASSERT_TRUE(VTDB_ChangeUserInfo(db_, u));
     ASSERT_TRUE(GetUserInfo(db_, user_, kCsvUser));
@@ -70,32 +62,19 @@ class ExchangeTest : public ::testing::Test {
   // 2024-06-20 as an import stores it.
   void StoreImportedDay() {
     CsvRow r;
-    r.MEASUREMENT_DAY = r.RAW_MEASUREMENT_DAY = QStringLiteral("20240620");
-    r.WEEK_DAY = QStringLiteral("4");
-    r.GENDAR = QStringLiteral("1");
-    r.AGE = QStringLiteral("41");
-    r.HEIGHT_CM = QStringLiteral("158");
-    r.WEIGHT_KG = QStringLiteral("58.5");
-    r.TARGET_CAL = QStringLiteral("250");
-    r.ENERGY_EXPENDITURE = QStringLiteral("1850");
-    r.ACTIVITY = QStringLiteral("240");
-    r.STEP_COUNT = QStringLiteral("6400");
-    r.TARGET_STEP = QStringLiteral("9000");
-    r.PACE_CM = QStringLiteral("65");
-    r.DISTANCE_KM = QStringLiteral("4.2");
-    r.TARGET_TIME = QStringLiteral("60");
-    r.ACCUMULATION_TIME = QStringLiteral("75");
-    r.LOWER_BOUND = QStringLiteral("4");
-    r.UPPER_BOUND = QStringLiteral("9");
-    r.PEDOMERA = QStringLiteral("1");
-    r.MEMORY_LOCK = QStringLiteral("1");
-    r.MEASUREMENT_MODE = QStringLiteral("1");
+    const std::pair<QString CsvRow::*, const char*> fields[] = {
+        {&CsvRow::MEASUREMENT_DAY, "20240620"}, {&CsvRow::RAW_MEASUREMENT_DAY, "20240620"}, {&CsvRow::WEEK_DAY, "4"},
+        {&CsvRow::GENDAR, "1"}, {&CsvRow::AGE, "41"}, {&CsvRow::HEIGHT_CM, "158"}, {&CsvRow::WEIGHT_KG, "58.5"},
+        {&CsvRow::TARGET_CAL, "250"}, {&CsvRow::ENERGY_EXPENDITURE, "1850"}, {&CsvRow::ACTIVITY, "240"},
+        {&CsvRow::STEP_COUNT, "6400"}, {&CsvRow::TARGET_STEP, "9000"}, {&CsvRow::PACE_CM, "65"},
+        {&CsvRow::DISTANCE_KM, "4.2"}, {&CsvRow::TARGET_TIME, "60"}, {&CsvRow::ACCUMULATION_TIME, "75"},
+        {&CsvRow::LOWER_BOUND, "4"}, {&CsvRow::UPPER_BOUND, "9"}, {&CsvRow::PEDOMERA, "1"}, {&CsvRow::MEMORY_LOCK, "1"},
+        {&CsvRow::MEASUREMENT_MODE, "1"}, {&CsvRow::ACTIVITY_LEVEL_SMALL, "3000"}, {&CsvRow::EXERCISE, "2.5"},
+        {&CsvRow::ACT_LEVEL_BLOCK, "-1,0,3,-1,12"}};
+    for (const auto& [field, value] : fields) r.*field = QString::fromLatin1(value);
     for (int i = 0; i <= 9; ++i) r.ACTIVITY_LEVEL[static_cast<size_t>(i)] = QString::number(100 * (10 - i));
-    r.ACTIVITY_LEVEL_SMALL = QStringLiteral("3000");
     r.EVENT[0] = QStringLiteral("0830");
     r.EVENT[1] = QStringLiteral("9999");
-    r.EXERCISE = QStringLiteral("2.5");
-    r.ACT_LEVEL_BLOCK = QStringLiteral("-1,0,3,-1,12");
     const QString receiveId = CreateReceiveId(db_);
     ASSERT_TRUE(VTDB_SetDayMeasurementForCSV(db_, receiveId, 1, user_, r));
     ASSERT_TRUE(VTDB_SetTimeMeasurementBlockForCSV(db_, receiveId, 1, user_, r));

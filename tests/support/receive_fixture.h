@@ -123,10 +123,22 @@ class ReceiveFixture : public ::testing::Test {
     rows.sort();
     return rows;
   }
+  // A receive that must leave the database as it was.
+  ReceiveReport receiveChangingNothing(ReceiveQuestions& q, TavoReader* reader = nullptr) {
+    const QStringList before = dump();
+    const ReceiveReport r = receive(q, nullptr, reader);
+    EXPECT_EQ(dump(), before) << "the receive changed the database";
+    return r;
+  }
   int count(const QString& sql, const QString& bind1 = QString()) {
     Statement st(*db, sql);
     if (!bind1.isNull()) st.bind(1, bind1);
     return st.step() ? st.text(0).toInt() : -1;
+  }
+  // Rows of a table, or of those that meet a condition with one bound value.
+  int rows(const char* table, const char* where = nullptr, const QString& bind1 = QString()) {
+    const QString sql = QStringLiteral("SELECT COUNT(*) FROM [%1]").arg(QLatin1String(table));
+    return count(where ? sql + QStringLiteral(" WHERE ") + QString::fromUtf8(where) : sql, bind1);
   }
   QString scalar(const QString& sql, const QString& bind1 = QString()) {
     Statement st(*db, sql);

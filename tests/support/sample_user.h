@@ -18,10 +18,9 @@ inline UserRecord SampleUser(const QString& userId) {
   UserRecord u;
   u.USER_ID = userId;
   u.GROUP_ID = kDefaultGroupId;
-  u.LOGIN_ID = QStringLiteral("hana");
+  u.LOGIN_ID = u.NICK_NAME = QStringLiteral("hana");
   u.FIRST_NAME = QStringLiteral("Hana");
   u.LAST_NAME = QStringLiteral("Sato");
-  u.NICK_NAME = QStringLiteral("hana");
   u.GENDAR = QStringLiteral("1");
   u.AGE = QStringLiteral("41");
   u.HEIGHT_CM = QStringLiteral("160");

@@ -14,31 +14,13 @@ namespace {
 // The values the tests count on where they differ from an installation's: no compaction,
 // every log line, fixed date formats in both editions and the test's own report limits.
 const char* const kTestConfig[][2] = {
-    {"COMPACT_DB", "0"},
-    {"LOG_LEVEL", "0"},
-    {"PDFHELP_NAME", "../help/manual.pdf"},
-    {"HEALTY_DIARY_ADDRESS", "https://example.invalid/diary"},
-    {"LOCALE_SHORTDATE", "yyyy/MM/dd"},
-    {"DATESCREEN_YMD", "yyyy\\/MM\\/dd"},
-    {"DATEGRAPH_YMD", "%Y/%m/%d"},
-    {"DEFAULT_DATA_RANGE", ""},
-    {"MAX_ACT_MIN", "600"},
-    {"MAX_TOTAL_CAL", "4000"},
-    {"MAX_AVE_ACT_MIN", "300"},
-    {"TARGET_AVE_FOOD_INTAKE", "2000"},
-    {"TARGET_EXERCISE", "23"},
-    {"PREFECTURE", ""},
-    {"CSVLOGINID_PREFIX", "CSV"},
-    {"CSVLOGINID_MAX", "9999"},
-    {"STRING_10", "'"},
-    {"STRING_11", ""},
+    {"COMPACT_DB", "0"},          {"LOG_LEVEL", "0"},
+    {"PDFHELP_NAME", "../help/manual.pdf"}, {"HEALTY_DIARY_ADDRESS", "https://example.invalid/diary"},
+    {"LOCALE_SHORTDATE", "yyyy/MM/dd"}, {"DATESCREEN_YMD", "yyyy\\/MM\\/dd"}, {"DATEGRAPH_YMD", "%Y/%m/%d"},
+    {"DEFAULT_DATA_RANGE", ""},   {"MAX_ACT_MIN", "600"}, {"MAX_TOTAL_CAL", "4000"}, {"MAX_AVE_ACT_MIN", "300"},
+    {"TARGET_AVE_FOOD_INTAKE", "2000"}, {"TARGET_EXERCISE", "23"}, {"PREFECTURE", ""},
+    {"CSVLOGINID_PREFIX", "CSV"}, {"CSVLOGINID_MAX", "9999"}, {"STRING_10", "'"}, {"STRING_11", ""},
 };
-
-bool writeFile(const QString& path, const QByteArray& bytes) {
-  QFile f(path);
-  if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate)) return false;
-  return f.write(bytes) == bytes.size();
-}
 
 // The source tree's installation file for the edition, if it has one.
 QString distFile(const QString& lang, const QString& relative) {
@@ -70,14 +52,11 @@ QString TestInstallation::path(const QString& relative) const { return dir_.file
 
 bool TestInstallation::setUp(const QString& lang) {
   QDir root(dir_.path());
-  for (const char* sub : {"bin", "conf", "data/mdb", "temp", "log", "raw", "reader", "help", "images"}) {
+  for (const char* sub : {"bin", "conf", "data/mdb", "temp", "log", "raw", "reader", "help", "images"})
     if (!root.mkpath(QLatin1String(sub))) return false;
-  }
   // The edition's configuration file with the values the tests count on.
-  const QString dist = distFile(lang, QStringLiteral("conf/config.cnf"));
-  QFile distConfig(dist);
-  if (dist.isEmpty() || !distConfig.open(QIODevice::ReadOnly)) return false;
-  QByteArray config = distConfig.readAll();
+  QByteArray config = ReadBytes(distFile(lang, QStringLiteral("conf/config.cnf")));
+  if (config.isEmpty()) return false;
   for (const auto& [key, value] : kTestConfig) {
     const QByteArray prefix = QByteArray("\n") + key + '=';
     const qsizetype at = config.indexOf(prefix);
@@ -85,7 +64,7 @@ bool TestInstallation::setUp(const QString& lang) {
     const qsizetype end = config.indexOf('\n', at + 1);
     config.replace(at + prefix.size(), end - at - prefix.size(), value);
   }
-  bool ok = writeFile(configFile(), config);
+  bool ok = WriteBytes(configFile(), config);
   for (const char* file : {"bin/ACTA.res", "bin/menu.res", "conf/resource.ini", "conf/chart.ini", "conf/pmmets.ini"})
     ok = ok && installFile(lang, QLatin1String(file), path(QLatin1String(file)));
   if (!ok || !QDir::setCurrent(binPath())) return false;
@@ -111,19 +90,17 @@ void TestInstallation::setResource(const QString& section, const QString& key, c
 }
 
 void TestInstallation::writeCatalogue(const QByteArray& actaRes) {
-  writeFile(path(QStringLiteral("bin/ACTA.res")), actaRes);
+  WriteBytes(path(QStringLiteral("bin/ACTA.res")), actaRes);
   LoadResource();
 }
 
 void TestInstallation::writeMenu(const QByteArray& menuRes) {
-  writeFile(path(QStringLiteral("bin/menu.res")), menuRes);
+  WriteBytes(path(QStringLiteral("bin/menu.res")), menuRes);
   LoadMenuResource();
 }
 
 QString TestInstallation::traceText() const {
-  QFile f(traceFile());
-  if (!f.open(QIODevice::ReadOnly)) return QString();
-  return QString::fromUtf8(f.readAll());
+  return QString::fromUtf8(ReadBytes(traceFile()));
 }
 
 bool TestInstallation::logged(const QString& level, const QString& name, const QString& message) const {

@@ -5,6 +5,7 @@
 // whole process, so use one installation at a time.
 #pragma once
 
+#include <QFile>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -84,6 +85,17 @@ class CountingProgress : public ProgressInterface {
   void setStatus(const QString& s) override { statuses << s; }
   bool cancelRequested() override { return ++looks == cancelAt; }
 };
+
+// The whole content of a file ("" when it cannot be read), and a file written whole
+// (false when it cannot be).
+inline QByteArray ReadBytes(const QString& path) {
+  QFile f(path);
+  return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+inline bool WriteBytes(const QString& path, const QByteArray& bytes) {
+  QFile f(path);
+  return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
+}
 
 // Lets test failures show QString values as text.
 inline void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
