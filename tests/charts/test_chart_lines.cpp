@@ -65,42 +65,19 @@ InterfaceContext Ctx(int type, const QDate& anchor) {
 
 }  // namespace
 
-TEST(DayList, ExclusionRulesAndThresholds) {
-  ExclusionSettings cfg;
-  cfg.lowStepCount = QStringLiteral("50");
-  DayListRules r = MakeDayListRules(cfg, true, false, QStringLiteral("20240101"),
-                                    QStringLiteral("20240110"));
-  EXPECT_EQ(r.threshold, QStringLiteral("50"));
-  EXPECT_EQ(r.firstMeasuredDay, QStringLiteral("20240101"));
-  EXPECT_EQ(r.lastMeasuredDay, QStringLiteral("20240110"));
-  r = MakeDayListRules(cfg, true, true, QStringLiteral("20240101"), QStringLiteral("20240110"));
-  EXPECT_TRUE(r.firstMeasuredDay.isEmpty());
-  EXPECT_EQ(r.threshold, QStringLiteral("50"));
-  r = MakeDayListRules(cfg, false, false, QStringLiteral("20240101"), QStringLiteral("20240110"));
-  EXPECT_EQ(r.threshold, QStringLiteral("-1"));
-  EXPECT_TRUE(r.lastMeasuredDay.isEmpty());
-  cfg.lowStepCount.clear();
-  cfg.startingDay = false;
-  r = MakeDayListRules(cfg, true, false, QStringLiteral("20240101"), QStringLiteral("20240110"));
-  EXPECT_EQ(r.threshold, QStringLiteral("-1"));
-  EXPECT_TRUE(r.firstMeasuredDay.isEmpty());
-
-  // 49 steps fall under the default threshold, 50 do not; 0 and "-1" exclude nothing.
-  std::vector<ChartDayRecord> rows{Day(D(2024, 1, 1), 49), Day(D(2024, 1, 2), 50),
-                                   Day(D(2024, 1, 3), 0)};
-  for (const auto& [threshold, flags] :
-       std::vector<std::pair<QString, QString>>{{QStringLiteral("50"), QStringLiteral("101")},
-                                                {QStringLiteral("0"), QStringLiteral("000")},
-                                                {QStringLiteral("-1"), QStringLiteral("000")}}) {
+TEST(DayList, LowStepThresholds) {
+  // 49 steps fall under the default threshold, 50 do not; 0 and "-1" exclude nothing. A day
+  // without a row is excluded and keeps its weekday.
+  const std::vector<ChartDayRecord> rows{Day(D(2024, 1, 1), 49), Day(D(2024, 1, 2), 50), Day(D(2024, 1, 3), 0)};
+  for (const char* threshold : {"50", "0", "-1"}) {
     std::vector<ChartDayRecord> days = MakeEmptyDays(D(2024, 1, 1), D(2024, 1, 4));
     DayListRules rules;
-    rules.threshold = threshold;
+    rules.threshold = QLatin1String(threshold);
     EXPECT_EQ(FillDayList(days, rows, rules), 3);
     QString got;
-    for (int i = 0; i < 3; ++i) got += days[std::size_t(i)].ExcludeFlag;
-    EXPECT_EQ(got, flags) << threshold.toStdString();
+    for (const auto& d : days) got += d.ExcludeFlag;
+    EXPECT_EQ(got, QLatin1String(threshold) == QLatin1String("50") ? "1011" : "0001") << threshold;
     EXPECT_FALSE(days[3].NewestOfDay);
-    EXPECT_EQ(days[3].ExcludeFlag, QStringLiteral("1"));
     EXPECT_EQ(days[3].WEEK_DAY, QStringLiteral("4"));
   }
 }
@@ -141,13 +118,6 @@ TEST(DayList, ChronologyOfReceptions) {
   EXPECT_FALSE(CheckDataChronology(days));
 }
 
-TEST(Lines, PutFieldAtPadsOrAppendsInsideTheField) {
-  EXPECT_EQ(PutFieldAt(QStringLiteral("a,b"), QStringLiteral("x"), 5), QStringLiteral("a,b,,,x"));
-  EXPECT_EQ(PutFieldAt(QStringLiteral("a,b,c"), QStringLiteral("x"), 2), QStringLiteral("a,bx,c"));
-  EXPECT_EQ(PutFieldAt(QStringLiteral("a,b,c"), QStringLiteral("x"), 3), QStringLiteral("a,b,cx"));
-  EXPECT_EQ(PutFieldAt(QStringLiteral("a"), QStringLiteral("x"), 1), QStringLiteral("ax"));
-}
-
 TEST(Lines, HeadLinesAndDailyLines) {
   InterfaceContext c = Ctx(100, D(2024, 1, 31));
   std::vector<ChartDayRecord> empty = MakeEmptyDays(D(2024, 1, 1), D(2024, 1, 2));
@@ -156,7 +126,6 @@ TEST(Lines, HeadLinesAndDailyLines) {
   EXPECT_EQ(head[0], QStringLiteral("100"));
   EXPECT_EQ(head[1], QStringLiteral("20240101,20240131,4,7,15000,500,100,2000,10000") +
                          QString(23, QLatin1Char(',')) + QStringLiteral("23.0"));
-  EXPECT_EQ(Fields(head[1]).size(), 32);
   EXPECT_EQ(head[2], QStringLiteral("0,0,0,0,0,0"));
 
   std::vector<ChartDayRecord> days = Days(D(2024, 1, 1), D(2024, 1, 2));
@@ -240,9 +209,6 @@ TEST(Lines, WeeksAnchoredOnAWednesdayAndAllExcludedWeek) {
   // All days excluded: the empty group line, its plan weight in field 28, and still the
   // week's exercise.
   f = Fields(lines[1]);
-  EXPECT_EQ(f[0], QStringLiteral("1"));
-  EXPECT_EQ(f[1], QStringLiteral("20240104"));
-  EXPECT_EQ(f[2], QStringLiteral("20240110"));
   EXPECT_EQ(lines[1].section(QLatin1Char(','), 0, 27),
             QStringLiteral("1,20240104,20240110") + QString(25, QLatin1Char(',')));
   EXPECT_EQ(f[785], QStringLiteral("7.0"));
@@ -295,11 +261,8 @@ TEST(Lines, FourWeekGroupsTakeTheMeanWeeklyExercise) {
 TEST(Lines, PlanWeightsBeforeInsideAndAfterThePlan) {
   const std::optional<WeightPlan> plan =
       WeightPlan{D(2024, 1, 10), D(2024, 1, 20), QStringLiteral("80"), QStringLiteral("75")};
-  EXPECT_EQ(PlanWeightAt(plan, D(2024, 1, 9)), QStringLiteral("80.0"));
-  EXPECT_EQ(PlanWeightAt(plan, D(2024, 1, 10)), QStringLiteral("80.0"));
-  EXPECT_EQ(PlanWeightAt(plan, D(2024, 1, 13)), QStringLiteral("78.5"));
-  EXPECT_EQ(PlanWeightAt(plan, D(2024, 1, 20)), QStringLiteral("75.0"));
-  EXPECT_EQ(PlanWeightAt(plan, D(2024, 1, 21)), QStringLiteral("75.0"));
+  for (const auto& [day, weight] : {std::pair{9, "80.0"}, {10, "80.0"}, {13, "78.5"}, {20, "75.0"}, {21, "75.0"}})
+    EXPECT_EQ(PlanWeightAt(plan, D(2024, 1, day)), QLatin1String(weight)) << day;
   // A group that starts inside and ends after the plan takes the target weight.
   EXPECT_EQ(PlanWeightOfGroup(plan, D(2024, 1, 15), D(2024, 1, 21)), QStringLiteral("75.0"));
   // A group ending before the start takes the start weight although it is the last day.
@@ -312,7 +275,6 @@ TEST(Lines, PlanWeightsBeforeInsideAndAfterThePlan) {
   rec.EndDate = QStringLiteral("20240120");
   rec.StartWeight = QStringLiteral("80");
   ASSERT_TRUE(PlanFromRecord(rec).has_value());
-
 }
 
 TEST(Lines, HeaderLinesKeepTheirWording) {
