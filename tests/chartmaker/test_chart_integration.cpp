@@ -48,12 +48,6 @@ class ChartIntegration : public ::testing::Test {
     ASSERT_EQ(maker_.prepare(inst_.chartIniFile()), chartcode::kOk);
   }
 
-  // Stores the days of a generated recorder as one reception, as the receive does.
-  void storeRecorder(const RecorderImageOptions& o) {
-    const QString error = StoreRecorderDays(db_, kUser, o);
-    ASSERT_TRUE(error.isEmpty()) << error.toStdString();
-  }
-
   // The window the screen would show for a type: its period, ending on the last day.
   static int PeriodOf(int type) {
     if (type == 5) return charts::kPeriodDay;
@@ -91,7 +85,7 @@ TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
   RecorderImageOptions o;
   o.days = 200;
   o.seed = 11;
-  storeRecorder(o);
+  ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
   // A weight plan, so that the plan weights and the .sim file carry values.
   WeightPlanRecord plan;
   plan.UserId = kUser;
@@ -109,8 +103,7 @@ TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
     ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
     EXPECT_EQ(parsed.type, type);
     EXPECT_GT(parsed.linesWithFigures(), 0);
-    ASSERT_TRUE(parsed.imperialUnit().has_value());
-    EXPECT_FALSE(*parsed.imperialUnit());
+    EXPECT_EQ(parsed.imperialUnit(), false);
 
     // Drawn at the surface's size and pixel ratio.
     ImageSurface surface(QSize(640, 400), 2.0);
@@ -153,27 +146,20 @@ TEST_F(ChartIntegration, DayProfileOfEachRecorderKind) {
   // the block's values, not by the day's measurement mode.
   RecorderImageOptions o;
   o.days = 3;
-  o.kind = RecorderKind::BrioNormal;
-  storeRecorder(o);
-  ASSERT_TRUE(make(5));
-  InterfaceFile parsed;
-  ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
-  ASSERT_EQ(parsed.lines.size(), 1u);
-  DayProfile p = ReadDayProfile(parsed.lines[0]);
-  EXPECT_TRUE(p.any);
-  EXPECT_FALSE(p.metsMode);
-  ImageSurface surface(QSize(800, 500));
-  EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
-
-  o.kind = RecorderKind::BrioMets;
-  o.lastDay = o.lastDay.addDays(3);
-  storeRecorder(o);
-  ASSERT_TRUE(make(5));
-  ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
-  p = ReadDayProfile(parsed.lines[0]);
-  EXPECT_TRUE(p.any);
-  EXPECT_TRUE(p.metsMode);
-  EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
+  for (RecorderKind kind : {RecorderKind::BrioNormal, RecorderKind::BrioMets}) {
+    o.kind = kind;
+    o.lastDay = o.lastDay.addDays(3);
+    ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
+    ASSERT_TRUE(make(5));
+    InterfaceFile parsed;
+    ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
+    ASSERT_EQ(parsed.lines.size(), 1u);
+    const DayProfile p = ReadDayProfile(parsed.lines[0]);
+    EXPECT_TRUE(p.any);
+    EXPECT_EQ(p.metsMode, kind == RecorderKind::BrioMets);
+    ImageSurface surface(QSize(800, 500));
+    EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
+  }
 }
 
 class EnglishChartIntegration : public ChartIntegration {
@@ -190,10 +176,10 @@ TEST_F(EnglishChartIntegration, MixedUnitsAreReadInTheUnitOfTheLastDay) {
   o.days = 60;
   o.cpuNo = QStringLiteral("123456");
   o.lastDay = QDate(2024, 5, 31);
-  storeRecorder(o);
+  ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
   o.unitFlag = 1;
   o.lastDay = QDate(2024, 6, 30);
-  storeRecorder(o);
+  ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
 
   for (int type : {100, 600, 601, 602, 801, 802, 5}) {
     SCOPED_TRACE(type);
