@@ -125,6 +125,9 @@ TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
       const QString bmp = inst_.path(QStringLiteral("temp/simulation.bmp"));
       EXPECT_EQ(CreateGraphBMPPersonal(maker_, surface, iface_, bmp), chartcode::kOk);
       EXPECT_FALSE(QImage(bmp).isNull());
+      // Without the .sim file the weights of the lines still draw.
+      ASSERT_TRUE(QFile::remove(sim_));
+      EXPECT_EQ(CreateGraphBMPPersonal(maker_, surface, iface_, bmp), chartcode::kOk);
     }
   }
 

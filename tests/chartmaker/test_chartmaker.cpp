@@ -49,8 +49,6 @@ class ChartMakerTest : public ::testing::Test {
   ChartMaker maker;
 };
 
-// ---------------------------------------------------------------- result codes
-
 TEST_F(ChartMakerTest, BadFilesGiveTheirCodesAndNeverAPicture) {
   ImageSurface surface(QSize(400, 300));
   EXPECT_EQ(ChartMakerPersonal(maker, surface, path("absent.txt")), chartcode::kFileMissing);
@@ -119,8 +117,6 @@ TEST_F(ChartMakerTest, AllDaysExcludedIsReportedAsNoEffectiveData) {
   EXPECT_EQ(f.lines[1].state, LineState::NoData);
 }
 
-// ---------------------------------------------------------------- remake
-
 TEST_F(ChartMakerTest, RemakeRepaintsFromMemoryWithoutTheFile) {
   fixtures::Options o;
   o.type = 401;
@@ -147,8 +143,6 @@ TEST_F(ChartMakerTest, RemakeRepaintsFromMemoryWithoutTheFile) {
   EXPECT_EQ(ChartFinishPersonal(maker), 0);
   EXPECT_EQ(ChartReMakePersonal(maker, surface), chartcode::kFileMissing);
 }
-
-// ---------------------------------------------------------------- printing
 
 bool HavePdfToText() { return !QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty(); }
 
@@ -212,8 +206,6 @@ TEST_F(ChartMakerTest, PrintingCodes) {
   EXPECT_EQ(QDir(dir.path()).entryList({QStringLiteral("kept.pdf*")}, QDir::Files | QDir::Hidden).size(), 1);
 }
 
-// ---------------------------------------------------------------- bitmaps
-
 TEST_F(ChartMakerTest, BmiPictureWritesItsBitmap) {
   ImageSurface surface(QSize(480, 150));
   const QString bmp = path("bmi.bmp");
@@ -229,25 +221,6 @@ TEST_F(ChartMakerTest, BmiPictureWritesItsBitmap) {
   // The picture stays on the surface for a repaint.
   EXPECT_EQ(ChartReMakePersonal(maker, surface), 0);
 }
-
-TEST_F(ChartMakerTest, WeightPlanGraphUsesTheSimFile) {
-  for (int type : {801, 802}) {
-    fixtures::Options o;
-    o.type = type;
-    o.planWeights = true;
-    const QString iface = writeChart(QStringLiteral("sim%1.txt").arg(type), o);
-    ASSERT_TRUE(QFile::exists(iface + ".sim"));
-    ImageSurface surface(QSize(800, 450));
-    const QString bmp = path(QStringLiteral("simulation%1.bmp").arg(type));
-    EXPECT_EQ(CreateGraphBMPPersonal(maker, surface, iface, bmp), 0) << type;
-    EXPECT_FALSE(QImage(bmp).isNull());
-    // Without the .sim file the weights of the lines still draw.
-    QFile::remove(iface + ".sim");
-    EXPECT_EQ(CreateGraphBMPPersonal(maker, surface, iface, bmp), 0) << type;
-  }
-}
-
-// ---------------------------------------------------------------- reading
 
 TEST(ChartFiles, LineStatesExerciseAndMeans) {
   QTemporaryDir dir;
