@@ -67,7 +67,7 @@ TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUse
   frmTerminal& w = open();
   QSignalSpy drawn(&w, &frmTerminal::chartDrawn);
   screens.newCpu = {ReceiveQuestions::NewCpuAnswer::CreateUser};
-  placeRecorder(Recorder(10, kLastDay));
+  placeRecorder(10, kLastDay);
   ASSERT_TRUE(WaitUntil([] { return GetScreenState() == kStateJob; }));
   EXPECT_EQ(screens.asked, QStringList({QStringLiteral("NewCPU"), QStringLiteral("UserRegist")}));
   const QString userId = screens.lastRegisteredId;
@@ -90,7 +90,7 @@ TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUse
   ASSERT_TRUE(WaitUntil([] { return !GetRecorderHandled(); }));
   EXPECT_FALSE(w.btnReceive->isEnabled());
   screens.asked.clear();
-  placeRecorder(Recorder(13, kLastDay.addDays(3)));
+  placeRecorder(13, kLastDay.addDays(3));
   ASSERT_TRUE(WaitUntil([&] { return daysOf(userId) == 13; }));
   ASSERT_TRUE(WaitUntil([] { return !GetReceiveRunning(); }));
   EXPECT_TRUE(screens.asked.isEmpty()) << screens.asked.join(u',').toStdString();
@@ -123,7 +123,7 @@ TEST_F(TerminalTest, TheNewRecorderQuestionAnsweredOnTheRealScreensRegistersAndD
     }
   });
   person.start(20);
-  placeRecorder(Recorder(8, kLastDay));
+  placeRecorder(8, kLastDay);
   ASSERT_TRUE(WaitUntil([] { return GetScreenState() == kStateJob && !GetReceiveRunning(); }))
       << answered.join(u',').toStdString();
   person.stop();
@@ -150,7 +150,7 @@ TEST_F(TerminalTest, CancelDuringThePagesStoresNothingAndTheWindowStaysOnItsFace
   });
   presser.start(0);
   screens.newCpu = {ReceiveQuestions::NewCpuAnswer::CreateUser};
-  placeRecorder(Recorder(40, kLastDay));
+  placeRecorder(40, kLastDay);
   ASSERT_TRUE(WaitUntil([&] { return !screens.lastRegisteredId.isEmpty() && !GetReceiveRunning(); }));
   presser.stop();
   EXPECT_GE(pagesWhenPressed, 3);
@@ -170,7 +170,7 @@ TEST_F(TerminalTest, ARecorderPlacedWhileRegistrationIsOpenIsNotReceivedWhenItCl
   frmTerminal& w = open();
   screens.registName = QStringLiteral("佐藤 一郎");
   screens.duringRegist = [this] {
-    placeRecorder(Recorder(5, kLastDay));
+    placeRecorder(5, kLastDay);
     QTest::qWait(150);  // several ticks with the screen open
   };
   w.btnUserNew->click();
@@ -188,7 +188,7 @@ TEST_F(TerminalTest, ARecorderPlacedWhileRegistrationIsOpenIsNotReceivedWhenItCl
   screens.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
   screens.selected = {screens.lastRegisteredId};
   screens.yesNo = {true};
-  placeRecorder(Recorder(5, kLastDay));
+  placeRecorder(5, kLastDay);
   ASSERT_TRUE(WaitUntil([&] { return daysOf(screens.lastRegisteredId) == 5; }));
 }
 
@@ -199,7 +199,7 @@ class NavigationTest : public TerminalTest {
     VtDatabase seed;
     seed.open(inst.dbFile(), kDefaultDbPassword);
     ASSERT_TRUE(VTDB_SetUserInfo(seed, SampleUser(kUser)));
-    ASSERT_EQ(StoreRecorderDays(seed, kUser, Recorder(60, kLastDay)), QString());
+    ASSERT_EQ(StoreRecorderDays(seed, kUser, SampleRecorder(60, kLastDay)), QString());
     VTDB_Close(seed);
     inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("SAVE_LAST_USER"), QStringLiteral("1"));
     inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("LAST_USER_ID"), kUser);

@@ -6,6 +6,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QtTest/QTest>
+#include <algorithm>
 
 #include "ui/frmUserDelete.h"
 #include "ui/frmUserModify.h"
@@ -32,13 +33,8 @@ void typeInto(QWidget* screen, const char* field, const QString& text) {
   if (auto* edit = child<QLineEdit>(screen, field)) {
     edit->clear();
     // Keys for plain letters; other scripts arrive committed, as an input method gives them.
-    bool ascii = true;
-    for (QChar c : text) ascii = ascii && c.unicode() < 0x80;
-    if (ascii) {
-      QTest::keyClicks(edit, text);
-    } else {
-      edit->insert(text);
-    }
+    if (std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; })) QTest::keyClicks(edit, text);
+    else edit->insert(text);
   }
 }
 
