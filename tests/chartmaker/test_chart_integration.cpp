@@ -5,7 +5,6 @@
 
 #include <QFileInfo>
 #include <QImage>
-#include <QSet>
 
 #include "chartmaker/chartfiles.h"
 #include "chartmaker/chartmaker.h"
@@ -14,19 +13,13 @@
 #include "frame/frame.h"
 #include "device/recorder_image.h"
 #include "store/store.h"
+#include "testsupport/chart_fixtures.h"
 #include "testsupport/test_installation.h"
 #include "testsupport/sample_user.h"
 
 namespace {
 
 const QString kUser = QStringLiteral("U000000001");
-
-int DistinctColours(const QImage& img) {
-  QSet<QRgb> seen;
-  for (int y = 0; y < img.height(); y += 5)
-    for (int x = 0; x < img.width(); x += 5) seen.insert(img.pixel(x, y));
-  return static_cast<int>(seen.size());
-}
 
 // Share of sampled pixels that differ from the background (the top left corner).
 double InkShare(const QImage& img) {
@@ -43,8 +36,7 @@ class ChartIntegration : public ::testing::Test {
 
   void SetUp() override {
     ASSERT_TRUE(inst_.isValid());
-    const QString error = OpenDatabaseWithSampleUser(inst_, db_, kUser);
-    ASSERT_TRUE(error.isEmpty()) << error.toStdString();
+    ASSERT_EQ(OpenDatabaseWithSampleUser(inst_, db_, kUser), QString());
     ASSERT_EQ(maker_.prepare(inst_.chartIniFile()), chartcode::kOk);
   }
 
@@ -110,7 +102,7 @@ TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
     EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
     ASSERT_EQ(surface.image().size(), QSize(1280, 800));
     EXPECT_DOUBLE_EQ(surface.image().devicePixelRatio(), 2.0);
-    EXPECT_GT(DistinctColours(surface.image()), 8);
+    EXPECT_GT(fixtures::DistinctColours(surface.image()), 8);
     EXPECT_GT(InkShare(surface.image()), 0.03);
     // To look at the pictures: VANTORA_CHART_OUT=/some/folder.
     if (const QString out = qEnvironmentVariable("VANTORA_CHART_OUT"); !out.isEmpty())

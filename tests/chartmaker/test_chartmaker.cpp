@@ -19,14 +19,6 @@ QString DistChartIni(const char* lang) {
   return QStringLiteral(VANTORA_SOURCE_DIR "/dist/%1/conf/chart.ini").arg(QLatin1String(lang));
 }
 
-// Number of distinct colours in a sample of the image: a blank picture has one.
-int DistinctColours(const QImage& img) {
-  QSet<QRgb> seen;
-  for (int y = 0; y < img.height(); y += 7)
-    for (int x = 0; x < img.width(); x += 7) seen.insert(img.pixel(x, y));
-  return static_cast<int>(seen.size());
-}
-
 class ChartMakerTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -82,7 +74,7 @@ TEST_F(ChartMakerTest, FilesWithoutDataGiveTheFamilyNoDataCodeAndStillDraw) {
     ImageSurface surface(QSize(640, 400));
     EXPECT_EQ(ChartMakerPersonal(maker, surface, writeChart("nodata.txt", o)), code) << type;
     EXPECT_EQ(surface.timesShown(), 1) << type;
-    EXPECT_GT(DistinctColours(surface.image()), 2) << type;  // axes and captions are there
+    EXPECT_GT(fixtures::DistinctColours(surface.image(), 7), 2) << type;  // axes and captions are there
   }
   // Only the three head lines: a period without days.
   ImageSurface surface(QSize(640, 400));
@@ -344,32 +336,24 @@ TEST(ChartFilesTest, ExclusionLineParsesEveryFormTheWriterMakes) {
   EXPECT_EQ(parsed(QStringLiteral("初日・最終日")), "none");
 }
 
-TEST(ChartSettingsTest, ExclusionCaptionInTheEditionsLanguage) {
-  ChartSettings ja;
-  ASSERT_TRUE(ja.load(DistChartIni("ja")));
+TEST(ChartSettingsTest, ExclusionCaptionsAndDatesInTheEditionsLanguage) {
+  ChartSettings ja, en;
+  ASSERT_TRUE(ja.load(DistChartIni("ja")) && en.load(DistChartIni("en")));
   EXPECT_EQ(ExclusionCaption(ja, "First Date, Last Date, 50 Step and under/day"),
             QStringLiteral("初日・最終日・1日50歩未満の日"));
   EXPECT_EQ(ExclusionCaption(ja, "Last Date, 2000 Step and under/day"), QStringLiteral("最終日・1日2,000歩未満の日"));
   // No step rule (empty or a threshold that leaves no day out) and no day rule: none.
   EXPECT_EQ(ExclusionCaption(ja, "First Date Step and under/day"), QStringLiteral("初日"));
   EXPECT_EQ(ExclusionCaption(ja, "0 Step and under/day"), QStringLiteral("なし"));
-  ChartSettings en;
-  ASSERT_TRUE(en.load(DistChartIni("en")));
   EXPECT_EQ(ExclusionCaption(en, "First Date, Last Date, 50 Step and under/day"),
             "First day, last day, days under 50 steps");
   // What does not parse is shown as written.
   EXPECT_EQ(ExclusionCaption(ja, "Sundays"), "Sundays");
-}
 
-TEST(ChartSettingsTest, DateFormatsAndEditionCaptions) {
-  ChartSettings ja;
-  ASSERT_TRUE(ja.load(DistChartIni("ja")));
   const QDate d(2024, 6, 30);  // a Sunday
   EXPECT_EQ(ja.formatDate(d, "%Y/%m/%d"), "2024/06/30");
   EXPECT_EQ(ja.formatDate(d, "%m/%d(%a)"), QStringLiteral("06/30(日)"));
   EXPECT_EQ(ja.formatDate(d, "%d.%m.%y %%"), "30.06.24 %");
-  ChartSettings en;
-  ASSERT_TRUE(en.load(DistChartIni("en")));
   EXPECT_EQ(en.formatDate(d, en.dateMda), "06/30(Sun)");
   // A missing file keeps the built-in defaults.
   ChartSettings none;

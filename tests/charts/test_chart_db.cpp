@@ -41,8 +41,7 @@ class ChartDb : public ::testing::Test {
 
   void SetUp() override {
     ASSERT_TRUE(inst_.isValid());
-    const QString error = OpenDatabaseWithSampleUser(inst_, db_, kUser);
-    ASSERT_TRUE(error.isEmpty()) << error.toStdString();
+    ASSERT_EQ(OpenDatabaseWithSampleUser(inst_, db_, kUser), QString());
   }
 
   void add(const Row& r) {

@@ -5,7 +5,9 @@
 
 #include <QDate>
 #include <QFile>
+#include <QImage>
 #include <QProcess>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <cmath>
@@ -296,6 +298,14 @@ inline bool WriteInterface(const QString& path, const Options& o) {
   if (!WriteText(path, InterfaceText(o))) return false;
   if (o.type / 100 == 8) return WriteText(path + QStringLiteral(".sim"), SimText(o));
   return true;
+}
+
+// Number of distinct colours in a sample of every step-th pixel: a blank picture has one.
+inline int DistinctColours(const QImage& img, int step = 5) {
+  QSet<QRgb> seen;
+  for (int y = 0; y < img.height(); y += step)
+    for (int x = 0; x < img.width(); x += step) seen.insert(img.pixel(x, y));
+  return static_cast<int>(seen.size());
 }
 
 // The text of a PDF file as pdftotext lays it out; empty without pdftotext.

@@ -250,8 +250,6 @@ TEST_F(StartupTest, TheWorkingConnectionUsesTheConfiguredDatabase) {
       << inst.traceText().toStdString();
 }
 
-// ---------------------------------------------------------------- closing
-
 class ClosingTest : public StartupTest {
  protected:
   // Compaction on, the database at dbFile (opened when open), and one chart drawn so that
@@ -280,8 +278,7 @@ TEST_F(ClosingTest, TheUsersStopCompactsAndFinishesTheChartLibrary) {
   SetUserSortOrder(3);
   ClosingStages closing(db, chart);
   closing.queryClose(0);
-  EXPECT_FALSE(db.isOpen());
-  EXPECT_TRUE(closing.quitRequested());
+  EXPECT_TRUE(!db.isOpen() && closing.quitRequested());
   EXPECT_EQ(closing.closeMainScreen(progress), StartupSequence::Outcome::Continue);
   EXPECT_EQ(Ini_GetSortOrder(), 3);
   EXPECT_FALSE(chart.hasChart(&surface));
@@ -306,15 +303,11 @@ TEST_F(ClosingTest, ClosingByTheSystemOnlyClosesAndStoresTheSortOrder) {
   SetUserSortOrder(2);
   ClosingStages closing(db, chart);
   closing.queryClose(1);
-  EXPECT_FALSE(db.isOpen());
-  EXPECT_FALSE(closing.quitRequested());
+  EXPECT_FALSE(db.isOpen() || closing.quitRequested());
   EXPECT_EQ(closing.closeMainScreen(progress), StartupSequence::Outcome::Continue);
   EXPECT_EQ(Ini_GetSortOrder(), 2);
-  EXPECT_TRUE(chart.hasChart(&surface));
-  EXPECT_FALSE(QFile::exists(inst.dbFile() + QStringLiteral(".bak")));
+  EXPECT_TRUE(chart.hasChart(&surface) && !QFile::exists(inst.dbFile() + QStringLiteral(".bak")));
 }
-
-// ---------------------------------------------------------------- single instance
 
 TEST(QtStartupPlatformTest, OneInstancePerInstallationFolder) {
   QTemporaryDir a;
@@ -322,8 +315,7 @@ TEST(QtStartupPlatformTest, OneInstancePerInstallationFolder) {
   ASSERT_TRUE(QDir::setCurrent(a.path()));
   {
     QtStartupPlatform first;
-    EXPECT_FALSE(first.otherInstanceRunning());
-    EXPECT_FALSE(first.otherInstanceRunning());  // asking again does not count itself
+    EXPECT_FALSE(first.otherInstanceRunning() || first.otherInstanceRunning());  // asking again does not count itself
     QtStartupPlatform second;
     EXPECT_TRUE(second.otherInstanceRunning());
   }
