@@ -270,20 +270,15 @@ inline QString SimText(const Options& o) {
 }
 
 inline QString HeaderText(bool japanese, const QDate& start, const QDate& end) {
-  QStringList l;
-  if (japanese) {
-    l << QStringLiteral("山田 花子,,,はなこ,健康教室A");
-    l << QStringLiteral("毎日の散歩を続けています");
-    l << QStringLiteral("45,女性,,158 cm,55.0 kg");
-  } else {
-    l << QStringLiteral("Margaret,Anne,Holloway,Maggie,Tuesday walkers");
-    l << QStringLiteral("Walks to work on weekdays");
-    l << QStringLiteral("52,Female,,5' 4\",152 lbs.");
-  }
-  l << Ymd(start) + QLatin1Char(',') + Ymd(end) + QStringLiteral(",5, 1");
-  l << QStringLiteral("8000,1800,30,4,7");
-  l << QStringLiteral("\"First Date, Last Date, 50 Step and under/day\"");
-  l << (japanese ? QStringLiteral("さくら健康クリニック") : QStringLiteral("Riverside Health Centre"));
+  const QStringList person =
+      japanese ? QStringList{QStringLiteral("山田 花子,,,はなこ,健康教室A"), QStringLiteral("毎日の散歩を続けています"),
+                             QStringLiteral("45,女性,,158 cm,55.0 kg")}
+               : QStringList{QStringLiteral("Margaret,Anne,Holloway,Maggie,Tuesday walkers"),
+                             QStringLiteral("Walks to work on weekdays"), QStringLiteral("52,Female,,5' 4\",152 lbs.")};
+  const QStringList l = person + QStringList{Ymd(start) + QLatin1Char(',') + Ymd(end) + QStringLiteral(",5, 1"),
+                                             QStringLiteral("8000,1800,30,4,7"),
+                                             QStringLiteral("\"First Date, Last Date, 50 Step and under/day\""),
+                                             japanese ? QStringLiteral("さくら健康クリニック") : QStringLiteral("Riverside Health Centre")};
   return l.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n");
 }
 
