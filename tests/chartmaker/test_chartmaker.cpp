@@ -205,10 +205,9 @@ TEST_F(ChartMakerTest, BmiPictureWritesItsBitmap) {
   QImage img(bmp);
   ASSERT_FALSE(img.isNull());
   EXPECT_EQ(img.size(), QSize(480, 150));
-  EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, write("bmi.txt", "700\r\n\r\n"), bmp), 0);
-  EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, write("bmi.txt", "700\r\n"), bmp), 0);
-  EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, write("bmi.txt", "701\r\n22\r\n"), bmp), chartcode::kFileMalformed);
-  EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, write("bmi.txt", "700\r\nfat\r\n"), bmp), chartcode::kFileMalformed);
+  for (const auto& [text, code] : {std::pair{"700\r\n\r\n", 0}, {"700\r\n", 0}, {"701\r\n22\r\n", chartcode::kFileMalformed},
+                                    {"700\r\nfat\r\n", chartcode::kFileMalformed}})
+    EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, write("bmi.txt", text), bmp), code) << text;
   EXPECT_EQ(CreateBMIGraphPersonal(maker, surface, path("nobmi.txt"), bmp), chartcode::kFileMissing);
   // The picture stays on the surface for a repaint.
   EXPECT_EQ(ChartReMakePersonal(maker, surface), 0);
