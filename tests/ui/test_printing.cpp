@@ -93,26 +93,23 @@ TEST_F(PrintingTest, DefaultPaperFollowsLanguageUnlessPaperSizeIsSet) {
   FixedPrinterCatalog c = TwoPrinters();
   c.defaultName = QStringLiteral("Office");
   PrinterSetupLogic logic(c, true);
-  ASSERT_TRUE(logic.load());
-  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 9);  // LANG 0: A4
-
-  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("LANG"), QStringLiteral("1"));
-  ASSERT_TRUE(logic.load());
-  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 1);  // Letter
-
-  inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("PAPER_SIZE"), QStringLiteral(" 9 "));
-  ASSERT_TRUE(logic.load());
-  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 9);
+  auto paper = [&logic] { return logic.papers()[static_cast<size_t>(logic.paperIndex())].number; };
+  // LANG 0: A4, LANG 1: Letter; a configured paper whatever the language.
+  for (const auto& [section, key, value, number] :
+       {std::tuple{"SYSTEM", "LANG", "0", 9}, {"SYSTEM", "LANG", "1", 1}, {"OTHER", "PAPER_SIZE", " 9 ", 9}}) {
+    inst.setConfig(QLatin1String(section), QLatin1String(key), QLatin1String(value));
+    ASSERT_TRUE(logic.load());
+    EXPECT_EQ(paper(), number) << key << "=" << value;
+  }
   // A number the printer lacks leaves the first paper; a printer with none, an empty list.
   logic.selectPrinter(1);
   EXPECT_EQ(logic.paperIndex(), 0);
   logic.selectPrinter(2);
-  EXPECT_TRUE(logic.papers().empty());
-  EXPECT_EQ(logic.paperIndex(), -1);
+  EXPECT_TRUE(logic.papers().empty() && logic.paperIndex() == -1);
   // The PDF entry offers the common sizes and takes the same rule.
   logic.selectPrinter(3);
   ASSERT_TRUE(logic.isPdfEntry(3));
-  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 9);
+  EXPECT_EQ(paper(), 9);
 }
 
 TEST_F(PrintingTest, LastChoiceHoldsForTheProcessAndCancelKeepsIt) {
