@@ -5,7 +5,6 @@
 
 #include <QFileInfo>
 #include <QImage>
-#include <QSet>
 
 #include "chartmaker/chartfiles.h"
 #include "chartmaker/chartmaker.h"
@@ -14,19 +13,13 @@
 #include "frame/frame.h"
 #include "device/recorder_image.h"
 #include "store/store.h"
+#include "testsupport/chart_fixtures.h"
 #include "testsupport/test_installation.h"
 #include "testsupport/sample_user.h"
 
 namespace {
 
 const QString kUser = QStringLiteral("U000000001");
-
-int DistinctColours(const QImage& img) {
-  QSet<QRgb> seen;
-  for (int y = 0; y < img.height(); y += 5)
-    for (int x = 0; x < img.width(); x += 5) seen.insert(img.pixel(x, y));
-  return static_cast<int>(seen.size());
-}
 
 // Share of sampled pixels that differ from the background (the top left corner).
 double InkShare(const QImage& img) {
@@ -43,15 +36,8 @@ class ChartIntegration : public ::testing::Test {
 
   void SetUp() override {
     ASSERT_TRUE(inst_.isValid());
-    const QString error = OpenDatabaseWithSampleUser(inst_, db_, kUser);
-    ASSERT_TRUE(error.isEmpty()) << error.toStdString();
+    ASSERT_EQ(OpenDatabaseWithSampleUser(inst_, db_, kUser), QString());
     ASSERT_EQ(maker_.prepare(inst_.chartIniFile()), chartcode::kOk);
-  }
-
-  // Stores the days of a generated recorder as one reception, as the receive does.
-  void storeRecorder(const RecorderImageOptions& o) {
-    const QString error = StoreRecorderDays(db_, kUser, o);
-    ASSERT_TRUE(error.isEmpty()) << error.toStdString();
   }
 
   // The window the screen would show for a type: its period, ending on the last day.
@@ -91,7 +77,7 @@ TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
   RecorderImageOptions o;
   o.days = 200;
   o.seed = 11;
-  storeRecorder(o);
+  ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
   // A weight plan, so that the plan weights and the .sim file carry values.
   WeightPlanRecord plan;
   plan.UserId = kUser;
@@ -109,15 +95,14 @@ TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
     ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
     EXPECT_EQ(parsed.type, type);
     EXPECT_GT(parsed.linesWithFigures(), 0);
-    ASSERT_TRUE(parsed.imperialUnit().has_value());
-    EXPECT_FALSE(*parsed.imperialUnit());
+    EXPECT_EQ(parsed.imperialUnit(), false);
 
     // Drawn at the surface's size and pixel ratio.
     ImageSurface surface(QSize(640, 400), 2.0);
     EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
     ASSERT_EQ(surface.image().size(), QSize(1280, 800));
     EXPECT_DOUBLE_EQ(surface.image().devicePixelRatio(), 2.0);
-    EXPECT_GT(DistinctColours(surface.image()), 8);
+    EXPECT_GT(fixtures::DistinctColours(surface.image()), 8);
     EXPECT_GT(InkShare(surface.image()), 0.03);
     // To look at the pictures: VANTORA_CHART_OUT=/some/folder.
     if (const QString out = qEnvironmentVariable("VANTORA_CHART_OUT"); !out.isEmpty())
@@ -132,6 +117,9 @@ TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
       const QString bmp = inst_.path(QStringLiteral("temp/simulation.bmp"));
       EXPECT_EQ(CreateGraphBMPPersonal(maker_, surface, iface_, bmp), chartcode::kOk);
       EXPECT_FALSE(QImage(bmp).isNull());
+      // Without the .sim file the weights of the lines still draw.
+      ASSERT_TRUE(QFile::remove(sim_));
+      EXPECT_EQ(CreateGraphBMPPersonal(maker_, surface, iface_, bmp), chartcode::kOk);
     }
   }
 
@@ -153,27 +141,20 @@ TEST_F(ChartIntegration, DayProfileOfEachRecorderKind) {
   // the block's values, not by the day's measurement mode.
   RecorderImageOptions o;
   o.days = 3;
-  o.kind = RecorderKind::BrioNormal;
-  storeRecorder(o);
-  ASSERT_TRUE(make(5));
-  InterfaceFile parsed;
-  ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
-  ASSERT_EQ(parsed.lines.size(), 1u);
-  DayProfile p = ReadDayProfile(parsed.lines[0]);
-  EXPECT_TRUE(p.any);
-  EXPECT_FALSE(p.metsMode);
-  ImageSurface surface(QSize(800, 500));
-  EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
-
-  o.kind = RecorderKind::BrioMets;
-  o.lastDay = o.lastDay.addDays(3);
-  storeRecorder(o);
-  ASSERT_TRUE(make(5));
-  ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
-  p = ReadDayProfile(parsed.lines[0]);
-  EXPECT_TRUE(p.any);
-  EXPECT_TRUE(p.metsMode);
-  EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
+  for (RecorderKind kind : {RecorderKind::BrioNormal, RecorderKind::BrioMets}) {
+    o.kind = kind;
+    o.lastDay = o.lastDay.addDays(3);
+    ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
+    ASSERT_TRUE(make(5));
+    InterfaceFile parsed;
+    ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
+    ASSERT_EQ(parsed.lines.size(), 1u);
+    const DayProfile p = ReadDayProfile(parsed.lines[0]);
+    EXPECT_TRUE(p.any);
+    EXPECT_EQ(p.metsMode, kind == RecorderKind::BrioMets);
+    ImageSurface surface(QSize(800, 500));
+    EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
+  }
 }
 
 class EnglishChartIntegration : public ChartIntegration {
@@ -190,10 +171,10 @@ TEST_F(EnglishChartIntegration, MixedUnitsAreReadInTheUnitOfTheLastDay) {
   o.days = 60;
   o.cpuNo = QStringLiteral("123456");
   o.lastDay = QDate(2024, 5, 31);
-  storeRecorder(o);
+  ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
   o.unitFlag = 1;
   o.lastDay = QDate(2024, 6, 30);
-  storeRecorder(o);
+  ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
 
   for (int type : {100, 600, 601, 602, 801, 802, 5}) {
     SCOPED_TRACE(type);

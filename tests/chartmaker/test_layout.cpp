@@ -43,10 +43,7 @@ TEST(ChartLayout, DateLabelsNeverTouchAndKeepTheEnds) {
       if (n > 1 && spans[0].right + gap <= spans.back().left) {
         EXPECT_EQ(dated.back(), n - 1) << n;
       }
-      for (const Span& s : spans) {
-        EXPECT_GE(s.left, 0);
-        EXPECT_LE(s.right, width + 1e-9);
-      }
+      for (const Span& s : spans) EXPECT_TRUE(s.left >= 0 && s.right <= width + 1e-9) << s.left << " " << s.right;
     }
   }
 }
@@ -89,8 +86,7 @@ TEST(ChartLayout, ValueLabelsFitTheirSlotAndClearTheMarker) {
   EXPECT_LT(ValueLabelBase(200, 150, 30, 10), 150);
   EXPECT_EQ(ValueLabelBase(200, 260, 30, 10), 200);
   const QRectF right = PlateRect(QPointF(100, 50), Qt::AlignRight, 40, 12, 10);
-  EXPECT_DOUBLE_EQ(right.right(), 100);
-  EXPECT_DOUBLE_EQ(right.bottom(), 50);
+  EXPECT_EQ(right.bottomRight(), QPointF(100, 50));
   EXPECT_GT(right.width(), 40);
   const QRectF centred = PlateRect(QPointF(100, 50), Qt::AlignHCenter, 40, 12, 10);
   EXPECT_DOUBLE_EQ(centred.center().x(), 100);
@@ -144,8 +140,7 @@ TEST(ChartLayout, ReportTableShrinksRowsBeforeLeavingThemOff) {
     for (double height : {60.0, 200.0, 400.0, 900.0}) {
       const TableFit t = FitTable(height, rows, b);
       EXPECT_LE(t.shown, rows);
-      EXPECT_GE(t.scale, 0.5);
-      EXPECT_LE(t.scale, 1.0);
+      EXPECT_TRUE(t.scale >= 0.5 && t.scale <= 1.0) << t.scale;
       EXPECT_LE((t.shown + 1) * t.rowH, height + 1e-9) << rows << " rows in " << height;
       // Rows are only left off at half height.
       if (t.shown < rows) {

@@ -50,9 +50,6 @@ TEST_F(CliArgs, UsageErrorsExitWithTwoAndSayWhatIsWrong) {
   EXPECT_EQ(r.code, 2);
   EXPECT_TRUE(r.out.contains("Usage: vantora-cli COMMAND"));
   EXPECT_EQ(run({"--help"}).code, 0);
-  r = run({"frobnicate"});
-  EXPECT_EQ(r.code, 2);
-  EXPECT_TRUE(r.err.contains("unknown command: frobnicate"));
   EXPECT_EQ(run({"version", "extra"}).code, 2);
 
   struct Case {
@@ -70,6 +67,7 @@ TEST_F(CliArgs, UsageErrorsExitWithTwoAndSayWhatIsWrong) {
       {{"make-recorder", "--kind", "BRIO_ZR", "--lang", "en", "--days", "3", "--out", "a.img"}, "Japanese recorders only"},
       {{"make-recorder", "--kind", "AL", "--days", "3", "--out", "a.img", "stray"}, "unexpected argument stray"},
       {{"dump"}, "usage: vantora-cli dump FILE"},
+      {{"frobnicate"}, "unknown command: frobnicate"},
   };
   for (const Case& c : cases) {
     r = run(c.args);
@@ -87,9 +85,7 @@ TEST_F(CliArgs, FileNamesCountFromTheCallersFolder) {
   ASSERT_EQ(run(recorder("r1.img"), caller.path()).code, 0);
   ASSERT_EQ(run({"make-recorder", "--kind", "AL", "--days", "2", "--out", "sub/../r2.img"}, caller.path()).code, 0);
   ASSERT_EQ(run(recorder("sub/r3.img"), caller.path()).code, 0);
-  EXPECT_TRUE(QFileInfo::exists(from.filePath("r1.img")));
-  EXPECT_TRUE(QFileInfo::exists(from.filePath("r2.img")));
-  EXPECT_TRUE(QFileInfo::exists(from.filePath("sub/r3.img")));
+  for (const char* made : {"r1.img", "r2.img", "sub/r3.img"}) EXPECT_TRUE(QFileInfo::exists(from.filePath(made))) << made;
   EXPECT_FALSE(QFileInfo::exists(inst.path("bin/r1.img")));
   // An absolute name stays as it is.
   const QString absolute = inst.path("temp/abs.img");
@@ -100,8 +96,7 @@ TEST_F(CliArgs, FileNamesCountFromTheCallersFolder) {
   EXPECT_EQ(r.code, 0) << r.err.toStdString();
   EXPECT_TRUE(r.out.contains("\"kind\": \"PMKIND_BRIO_NORMAL\""));
   r = run({"dump", "r2.img"}, caller.path());
-  EXPECT_EQ(r.code, 0) << r.err.toStdString();
-  EXPECT_TRUE(r.out.startsWith("kind: PMKIND_AL"));
+  EXPECT_TRUE(r.code == 0 && r.out.startsWith("kind: PMKIND_AL")) << r.err.toStdString();
   // Called without a caller's folder the names count from bin/, where it runs.
   ASSERT_EQ(run(recorder("here.img")).code, 0);
   EXPECT_TRUE(QFileInfo::exists(inst.path("bin/here.img")));

@@ -196,7 +196,7 @@ TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
   inst.setConfig("SYSTEM", "LOCALE_SHORTDATE", " ");
   LoadCommonFormat();
   EXPECT_EQ(std::tuple(GetCommonFontName(), GetCommonDateFormat(), GetCommonScreenDateFormat()),
-            std::tuple(QString("Noto Sans CJK JP"), QString("yyyy-MM-dd"), QString("yyyy\-MM\-dd")));
+            std::tuple(QString("Noto Sans CJK JP"), QString("yyyy-MM-dd"), QString("yyyy\\-MM\\-dd")));
   EXPECT_EQ(GetCommonFormBackColor(), 255u + 128u * 256u + 65536u);
   inst.setConfig("SYSTEM", "LOCALE_SHORTDATE", "dd/MM/yyyy");
   inst.setConfig("SYSTEM", "DATESCREEN_YMD", "dd\\/MM\\/yyyy");

@@ -124,21 +124,12 @@ TEST(PlanFiguresTest, OneDayPlanWithoutValidDays) {
   // One day, 1 kg: gap 7000. No activity recorded: average 0, so more = target = 7000.
   // Walking at 70 kg: 7000 x 60 / (70 x 2.8) = 420000 / 196 = 2142.86 -> 2143; the target
   // is 0 + 2143 and the week 15001.
-  PlanRequest q;
-  q.start = q.end = QDate(2024, 7, 1);
-  q.lossKg = 1;
-  q.weightKg = 70;
-  q.averageActivity = "0";
-  const PlanResult r = ComputePlan(q);
+  const PlanResult r =
+      ComputePlan({.start = QDate(2024, 7, 1), .end = QDate(2024, 7, 1), .lossKg = 1, .weightKg = 70, .averageActivity = "0"});
   EXPECT_EQ(r.days, 1);
-  EXPECT_EQ(r.dailyGap, "7000");
-  EXPECT_EQ(r.moreActivity, "7000");
-  EXPECT_EQ(r.targetActivity, "7000");
-  EXPECT_EQ(r.walk.average, "0");
-  EXPECT_EQ(r.walk.more, "2143");
-  EXPECT_EQ(r.walk.target, "2143");
-  EXPECT_EQ(r.walk.weeklyTarget, "15001");
-  EXPECT_EQ(r.fastWalk.average, "");
+  EXPECT_EQ(QStringList({r.dailyGap, r.moreActivity, r.targetActivity}).join(u' '), "7000 7000 7000");
+  EXPECT_EQ(QStringList({r.walk.average, r.walk.more, r.walk.target, r.walk.weeklyTarget, r.fastWalk.average}).join(u' '),
+            "0 2143 2143 15001 ");
 }
 
 TEST(PlanFiguresTest, ShownTargetIsTheSumOfTheShownParts) {
@@ -147,21 +138,14 @@ TEST(PlanFiguresTest, ShownTargetIsTheSumOfTheShownParts) {
   // target shown is 24 + 26 = 50, not 230 x 60 / 280 = 49.29 -> 49; the week 350.
   // 5.0 METs: 110 x 60 / 400 = 16.5 -> 17 (half away from zero); 120 x 60 / 400 = 18;
   // target 35.
-  PlanRequest q;
-  q.start = QDate(2024, 7, 1);
-  q.end = QDate(2024, 8, 4);
-  q.lossKg = 0.6;
-  q.weightKg = 100;
-  q.averageActivity = "110";
-  q.metsAverage = q.metsMore = q.metsTarget = 50;
+  PlanRequest q{.start = QDate(2024, 7, 1), .end = QDate(2024, 8, 4), .lossKg = 0.6, .weightKg = 100,
+                .averageActivity = "110", .metsAverage = 50, .metsMore = 50, .metsTarget = 50};
   PlanResult r = ComputePlan(q);
   EXPECT_EQ(r.days, 35);
   EXPECT_EQ(r.dailyGap, "120");
   EXPECT_EQ(r.targetActivity, "230");
-  EXPECT_EQ((std::vector<QString>{r.walk.average, r.walk.more, r.walk.target, r.walk.weeklyTarget}),
-            (std::vector<QString>{"24", "26", "50", "350"}));
-  EXPECT_EQ((std::vector<QString>{r.activity.average, r.activity.more, r.activity.target}),
-            (std::vector<QString>{"17", "18", "35"}));
+  EXPECT_EQ(QStringList({r.walk.average, r.walk.more, r.walk.target, r.walk.weeklyTarget}).join(u' '), "24 26 50 350");
+  EXPECT_EQ(QStringList({r.activity.average, r.activity.more, r.activity.target}).join(u' '), "17 18 35");
   // A target row set to another activity (8.3 METs) is its own figure: 230 x 60 /
   // (7.3 x 100) = 18.90 -> 19, week 133.
   q.metsTarget = 83;
@@ -174,14 +158,9 @@ TEST(PlanFiguresTest, FoodAndReductionOptions) {
   // A food: 234 kcal x 15 tenths / 10 = 351; 75 x 5 / 10 = 37.5 -> 38.
   EXPECT_EQ(FoodKcalText("234", "15"), "351");
   EXPECT_EQ(FoodKcalText("75", "5"), "38");
-  PlanRequest q;
-  q.start = QDate(2024, 7, 1);
-  q.end = QDate(2024, 9, 30);  // 92 days
-  q.lossKg = 4;                // gap 304
-  q.weightKg = 74.6;
-  q.averageActivity = "518";
-  // Reduction 150: more = 304 - 150 = 154, target 518 + 154 = 672.
-  q.foodReduction = "150";
+  // 92 days, gap 304. Reduction 150: more = 304 - 150 = 154, target 518 + 154 = 672.
+  PlanRequest q{.start = QDate(2024, 7, 1), .end = QDate(2024, 9, 30), .lossKg = 4, .weightKg = 74.6,
+                .averageActivity = "518", .foodReduction = "150"};
   PlanResult r = ComputePlan(q);
   EXPECT_FALSE(r.stopped);
   EXPECT_EQ(r.moreActivity, "154");
@@ -192,9 +171,7 @@ TEST(PlanFiguresTest, FoodAndReductionOptions) {
     q.foodReduction = food;
     r = ComputePlan(q);
     EXPECT_TRUE(r.stopped) << food;
-    EXPECT_EQ(r.message, "DSIM-I-0001");
-    EXPECT_EQ(r.moreActivity, "");
-    EXPECT_EQ(r.walk.target, "");
+    EXPECT_EQ(r.message + u'|' + r.moreActivity + u'|' + r.walk.target, "DSIM-I-0001||") << food;
   }
   // Skipping the test (English opening) computes on: 304 - 351 = -47.
   q.skipFoodTest = true;
@@ -209,24 +186,15 @@ TEST(PlanFiguresTest, RestingRateMethodAndItsZeros) {
   // = 47.25 -> 47.
   EXPECT_EQ(RateMinutes(304, 74.6, 20.7, 3.5), "81");
   EXPECT_EQ(RateMinutes(304, 74.6, 20.7, 6.0), "47");
-  PlanRequest q;
-  q.start = QDate(2024, 7, 1);
-  q.end = QDate(2024, 9, 30);
-  q.lossKg = 4;
-  q.weightKg = 74.6;
-  q.averageActivity = "0";
-  q.method = ActivityMethod::Rmr;
-  q.gender = 1;
-  q.age = 41;
+  PlanRequest q{.start = QDate(2024, 7, 1), .end = QDate(2024, 9, 30), .lossKg = 4, .weightKg = 74.6, .gender = 1,
+                .age = 41, .averageActivity = "0", .method = ActivityMethod::Rmr};
   PlanResult r = ComputePlan(q);
-  EXPECT_EQ(r.walk.more, "81");
-  EXPECT_EQ(r.fastWalk.more, "47");
-  EXPECT_EQ(r.activity.more, "47");  // the activity rows show the brisk walk
+  // The activity rows show the brisk walk.
+  EXPECT_EQ(QStringList({r.walk.more, r.fastWalk.more, r.activity.more}).join(u' '), "81 47 47");
   // An eleven-year-old has no rate: every walking figure is 0.
   q.age = 11;
   r = ComputePlan(q);
-  EXPECT_EQ(r.walk.more, "0");
-  EXPECT_EQ(r.fastWalk.target, "0");
+  EXPECT_EQ(r.walk.more + u' ' + r.fastWalk.target, "0 0");
   // Weight 0 gives 0 minutes by every method; 1.0 METs would divide by zero and gives 0.
   EXPECT_EQ(WalkMinutes(500, 0), "0");
   EXPECT_EQ(MetsMinutes(500, 50, 0), "0");
@@ -273,13 +241,9 @@ TEST(PlanTablesTest, InstalledListsAreUsableInBothEditions) {
     EXPECT_GE(t.periods.size(), 12u) << lang;
     EXPECT_LT(t.periodDefault, static_cast<int>(t.periods.size()));
     EXPECT_EQ(t.foods.size(), 10u) << lang;
-    EXPECT_GE(t.portions.size(), 4u) << lang;
-    EXPECT_GE(t.reductions.size(), 5u) << lang;
-    ASSERT_GE(t.activities.size(), 10u) << lang;
-    for (const ListItem& a : t.activities) {
-      // Every activity must be above rest, or its minutes divide by zero.
-      EXPECT_GT(Val(a.value), 10) << lang << " " << a.text.toStdString();
-    }
+    EXPECT_TRUE(t.portions.size() >= 4 && t.reductions.size() >= 5 && t.activities.size() >= 10) << lang;
+    // Every activity must be above rest, or its minutes divide by zero.
+    for (const ListItem& a : t.activities) EXPECT_GT(Val(a.value), 10) << lang << " " << a.text.toStdString();
     for (const FoodItem& f : t.foods) EXPECT_GT(Val(f.kcal), 0) << f.name.toStdString();
     for (const ListItem& p : t.periods) EXPECT_GT(Val(p.value), 0) << p.text.toStdString();
   }

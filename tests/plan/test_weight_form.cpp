@@ -20,25 +20,15 @@ struct Buttons {
   bool graph, save, reCalc, cancel, options;
 };
 void ExpectButtons(const PlanButtons& b, Buttons want, const char* when) {
-  EXPECT_EQ(b.btnGraph, want.graph) << when;
-  EXPECT_EQ(b.btnSave, want.save) << when;
-  EXPECT_EQ(b.btnReCalc, want.reCalc) << when;
-  EXPECT_EQ(b.btnCancel, want.cancel) << when;
-  EXPECT_EQ(b.actOptions, want.options) << when;
+  EXPECT_EQ(std::tuple(b.btnGraph, b.btnSave, b.btnReCalc, b.btnCancel, b.actOptions),
+            std::tuple(want.graph, want.save, want.reCalc, want.cancel, want.options))
+      << when << " (graph, save, reCalc, cancel, options)";
 }
 // A saved plan of 11 July to 10 October 2024 (3 months, list position 2).
 WeightPlanRecord SavedPlan(const char* start, const char* target, const char* loss, const char* pounds) {
-  WeightPlanRecord r;
-  r.UserId = kUser;
-  r.PeriodIndex = "2";
-  r.StartDate = "20240711";
-  r.EndDate = "20241010";
-  r.StartWeight = start;
-  r.TargetWeight = target;
-  r.Loss = loss;
-  r.DietOption = "False";
-  r.PoundFlag = pounds;
-  return r;
+  return {.UserId = kUser, .PeriodIndex = "2", .StartDate = "20240711", .EndDate = "20241010", .TargetWeight = target,
+          .Loss = loss, .DietOption = "False", .FoodIndex = {}, .PortionIndex = {}, .ReductionIndex = {},
+          .StartWeight = start, .StartHeight = {}, .StartHeightInch = {}, .PoundFlag = pounds};
 }
 
 const Buttons kChanged{false, false, true, true, false};
@@ -193,14 +183,10 @@ TEST_F(WeightForm, SavedPlanComesBackAndUndoReloadsIt) {
 
   auto g = open();
   EXPECT_TRUE(g->restored);
-  EXPECT_EQ(g->record().StartDate, saved.StartDate);
-  EXPECT_EQ(g->record().EndDate, saved.EndDate);
-  EXPECT_EQ(g->record().Loss, "3.0");
-  EXPECT_EQ(g->record().FoodIndex, "9");
-  EXPECT_EQ(g->record().PortionIndex, "0");
-  EXPECT_EQ(g->record().ReductionIndex, "");
-  EXPECT_EQ(g->result.foodReduction, f->result.foodReduction);
-  EXPECT_EQ(g->result.moreActivity, f->result.moreActivity);
+  const WeightPlanRecord r = g->record();
+  EXPECT_EQ(QStringList({r.StartDate, r.EndDate, r.Loss, r.FoodIndex, r.PortionIndex, r.ReductionIndex}).join(u'|'),
+            saved.StartDate + u'|' + saved.EndDate + QStringLiteral("|3.0|9|0|"));
+  EXPECT_EQ(g->result.foodReduction + u'|' + g->result.moreActivity, f->result.foodReduction + u'|' + f->result.moreActivity);
   ExpectButtons(g->buttons, kSaved, "opened with a saved plan");
 
   ASSERT_TRUE(g->lossLeft("6"));
@@ -239,31 +225,27 @@ TEST_F(WeightForm, EditionsTreatAPlanSavedInTheOtherUnitDifferently) {
   ASSERT_TRUE(SetWeightPlan(db_, inPounds));
   auto f = open();
   EXPECT_FALSE(f->poundMode);
-  EXPECT_EQ(f->startWeight, "68.0");
-  EXPECT_EQ(f->targetWeight, "63.5");
-  EXPECT_EQ(f->loss, "4.5");
+  EXPECT_EQ(QStringList({f->startWeight, f->targetWeight, f->loss}).join(u' '), "68.0 63.5 4.5");
   EXPECT_TRUE(f->userName.startsWith(GetIniCaption("SIMULATION", "CAPTION_USER_NAME") + " Hana"));
   // Japanese: the saved figures stand as they are.
   install("ja");
   ASSERT_TRUE(SetWeightPlan(db_, inPounds));
   f = open();
-  EXPECT_EQ(f->startWeight, "150");
-  EXPECT_EQ(f->loss, "10");
+  EXPECT_EQ(f->startWeight + u' ' + f->loss, "150 10");
 }
 
 TEST_F(WeightForm, EnglishOpeningSkipsTheFoodTestJapaneseStops) {
   WeightPlanRecord bigDiet = SavedPlan("60.0", "59.0", "1.0", "0");
   bigDiet.DietOption = "True";
   bigDiet.ReductionIndex = "11";  // 700 kcal a day against a gap of 76
-  install("en");
-  ASSERT_TRUE(SetWeightPlan(db_, bigDiet));
-  auto f = open();
-  EXPECT_FALSE(f->result.stopped);
-  EXPECT_TRUE(inst_->dialog().shown.empty());
-  install("ja");
-  ASSERT_TRUE(SetWeightPlan(db_, bigDiet));
-  f = open();
-  EXPECT_TRUE(f->result.stopped);
-  EXPECT_EQ(f->lastMessage, "DSIM-I-0001");
-  ExpectButtons(f->buttons, kChanged, "stopped at opening");
+  for (const char* lang : {"en", "ja"}) {
+    install(lang);
+    ASSERT_TRUE(SetWeightPlan(db_, bigDiet));
+    auto f = open();
+    const bool ja = *lang == 'j';
+    EXPECT_EQ(f->result.stopped, ja) << lang;
+    EXPECT_EQ(f->lastMessage, ja ? "DSIM-I-0001" : "") << lang;
+    EXPECT_EQ(inst_->dialog().shown.empty(), !ja) << lang;
+  }
+  ExpectButtons(open()->buttons, kChanged, "stopped at opening");
 }

@@ -5,7 +5,9 @@
 
 #include <QDate>
 #include <QFile>
+#include <QImage>
 #include <QProcess>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <cmath>
@@ -268,20 +270,15 @@ inline QString SimText(const Options& o) {
 }
 
 inline QString HeaderText(bool japanese, const QDate& start, const QDate& end) {
-  QStringList l;
-  if (japanese) {
-    l << QStringLiteral("山田 花子,,,はなこ,健康教室A");
-    l << QStringLiteral("毎日の散歩を続けています");
-    l << QStringLiteral("45,女性,,158 cm,55.0 kg");
-  } else {
-    l << QStringLiteral("Margaret,Anne,Holloway,Maggie,Tuesday walkers");
-    l << QStringLiteral("Walks to work on weekdays");
-    l << QStringLiteral("52,Female,,5' 4\",152 lbs.");
-  }
-  l << Ymd(start) + QLatin1Char(',') + Ymd(end) + QStringLiteral(",5, 1");
-  l << QStringLiteral("8000,1800,30,4,7");
-  l << QStringLiteral("\"First Date, Last Date, 50 Step and under/day\"");
-  l << (japanese ? QStringLiteral("さくら健康クリニック") : QStringLiteral("Riverside Health Centre"));
+  const QStringList person =
+      japanese ? QStringList{QStringLiteral("山田 花子,,,はなこ,健康教室A"), QStringLiteral("毎日の散歩を続けています"),
+                             QStringLiteral("45,女性,,158 cm,55.0 kg")}
+               : QStringList{QStringLiteral("Margaret,Anne,Holloway,Maggie,Tuesday walkers"),
+                             QStringLiteral("Walks to work on weekdays"), QStringLiteral("52,Female,,5' 4\",152 lbs.")};
+  const QStringList l = person + QStringList{Ymd(start) + QLatin1Char(',') + Ymd(end) + QStringLiteral(",5, 1"),
+                                             QStringLiteral("8000,1800,30,4,7"),
+                                             QStringLiteral("\"First Date, Last Date, 50 Step and under/day\""),
+                                             japanese ? QStringLiteral("さくら健康クリニック") : QStringLiteral("Riverside Health Centre")};
   return l.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n");
 }
 
@@ -296,6 +293,14 @@ inline bool WriteInterface(const QString& path, const Options& o) {
   if (!WriteText(path, InterfaceText(o))) return false;
   if (o.type / 100 == 8) return WriteText(path + QStringLiteral(".sim"), SimText(o));
   return true;
+}
+
+// Number of distinct colours in a sample of every step-th pixel: a blank picture has one.
+inline int DistinctColours(const QImage& img, int step = 5) {
+  QSet<QRgb> seen;
+  for (int y = 0; y < img.height(); y += step)
+    for (int x = 0; x < img.width(); x += step) seen.insert(img.pixel(x, y));
+  return static_cast<int>(seen.size());
 }
 
 // The text of a PDF file as pdftotext lays it out; empty without pdftotext.

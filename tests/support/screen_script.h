@@ -6,9 +6,12 @@
 #include <QApplication>
 #include <QDialog>
 #include <QPointer>
+#include <QPushButton>
 #include <QTimer>
+#include <QtTest/QTest>
 #include <deque>
 #include <functional>
+#include <gtest/gtest.h>
 
 class ScreenScript : public QObject {
  public:
@@ -20,6 +23,16 @@ class ScreenScript : public QObject {
     timer_.start();
   }
   void then(const QString& screen, Action action) { steps_.push_back({screen, std::move(action)}); }
+  // A step that only clicks one button of the screen.
+  ScreenScript& thenClick(const QString& screen, const char* button) {
+    then(screen, [button](QDialog* s) {
+      auto* b = s->findChild<QPushButton*>(QLatin1String(button));
+      if (b) return QTest::mouseClick(b, Qt::LeftButton);
+      ADD_FAILURE() << "no button " << button << " on " << s->objectName().toStdString();
+      s->reject();
+    });
+    return *this;
+  }
   bool finished() const { return steps_.empty(); }
   // Stops watching (the run it was written for has ended).
   void stop() { timer_.stop(); }

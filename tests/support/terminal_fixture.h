@@ -99,28 +99,9 @@ class TerminalTest : public ::testing::Test {
     return *window;
   }
 
-  // Puts a generated recorder on the reader.
-  void placeRecorder(const RecorderImageOptions& o, const QString& name = QStringLiteral("recorder.img")) {
-    QString error;
-    ASSERT_TRUE(WriteRecorderImage(o, inst.readerPath() + QLatin1Char('/') + name, &error)) << error.toStdString();
-  }
-  void takeRecorder(const QString& name = QStringLiteral("recorder.img")) {
-    QFile::remove(inst.readerPath() + QLatin1Char('/') + name);
-  }
-
-  static RecorderImageOptions Recorder(int days, const QDate& lastDay, const QString& cpu = QStringLiteral("A1B2C3")) {
-    RecorderImageOptions o;
-    o.days = days;
-    o.lastDay = lastDay;
-    o.cpuNo = cpu;
-    o.seed = 7;
-    return o;
-  }
-
-  template <typename T>
-  T* find(const char* name) {
-    return window->findChild<T*>(QString::fromLatin1(name));
-  }
+  // Puts the sample recorder on the reader, or takes it away.
+  void placeRecorder(int days, const QDate& lastDay) { PlaceRecorder(inst, SampleRecorder(days, lastDay)); }
+  void takeRecorder() { QFile::remove(inst.readerPath() + QStringLiteral("/recorder.img")); }
 
   int daysOf(const QString& userId) {
     QDate f;

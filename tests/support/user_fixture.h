@@ -10,10 +10,7 @@ class UserScreenFixture : public ReceiveFixture {
  protected:
   void SetUp() override { setUpEdition(QStringLiteral("ja")); }
 
-  // One installation at a time: the old one puts the process back when it goes.
   void setUpEdition(const QString& lang) {
-    db.reset();
-    inst.reset();
     ReceiveFixture::setUpEdition(lang);
     if (HasFatalFailure()) return;
     const QDir images(QStringLiteral(VANTORA_SOURCE_DIR "/dist/common/images"));

@@ -21,11 +21,9 @@ TEST(SetIniPictureTest, ShowsAReadablePictureAndKeepsTheOldOneOtherwise) {
   image.fill(Qt::red);
   ASSERT_TRUE(image.save(good));
   const QString broken = inst.path(QStringLiteral("images/broken.png"));
-  {
-    QFile f(broken);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write("not a picture at all");
-  }
+  QFile f(broken);
+  ASSERT_TRUE(f.open(QIODevice::WriteOnly) && f.write("not a picture at all") > 0);
+  f.close();
   inst.setResource(QStringLiteral("TEST"), QStringLiteral("GOOD"), good);
   inst.setResource(QStringLiteral("TEST"), QStringLiteral("BROKEN"), broken);
   inst.setResource(QStringLiteral("TEST"), QStringLiteral("MISSING"),
@@ -35,10 +33,10 @@ TEST(SetIniPictureTest, ShowsAReadablePictureAndKeepsTheOldOneOtherwise) {
   SetIniPicture(label, QStringLiteral("TEST"), QStringLiteral("GOOD"));
   ASSERT_EQ(label.pixmap().size(), QSize(24, 16));
 
-  SetIniPicture(label, QStringLiteral("TEST"), QStringLiteral("BROKEN"));
-  EXPECT_EQ(label.pixmap().size(), QSize(24, 16));
-  SetIniPicture(label, QStringLiteral("TEST"), QStringLiteral("MISSING"));
-  EXPECT_EQ(label.pixmap().size(), QSize(24, 16));
+  for (const char* key : {"BROKEN", "MISSING"}) {
+    SetIniPicture(label, QStringLiteral("TEST"), QLatin1String(key));
+    EXPECT_EQ(label.pixmap().size(), QSize(24, 16)) << key;
+  }
 
   const QString log = inst.traceText();
   EXPECT_TRUE(log.contains(QStringLiteral("SetIniPicture "))) << log.toStdString();

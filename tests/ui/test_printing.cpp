@@ -53,13 +53,6 @@ bool Shown(const RecordingDialog& d, const QString& code, const QString& extra =
   return false;
 }
 
-// A line of the trace log: "date time|level|name (padded)|message".
-bool HasLine(const QString& log, const QString& level, const QString& name, const QString& message) {
-  const QRegularExpression re(QStringLiteral("\\|%1\\|%2 *\\|%3\\r?\\n")
-                                  .arg(level, QRegularExpression::escape(name), QRegularExpression::escape(message)));
-  return re.match(log).hasMatch();
-}
-
 class PrintingTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -87,41 +80,36 @@ TEST(PaperNumbers, MapBothWaysAndKeepSizesWithoutANumber) {
     ASSERT_TRUE(ChartMaker::PaperFromNumber(number, back)) << number;
     EXPECT_EQ(back, static_cast<int>(id)) << number;
   }
-  EXPECT_EQ(ChartMaker::PaperNumberOf(QPageSize::A4), 9);
-  EXPECT_EQ(ChartMaker::PaperNumberOf(QPageSize::Letter), 1);
+  EXPECT_EQ(std::pair(ChartMaker::PaperNumberOf(QPageSize::A4), ChartMaker::PaperNumberOf(QPageSize::Letter)), std::pair(9, 1));
   // A size without a number of its own is carried above the platform's numbers.
   EXPECT_GE(ChartMaker::PaperNumberOf(QPageSize::A0), ChartMaker::kPrinterOwnPaper);
   EXPECT_EQ(ChartMaker::PaperNumberOf(QPageSize::Custom), 0);
   int id = -1;
-  EXPECT_FALSE(ChartMaker::PaperFromNumber(0, id));
-  EXPECT_FALSE(ChartMaker::PaperFromNumber(ChartMaker::kPrinterOwnPaper + QPageSize::Custom, id));
-  EXPECT_FALSE(ChartMaker::PaperFromNumber(ChartMaker::kPrinterOwnPaper + 100000, id));
+  for (int number : {0, ChartMaker::kPrinterOwnPaper + QPageSize::Custom, ChartMaker::kPrinterOwnPaper + 100000})
+    EXPECT_FALSE(ChartMaker::PaperFromNumber(number, id)) << number;
 }
 
 TEST_F(PrintingTest, DefaultPaperFollowsLanguageUnlessPaperSizeIsSet) {
   FixedPrinterCatalog c = TwoPrinters();
   c.defaultName = QStringLiteral("Office");
   PrinterSetupLogic logic(c, true);
-  ASSERT_TRUE(logic.load());
-  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 9);  // LANG 0: A4
-
-  inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("LANG"), QStringLiteral("1"));
-  ASSERT_TRUE(logic.load());
-  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 1);  // Letter
-
-  inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("PAPER_SIZE"), QStringLiteral(" 9 "));
-  ASSERT_TRUE(logic.load());
-  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 9);
+  auto paper = [&logic] { return logic.papers()[static_cast<size_t>(logic.paperIndex())].number; };
+  // LANG 0: A4, LANG 1: Letter; a configured paper whatever the language.
+  for (const auto& [section, key, value, number] :
+       {std::tuple{"SYSTEM", "LANG", "0", 9}, {"SYSTEM", "LANG", "1", 1}, {"OTHER", "PAPER_SIZE", " 9 ", 9}}) {
+    inst.setConfig(QLatin1String(section), QLatin1String(key), QLatin1String(value));
+    ASSERT_TRUE(logic.load());
+    EXPECT_EQ(paper(), number) << key << "=" << value;
+  }
   // A number the printer lacks leaves the first paper; a printer with none, an empty list.
   logic.selectPrinter(1);
   EXPECT_EQ(logic.paperIndex(), 0);
   logic.selectPrinter(2);
-  EXPECT_TRUE(logic.papers().empty());
-  EXPECT_EQ(logic.paperIndex(), -1);
+  EXPECT_TRUE(logic.papers().empty() && logic.paperIndex() == -1);
   // The PDF entry offers the common sizes and takes the same rule.
   logic.selectPrinter(3);
   ASSERT_TRUE(logic.isPdfEntry(3));
-  EXPECT_EQ(logic.papers()[static_cast<size_t>(logic.paperIndex())].number, 9);
+  EXPECT_EQ(paper(), 9);
 }
 
 TEST_F(PrintingTest, LastChoiceHoldsForTheProcessAndCancelKeepsIt) {
@@ -139,23 +127,20 @@ TEST_F(PrintingTest, LastChoiceHoldsForTheProcessAndCancelKeepsIt) {
     EXPECT_EQ(first.result(), QDialog::Accepted);
   }
   EXPECT_FALSE(GetModalFormOpen());
-  EXPECT_EQ(GetChosenPrinter(), QStringLiteral("Office"));
-  EXPECT_EQ(GetChosenPaper(), 1);
+  EXPECT_EQ(std::pair(GetChosenPrinter(), GetChosenPaper()), std::pair(QStringLiteral("Office"), 1));
   {
     frmPrinterSetup second(c, QString());
     EXPECT_EQ(second.cmbPrinter->currentText(), QStringLiteral("Office"));
     second.btnCancel->click();
   }
-  EXPECT_EQ(GetChosenPrinter(), QString());
-  EXPECT_EQ(GetChosenPaper(), 0);
+  EXPECT_EQ(std::pair(GetChosenPrinter(), GetChosenPaper()), std::pair(QString(), 0));
   EXPECT_EQ(GetPrinterName(), QStringLiteral("Office"));
   frmPrinterSetup third(c, QString());
   EXPECT_EQ(third.cmbPrinter->currentText(), QStringLiteral("Office"));
   // Nothing of it reaches the configuration.
   EXPECT_TRUE(Ini_GetPrinterName().isEmpty());
-  const QString log = inst.traceText();
-  EXPECT_TRUE(HasLine(log, QStringLiteral("0"), QStringLiteral("frmPrinterSetup"), QStringLiteral("btnOK_Click Start")));
-  EXPECT_TRUE(HasLine(log, QStringLiteral("0"), QStringLiteral("frmPrinterSetup"), QStringLiteral("btnCancel_Click Start")));
+  for (const char* line : {"btnOK_Click Start", "btnCancel_Click Start"})
+    EXPECT_TRUE(inst.logged(QStringLiteral("0"), QStringLiteral("frmPrinterSetup"), QLatin1String(line))) << line;
 }
 
 TEST_F(PrintingTest, WithoutPrintersOnlyThePdfEntryOrTheMessage) {
@@ -203,7 +188,7 @@ TEST_F(PrintingTest, ResultCodesReachLogAndPerson) {
     const QString log = inst.traceText();
     if (c.line) {
       const QStringList parts = QString::fromLatin1(c.line).split(QLatin1Char('|'));
-      EXPECT_TRUE(HasLine(log, parts[0], QStringLiteral("ChartMaker"), parts[1])) << c.code << log.toStdString();
+      EXPECT_TRUE(inst.logged(parts[0], QStringLiteral("ChartMaker"), parts[1])) << c.code << log.toStdString();
     } else {
       EXPECT_FALSE(log.contains(QRegularExpression(QStringLiteral("\\|ChartMaker *\\|")))) << c.code;
     }
@@ -229,18 +214,16 @@ TEST_F(PrintingTest, ConfiguredPrinterFallsBackToTheDefaultAndTheDirectoryComesB
   inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("PRINTER"), QStringLiteral("Gone"));
   inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("PAPER_SIZE"), QStringLiteral("11"));
   const QString cwd = QDir::currentPath();
-  const auto code = PrintOnConfiguredPrinter(maker, c, QStringLiteral("../temp/HED.txt"), QStringLiteral("../temp/INT.txt"));
-  ASSERT_TRUE(code.has_value());
-  EXPECT_EQ(*code, 0);
+  EXPECT_EQ(PrintOnConfiguredPrinter(maker, c, QStringLiteral("../temp/HED.txt"), QStringLiteral("../temp/INT.txt")),
+            std::optional<int>(0));
   EXPECT_EQ(QDir::currentPath(), cwd);
   EXPECT_EQ(Ini_GetPrinterName(), QStringLiteral("Kitchen"));
   EXPECT_EQ(printer->printed, QStringList{QStringLiteral("Kitchen|A5")});
-  const QString log = inst.traceText();
   for (const QString& line : {QStringLiteral("GetAbsolutePath(g_sHeaderFileName) = ") + header,
                               QStringLiteral("GetAbsolutePath(g_sInterfaceFileName) = ") + iface,
                               QStringLiteral("Ini_GetPrinterName = Kitchen"), QStringLiteral("Ini_GetPrintPaper = 11"),
                               QStringLiteral("lChartProcessRet = 0"), QStringLiteral("PrintChart After")})
-    EXPECT_TRUE(HasLine(log, QStringLiteral("0"), QStringLiteral("DrawChart"), line)) << line.toStdString();
+    EXPECT_TRUE(inst.logged(QStringLiteral("0"), QStringLiteral("DrawChart"), line)) << line.toStdString();
 }
 
 TEST_F(PrintingTest, PrintCurrentChartPrintsTheChosenPrinterOrNothing) {
@@ -274,8 +257,7 @@ TEST_F(PrintingTest, PrintCurrentChartPrintsTheChosenPrinterOrNothing) {
   printer->answer = chartcode::kPrintUnknownPrinter;
   EXPECT_EQ(PrintCurrentChart(r), std::optional<int>(130));
   EXPECT_TRUE(Shown(inst.dialog(), QStringLiteral("USEL-C-0004"), QStringLiteral("(DLL)ChartMaker ERROR")));
-  EXPECT_EQ(redraws, 3);
-  EXPECT_EQ(updates, 3);  // a cancelled choice ends before the states
+  EXPECT_EQ(std::pair(redraws, updates), std::pair(3, 3));  // a cancelled choice ends before the states
 }
 
 // A person saves the month report as PDF through the printer screen, in each edition
@@ -314,8 +296,7 @@ TEST(SaveAsPdfScenario, TheReportLandsInTheChosenFileWithItsText) {
     };
     ASSERT_EQ(PrintCurrentChart(r), std::optional<int>(0));
     EXPECT_EQ(offered, inst.path(QStringLiteral("docs/山田_花子_2024-06.pdf")));
-    EXPECT_EQ(GetChosenPrinter(), QStringLiteral("pdf:") + pdf);
-    EXPECT_EQ(GetChosenPaper(), ja ? 9 : 1);
+    EXPECT_EQ(std::pair(GetChosenPrinter(), GetChosenPaper()), std::pair(QStringLiteral("pdf:") + pdf, ja ? 9 : 1));
     ASSERT_TRUE(QFileInfo(pdf).size() > 1000);
     if (QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty()) GTEST_SKIP() << "no pdftotext";
     // The month report of that person, text that can be found and copied.

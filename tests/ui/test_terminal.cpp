@@ -67,7 +67,7 @@ TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUse
   frmTerminal& w = open();
   QSignalSpy drawn(&w, &frmTerminal::chartDrawn);
   screens.newCpu = {ReceiveQuestions::NewCpuAnswer::CreateUser};
-  placeRecorder(Recorder(10, kLastDay));
+  placeRecorder(10, kLastDay);
   ASSERT_TRUE(WaitUntil([] { return GetScreenState() == kStateJob; }));
   EXPECT_EQ(screens.asked, QStringList({QStringLiteral("NewCPU"), QStringLiteral("UserRegist")}));
   const QString userId = screens.lastRegisteredId;
@@ -78,14 +78,11 @@ TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUse
   ASSERT_GE(drawn.count(), 1);
   EXPECT_EQ(drawn.last().at(0).toInt(), 100);
   EXPECT_FALSE(w.pictureContents->image().isNull());
-  EXPECT_EQ(w.rangeState().dtDateEnd, kLastDay);
-  EXPECT_EQ(w.rangeState().dtDateStart, kLastDay.addDays(-6));
+  EXPECT_EQ(std::pair(w.rangeState().dtDateStart, w.rangeState().dtDateEnd), std::pair(kLastDay.addDays(-6), kLastDay));
   EXPECT_EQ(w.lblUserNickName->text(), QStringLiteral("山田 花子"));
   EXPECT_TRUE(w.lblSama->isVisible());
   EXPECT_TRUE(w.btnReceive->isEnabled()) << "the recorder is still on the reader";
-  EXPECT_TRUE(GetRecorderHandled());
-  EXPECT_FALSE(GetReceiveRunning());
-  EXPECT_FALSE(GetModalFormOpen());
+  EXPECT_EQ(std::tuple(GetRecorderHandled(), GetReceiveRunning(), GetModalFormOpen()), std::tuple(true, false, false));
 
   // Taken off: the next tick clears the mark; put back three days later: received again
   // for the same user, no question asked.
@@ -93,7 +90,7 @@ TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUse
   ASSERT_TRUE(WaitUntil([] { return !GetRecorderHandled(); }));
   EXPECT_FALSE(w.btnReceive->isEnabled());
   screens.asked.clear();
-  placeRecorder(Recorder(13, kLastDay.addDays(3)));
+  placeRecorder(13, kLastDay.addDays(3));
   ASSERT_TRUE(WaitUntil([&] { return daysOf(userId) == 13; }));
   ASSERT_TRUE(WaitUntil([] { return !GetReceiveRunning(); }));
   EXPECT_TRUE(screens.asked.isEmpty()) << screens.asked.join(u',').toStdString();
@@ -126,7 +123,7 @@ TEST_F(TerminalTest, TheNewRecorderQuestionAnsweredOnTheRealScreensRegistersAndD
     }
   });
   person.start(20);
-  placeRecorder(Recorder(8, kLastDay));
+  placeRecorder(8, kLastDay);
   ASSERT_TRUE(WaitUntil([] { return GetScreenState() == kStateJob && !GetReceiveRunning(); }))
       << answered.join(u',').toStdString();
   person.stop();
@@ -135,8 +132,7 @@ TEST_F(TerminalTest, TheNewRecorderQuestionAnsweredOnTheRealScreensRegistersAndD
   EXPECT_EQ(w.lblUserNickName->text(), QStringLiteral("森 さくら"));
   EXPECT_EQ(daysOf(GetCurrentUserId()), 8);
   EXPECT_FALSE(w.pictureContents->image().isNull());
-  EXPECT_EQ(w.rangeState().chartKind, 100);
-  EXPECT_EQ(w.rangeState().dtDateEnd, kLastDay);
+  EXPECT_EQ(std::pair(w.rangeState().chartKind, w.rangeState().dtDateEnd), std::pair(100, kLastDay));
   EXPECT_FALSE(GetModalFormOpen());
 }
 
@@ -154,7 +150,7 @@ TEST_F(TerminalTest, CancelDuringThePagesStoresNothingAndTheWindowStaysOnItsFace
   });
   presser.start(0);
   screens.newCpu = {ReceiveQuestions::NewCpuAnswer::CreateUser};
-  placeRecorder(Recorder(40, kLastDay));
+  placeRecorder(40, kLastDay);
   ASSERT_TRUE(WaitUntil([&] { return !screens.lastRegisteredId.isEmpty() && !GetReceiveRunning(); }));
   presser.stop();
   EXPECT_GE(pagesWhenPressed, 3);
@@ -162,8 +158,7 @@ TEST_F(TerminalTest, CancelDuringThePagesStoresNothingAndTheWindowStaysOnItsFace
   EXPECT_EQ(GetScreenState(), kStateUserSelect);
   EXPECT_EQ(qobject_cast<QStackedWidget*>(w.lvUserList->parentWidget()->parentWidget())->currentIndex(), 0);
   EXPECT_EQ(w.lvUserList->count(), 1) << "the user registered on the way stays";
-  EXPECT_EQ(TopLevel("frmRecvData"), nullptr);
-  EXPECT_EQ(TopLevel("frmRecvManagement"), nullptr);
+  EXPECT_TRUE(!TopLevel("frmRecvData") && !TopLevel("frmRecvManagement")) << "the receive's screens are closed";
   // The recorder stays marked: it does not start again by itself.
   QTest::qWait(120);
   EXPECT_EQ(daysOf(screens.lastRegisteredId), 0);
@@ -175,7 +170,7 @@ TEST_F(TerminalTest, ARecorderPlacedWhileRegistrationIsOpenIsNotReceivedWhenItCl
   frmTerminal& w = open();
   screens.registName = QStringLiteral("佐藤 一郎");
   screens.duringRegist = [this] {
-    placeRecorder(Recorder(5, kLastDay));
+    placeRecorder(5, kLastDay);
     QTest::qWait(150);  // several ticks with the screen open
   };
   w.btnUserNew->click();
@@ -185,8 +180,7 @@ TEST_F(TerminalTest, ARecorderPlacedWhileRegistrationIsOpenIsNotReceivedWhenItCl
   EXPECT_EQ(daysOf(screens.lastRegisteredId), 0);
   EXPECT_EQ(screens.asked, QStringList({QStringLiteral("UserRegist")}));
   EXPECT_EQ(w.lvUserList->count(), 1);
-  EXPECT_TRUE(w.btnReceive->isEnabled());
-  EXPECT_TRUE(w.mnuReceive->isEnabled());
+  EXPECT_TRUE(w.btnReceive->isEnabled() && w.mnuReceive->isEnabled());
 
   // Taken off and placed again: now it is received.
   takeRecorder();
@@ -194,7 +188,7 @@ TEST_F(TerminalTest, ARecorderPlacedWhileRegistrationIsOpenIsNotReceivedWhenItCl
   screens.newCpu = {ReceiveQuestions::NewCpuAnswer::SelectUser};
   screens.selected = {screens.lastRegisteredId};
   screens.yesNo = {true};
-  placeRecorder(Recorder(5, kLastDay));
+  placeRecorder(5, kLastDay);
   ASSERT_TRUE(WaitUntil([&] { return daysOf(screens.lastRegisteredId) == 5; }));
 }
 
@@ -205,7 +199,7 @@ class NavigationTest : public TerminalTest {
     VtDatabase seed;
     seed.open(inst.dbFile(), kDefaultDbPassword);
     ASSERT_TRUE(VTDB_SetUserInfo(seed, SampleUser(kUser)));
-    ASSERT_EQ(StoreRecorderDays(seed, kUser, Recorder(60, kLastDay)), QString());
+    ASSERT_EQ(StoreRecorderDays(seed, kUser, SampleRecorder(60, kLastDay)), QString());
     VTDB_Close(seed);
     inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("SAVE_LAST_USER"), QStringLiteral("1"));
     inst.setConfig(QStringLiteral("OTHER"), QStringLiteral("LAST_USER_ID"), kUser);
@@ -223,12 +217,9 @@ TEST_F(NavigationTest, TheRememberedUserOpensOnTheWeekAndEveryButtonMovesTheWind
   EXPECT_EQ(GetCurrentUserId(), kUser);
   const QDate first = w.rangeState().rangeFirst;
   const QDate last = w.rangeState().rangeLast;
-  EXPECT_EQ(last, kLastDay);
-  EXPECT_EQ(first.daysTo(last), 59);
-  EXPECT_EQ(kind(), 100);
-  EXPECT_EQ(start(), last.addDays(-6));
-  EXPECT_TRUE(w.btnDateLatest->isChecked());
-  EXPECT_TRUE(w.btnWeek->isChecked());
+  EXPECT_EQ(std::pair(first, last), std::pair(kLastDay.addDays(-59), kLastDay));
+  EXPECT_EQ(std::pair(kind(), start()), std::pair(100, last.addDays(-6)));
+  EXPECT_TRUE(w.btnDateLatest->isChecked() && w.btnWeek->isChecked());
 
   w.btnDateBack->click();
   EXPECT_EQ(end(), last.addDays(-1));
@@ -276,9 +267,7 @@ TEST_F(NavigationTest, TheRememberedUserOpensOnTheWeekAndEveryButtonMovesTheWind
   w.btnBack->click();
   EXPECT_EQ(GetScreenState(), kStateUserSelect);
   ASSERT_EQ(w.lvUserList->count(), 1);
-  EXPECT_TRUE(w.lvUserList->item(0)->isSelected());
-  EXPECT_TRUE(w.btnUserEdit->isEnabled());
-  EXPECT_TRUE(w.mnuDeleteUser->isEnabled());
+  EXPECT_TRUE(w.lvUserList->item(0)->isSelected() && w.btnUserEdit->isEnabled() && w.mnuDeleteUser->isEnabled());
   Q_EMIT w.lvUserList->itemDoubleClicked(w.lvUserList->item(0));
   EXPECT_EQ(GetScreenState(), kStateJob);
   EXPECT_EQ(Ini_GetLastUserId(), kUser);
@@ -326,8 +315,7 @@ TEST_F(TerminalTest, SortOrdersAreStoredAtOnceAndALongNameIsCutBeforeTheHonorifi
   w.mnuNameAscend->trigger();
   EXPECT_EQ(names().first(), b);
   EXPECT_EQ(Ini_GetSortOrder(), 2);
-  EXPECT_TRUE(w.mnuNameAscend->isChecked());
-  EXPECT_FALSE(w.mnuRegistDescend->isChecked());
+  EXPECT_TRUE(w.mnuNameAscend->isChecked() && !w.mnuRegistDescend->isChecked());
 
   // The user with the long name: cut character by character, honorific kept.
   w.lvUserList->setCurrentRow(names().indexOf(c));
@@ -338,9 +326,8 @@ TEST_F(TerminalTest, SortOrdersAreStoredAtOnceAndALongNameIsCutBeforeTheHonorifi
   EXPECT_TRUE(QString(20, QChar(u'長')).startsWith(shown));
   EXPECT_TRUE(w.lblSama->isVisible());
   EXPECT_LE(w.lblSama->geometry().right(), w.width());
-  EXPECT_FALSE(w.btnPrint->isEnabled()) << "a user without data has nothing to print";
-  EXPECT_FALSE(w.picGraphBtn->isEnabled());
-  EXPECT_FALSE(w.mnuReport->isEnabled());
+  EXPECT_FALSE(w.btnPrint->isEnabled() || w.picGraphBtn->isEnabled() || w.mnuReport->isEnabled())
+      << "a user without data has nothing to print";
 }
 
 // ---- the decisions without a window ----
@@ -350,20 +337,23 @@ TEST(TerminalLogicTest, PollingMarksSeenWhileAScreenIsOpenAndForgetsARemovedReco
   FakeReader reader;
   NoWaitClock clock;
   DeviceState state;
-  reader.openResult = 0;
-  EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::Nothing);
-  reader.openResult = 5;
-  EXPECT_EQ(PollingTick(reader, clock, state, true), TickAction::Minimized);
-  EXPECT_FALSE(GetRecorderHandled()) << "minimized: not marked as seen";
+  struct Tick {
+    int reader;  // what opening the reader answers
+    bool minimized, screenOpen;
+    TickAction action;
+    bool handled;  // the recorder marked as seen afterwards
+  };
+  // Minimized: not marked as seen; a screen open: marked, not started.
+  const Tick ticks[] = {{0, false, false, TickAction::Nothing, false},       {5, true, false, TickAction::Minimized, false},
+                        {5, false, true, TickAction::MarkedSeen, true},      {5, false, true, TickAction::StillConnected, true},
+                        {5, false, false, TickAction::StillConnected, true}, {0, false, false, TickAction::RecorderGone, false}};
+  for (const Tick& t : ticks) {
+    reader.openResult = t.reader;
+    SetModalFormOpen(t.screenOpen);
+    EXPECT_EQ(PollingTick(reader, clock, state, t.minimized), t.action) << static_cast<int>(&t - ticks);
+    EXPECT_EQ(GetRecorderHandled(), t.handled) << static_cast<int>(&t - ticks);
+  }
   EXPECT_EQ(reader.count(QStringLiteral("Tavo_Close")), 1);
-  SetModalFormOpen(true);
-  EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::MarkedSeen);
-  EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::StillConnected);
-  SetModalFormOpen(false);
-  EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::StillConnected);
-  reader.openResult = 0;
-  EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::RecorderGone);
-  EXPECT_FALSE(GetRecorderHandled());
   reader.openResult = 6;
   EXPECT_EQ(PollingTick(reader, clock, state, false), TickAction::StartReceive);
   EXPECT_EQ(clock.totalWaitedMs(), 7 * 100) << "each tick pauses 100 ms before asking";
@@ -387,8 +377,7 @@ TEST(TerminalLogicTest, NoDataTurnsTheReportOffAndTheNameCutKeepsWholeCharacters
   u.LAST_NAME = QStringLiteral("Lee");
   EXPECT_EQ(NameLineText(u, true), QStringLiteral("Anne Lee"));
   u.MIDDLE_NAME = QStringLiteral("M");
-  EXPECT_EQ(NameLineText(u, true), QStringLiteral("Anne M Lee"));
-  EXPECT_EQ(NameLineText(u, false), QStringLiteral("Anne"));
+  EXPECT_EQ(NameLineText(u, true) + u'|' + NameLineText(u, false), QStringLiteral("Anne M Lee|Anne"));
 }
 
 }  // namespace

@@ -14,11 +14,9 @@ using Mode = UserFormLogic::Mode;
 }  // namespace
 
 TEST(UserInputFilters, KeepWhatTheFieldsMayHold) {
-  EXPECT_EQ(FilterWholeNumber(QStringLiteral("0123")), QStringLiteral("123"));
-  EXPECT_EQ(FilterWholeNumber(QStringLiteral("0")), QStringLiteral("0"));
-  EXPECT_EQ(FilterWholeNumber(QStringLiteral("000")), QStringLiteral("0"));
-  EXPECT_EQ(FilterWholeNumber(QStringLiteral("1a2-3.4")), QStringLiteral("1234"));
-  EXPECT_EQ(FilterWholeNumber(QStringLiteral("１２")), QString());  // full-width digits are not digits here
+  // Full-width digits are not digits here.
+  for (const auto& [typed, kept] : {std::pair{"0123", "123"}, {"0", "0"}, {"000", "0"}, {"1a2-3.4", "1234"}, {"１２", ""}})
+    EXPECT_EQ(FilterWholeNumber(QString::fromUtf8(typed)), QLatin1String(kept)) << typed;
   EXPECT_EQ(FilterDecimalNumber(QStringLiteral("1.2.3")), QStringLiteral("1.23"));
   EXPECT_EQ(FilterDecimalNumber(QStringLiteral("-a0.5x")), QStringLiteral("0.5"));
 
@@ -96,21 +94,18 @@ TEST_F(UserForm, EachTargetIsRefusedJustOutsideItsBoundsAndAcceptedOnThem) {
 
 TEST_F(UserForm, NameProblemsKeepTheScreenWithTheFocusOnTheName) {
   addUser(QStringLiteral("山田 花子"));
-  UserFormLogic dup(*db, Mode::Regist);
-  dup.load();
-  dup.firstName = QStringLiteral("山田 花子");
-  Outcome o = dup.submit();
-  EXPECT_FALSE(o.close);
-  EXPECT_EQ(o.code, QStringLiteral("UREG-W-0003"));
-  EXPECT_EQ(o.focus, UserField::FirstName);
-  EXPECT_TRUE(lastShownText().endsWith(QStringLiteral("氏名:山田 花子"))) << lastShownText().toStdString();
-
-  UserFormLogic empty(*db, Mode::Regist);
-  empty.load();
-  empty.firstName = QStringLiteral("   ");
-  o = empty.submit();
-  EXPECT_EQ(o.code, QStringLiteral("UREG-W-0006"));
-  EXPECT_EQ(o.focus, UserField::FirstName);
+  for (const auto& [name, code] : {std::pair{"山田 花子", "UREG-W-0003"}, {"   ", "UREG-W-0006"}}) {
+    UserFormLogic form(*db, Mode::Regist);
+    form.load();
+    form.firstName = QString::fromUtf8(name);
+    const Outcome o = form.submit();
+    EXPECT_FALSE(o.close) << name;
+    EXPECT_EQ(o.code, QLatin1String(code)) << name;
+    EXPECT_EQ(o.focus, UserField::FirstName) << name;
+    if (o.code == QLatin1String("UREG-W-0003")) {
+      EXPECT_TRUE(lastShownText().endsWith(QStringLiteral("氏名:山田 花子"))) << lastShownText().toStdString();
+    }
+  }
   EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM [USER] WHERE USER_ID <> 'U999999999'")), 1);
 
   // The English edition names the three parts in the message and leaves the targets alone.
@@ -166,9 +161,7 @@ TEST_F(UserForm, AChangeKeepsWhatTheFormDoesNotHoldAndUsesItsOwnCodes) {
 
   UserRecord r;
   ASSERT_TRUE(VTDB_GetUserInfoFromUserId(*db, id, r));
-  EXPECT_EQ(r.TARGET_STEP.trimmed(), QStringLiteral("20000"));
-  EXPECT_EQ(r.ICONINDEX.trimmed(), QStringLiteral("3"));
-  EXPECT_EQ(r.HEIGHT_CM.trimmed(), QStringLiteral("171"));
+  EXPECT_EQ(QStringList({r.TARGET_STEP.trimmed(), r.ICONINDEX.trimmed(), r.HEIGHT_CM.trimmed()}).join(u'|'), "20000|3|171");
   EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")).trimmed(), id);
 
   UserFormLogic gone(*db, Mode::Modify, QStringLiteral("U000000099"));

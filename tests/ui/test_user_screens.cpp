@@ -6,6 +6,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QtTest/QTest>
+#include <algorithm>
 
 #include "ui/frmUserDelete.h"
 #include "ui/frmUserModify.h"
@@ -32,13 +33,8 @@ void typeInto(QWidget* screen, const char* field, const QString& text) {
   if (auto* edit = child<QLineEdit>(screen, field)) {
     edit->clear();
     // Keys for plain letters; other scripts arrive committed, as an input method gives them.
-    bool ascii = true;
-    for (QChar c : text) ascii = ascii && c.unicode() < 0x80;
-    if (ascii) {
-      QTest::keyClicks(edit, text);
-    } else {
-      edit->insert(text);
-    }
+    if (std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; })) QTest::keyClicks(edit, text);
+    else edit->insert(text);
   }
 }
 
@@ -120,11 +116,8 @@ TEST_F(UserScreens, TheRegistrationFormFiltersItsFiguresAndFocusesTheFieldThatFa
   EXPECT_FALSE(GetModalFormOpen());
   UserInfo u;
   ASSERT_TRUE(GetUserInfo(*db, u, screen.newUserId()));
-  EXPECT_EQ(u.FIRST_NAME, QStringLiteral("田中 三郎"));
-  EXPECT_EQ(u.ICONINDEX, 4);
-  EXPECT_EQ(u.TARGET_STEP, QStringLiteral("2000"));
-  EXPECT_EQ(u.EXTRA1, QStringLiteral("3.5"));
-  EXPECT_EQ(u.EXTRA3, QStringLiteral("0"));
+  EXPECT_EQ(QStringList({u.FIRST_NAME, QString::number(u.ICONINDEX), u.TARGET_STEP, u.EXTRA1, u.EXTRA3}).join(u'|'),
+            QStringLiteral("田中 三郎|4|2000|3.5|0"));
   EXPECT_EQ(GetCurrentUserId(), screen.newUserId());
   const QString trace = inst->traceText();
   EXPECT_TRUE(trace.contains(QStringLiteral("frmUserRegist")) && trace.contains(QStringLiteral("Form_Load Start")) &&
@@ -174,19 +167,17 @@ TEST_F(UserScreens, CancellingTheNewRecorderQuestionStoresNothing) {
   SetCurrentUserId(before);
   place(recorder(3));
   ScreenScript script;
-  script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnSelectUser"); });
+  script.thenClick(QStringLiteral("frmRecvMsgNewCPU"), "btnSelectUser");
   script.then(QStringLiteral("frmUserSelectDialog"), [&](QDialog* s) {
     auto* list = child<QListWidget>(s, "lvUserList");
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(0)).center());
     EXPECT_NE(GetCurrentUserId(), before);
     click(s, "btnCancel");
   });
-  script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnNewCPUCancel"); });
-  const ReceiveReport r = receive(script);
-  EXPECT_EQ(r.ending, ReceiveEnding::Cancelled);
-  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM DAY_MEASUREMENT")), 0);
-  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM RECEIVE_HISTORY")), 0);
-  EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM CPU_TABLE")), 0);
+  script.thenClick(QStringLiteral("frmRecvMsgNewCPU"), "btnNewCPUCancel");
+  EXPECT_EQ(receive(script).ending, ReceiveEnding::Cancelled);
+  for (const char* table : {"DAY_MEASUREMENT", "RECEIVE_HISTORY", "CPU_TABLE"})
+    EXPECT_EQ(count(QStringLiteral("SELECT COUNT(*) FROM ") + QLatin1String(table)), 0) << table;
   EXPECT_EQ(GetCurrentUserId(), before);  // a click in the selection does not outlast its cancel
 }
 
@@ -196,7 +187,7 @@ TEST_F(UserScreens, ADoubleClickOnAUserInTheSelectionTakesThatUser) {
   SetCurrentUserId(first);
   place(recorder(5));
   ScreenScript script;
-  script.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnSelectUser"); });
+  script.thenClick(QStringLiteral("frmRecvMsgNewCPU"), "btnSelectUser");
   script.then(QStringLiteral("frmUserSelectDialog"), [&](QDialog* s) {
     auto* list = child<QListWidget>(s, "lvUserList");
     ASSERT_EQ(list->count(), 2);
@@ -233,8 +224,7 @@ TEST_F(UserScreens, ARecorderOfAnotherUserIsTakenOverOnlyWhenAsked) {
   EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")).trimmed(), owner);
 
   ScreenScript yes;
-  yes.then(QStringLiteral("frmRecvMsgAlertUser"), [](QDialog* s) { click(s, "btnReceive"); });
-  const ReceiveReport r = receive(yes);
+  const ReceiveReport r = receive(yes.thenClick(QStringLiteral("frmRecvMsgAlertUser"), "btnReceive"));
   ASSERT_EQ(r.ending, ReceiveEnding::Received);
   EXPECT_EQ(r.userId, current);
   EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")).trimmed(), current);
@@ -247,8 +237,8 @@ TEST_F(UserScreens, ANewRecorderWhileAUserIsOpenGoesToThatUserOnReceive) {
   SetCurrentUserId(current);
   place(recorder(3));
   ScreenScript cancel;
-  cancel.then(QStringLiteral("frmRecvMsgNewCPUSelectUser"), [](QDialog* s) { click(s, "btnCancel"); });
-  EXPECT_EQ(receive(cancel).ending, ReceiveEnding::Cancelled);
+  EXPECT_EQ(receive(cancel.thenClick(QStringLiteral("frmRecvMsgNewCPUSelectUser"), "btnCancel")).ending,
+            ReceiveEnding::Cancelled);
   EXPECT_EQ(days(current), 0);
 
   ScreenScript take;
@@ -266,7 +256,7 @@ TEST_F(UserScreens, ARecorderThatLooksResetIsReceivedForItsOwnerOnlyWhenAsked) {
   const QString owner = addUser(QStringLiteral("リセット 主"));
   place(recorder(10));
   ScreenScript first;
-  first.then(QStringLiteral("frmRecvMsgNewCPU"), [](QDialog* s) { click(s, "btnSelectUser"); });
+  first.thenClick(QStringLiteral("frmRecvMsgNewCPU"), "btnSelectUser");
   first.then(QStringLiteral("frmUserSelectDialog"),
              [](QDialog* s) { doubleClickUser(s, QStringLiteral("リセット 主")); });
   ASSERT_EQ(receive(first).ending, ReceiveEnding::Received);
@@ -274,13 +264,12 @@ TEST_F(UserScreens, ARecorderThatLooksResetIsReceivedForItsOwnerOnlyWhenAsked) {
   SetScreenState(kStateUserSelect);
   place(recorder(3, QDate(2024, 8, 3)));
   ScreenScript no;
-  no.then(QStringLiteral("frmRecvMsgAlertReset"), [](QDialog* s) { click(s, "btnUsingAlertCancel"); });
-  EXPECT_EQ(receive(no).ending, ReceiveEnding::Cancelled);
+  EXPECT_EQ(receive(no.thenClick(QStringLiteral("frmRecvMsgAlertReset"), "btnUsingAlertCancel")).ending,
+            ReceiveEnding::Cancelled);
   EXPECT_EQ(days(owner), 10);
 
   ScreenScript yes;
-  yes.then(QStringLiteral("frmRecvMsgAlertReset"), [](QDialog* s) { click(s, "btnReceive"); });
-  const ReceiveReport r = receive(yes);
+  const ReceiveReport r = receive(yes.thenClick(QStringLiteral("frmRecvMsgAlertReset"), "btnReceive"));
   ASSERT_EQ(r.ending, ReceiveEnding::Received);
   EXPECT_EQ(r.userId, owner);
   EXPECT_EQ(days(owner), 13);

@@ -58,6 +58,17 @@ class UserScreensLook : public UserScreenFixture, public ::testing::WithParamInt
     EXPECT_TRUE(screen.grab().save(ScreenshotDir() + QLatin1Char('/') + name + QStringLiteral(".png")));
     screen.reject();
   }
+  template <typename Screen, typename... Args>
+  void lookAt(Args&&... args) {
+    Screen screen(std::forward<Args>(args)...);
+    look(screen);
+  }
+  // A receive dialog over its logic.
+  template <typename Logic, typename Screen, typename... Args>
+  void lookAtReceive(Args&&... args) {
+    Logic logic(std::forward<Args>(args)...);
+    lookAt<Screen>(logic);
+  }
 
   bool english() const { return QLatin1String(GetParam()) == QLatin1String("en"); }
   QString person(const char* ja, const char* en) const {
@@ -72,10 +83,7 @@ TEST_P(UserScreensLook, EveryScreenShowsItsCaptionsWhole) {
   addUser(person("佐藤 美咲", "Misaki Sato"), 5);
   addUser(person("鈴木 健", "Ken Suzuki"), 4);
   SetCurrentUserId(a);
-  {
-    frmUserRegist screen(*db, QString());
-    look(screen);
-  }
+  lookAt<frmUserRegist>(*db, QString());
   {
     frmUserModify screen(*db, a);
     // The edition decides the fields: targets in the Japanese one, three names in the English one.
@@ -90,33 +98,14 @@ TEST_P(UserScreensLook, EveryScreenShowsItsCaptionsWhole) {
     screen.lvUserList->setCurrentRow(1);
     look(screen);
   }
-  {
-    frmUserDelete screen(*db);
-    look(screen);
-  }
+  lookAt<frmUserDelete>(*db);
 
   ReceiveContext ctx;
   GetUserInfo(*db, ctx.deviceOwner, b);
-  {
-    RecvMsgNewCPU logic(*db, ctx);
-    frmRecvMsgNewCPU screen(logic);
-    look(screen);
-  }
-  {
-    RecvMsgNewCPUSelectUser logic(*db, ctx, a);
-    frmRecvMsgNewCPUSelectUser screen(logic);
-    look(screen);
-  }
-  {
-    RecvMsgAlertUser logic(*db, ctx, a);
-    frmRecvMsgAlertUser screen(logic);
-    look(screen);
-  }
-  {
-    RecvMsgAlertReset logic(*db, ctx);
-    frmRecvMsgAlertReset screen(logic);
-    look(screen);
-  }
+  lookAtReceive<RecvMsgNewCPU, frmRecvMsgNewCPU>(*db, ctx);
+  lookAtReceive<RecvMsgNewCPUSelectUser, frmRecvMsgNewCPUSelectUser>(*db, ctx, a);
+  lookAtReceive<RecvMsgAlertUser, frmRecvMsgAlertUser>(*db, ctx, a);
+  lookAtReceive<RecvMsgAlertReset, frmRecvMsgAlertReset>(*db, ctx);
   EXPECT_TRUE(inst->dialog().shown.empty());
 }
 
