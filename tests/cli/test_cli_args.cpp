@@ -6,6 +6,7 @@
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
 
+#include "device/recorder_kinds.h"
 #include "testsupport/test_installation.h"
 
 namespace {
@@ -94,9 +95,10 @@ TEST_F(CliArgs, FileNamesCountFromTheCallersFolder) {
   // The file to dump is found the same way, however the tool's own folder differs.
   Outcome r = run({"dump", "sub/r3.img", "--json"}, caller.path());
   EXPECT_EQ(r.code, 0) << r.err.toStdString();
-  EXPECT_TRUE(r.out.contains("\"kind\": \"PMKIND_BRIO_NORMAL\""));
+  EXPECT_TRUE(r.out.contains(QStringLiteral("\"kind\": \"%1\"").arg(KindText(RecorderKind::BrioNormal))));
   r = run({"dump", "r2.img"}, caller.path());
-  EXPECT_TRUE(r.code == 0 && r.out.startsWith("kind: PMKIND_AL")) << r.err.toStdString();
+  EXPECT_TRUE(r.code == 0 && r.out.startsWith(QStringLiteral("kind: ") + KindText(RecorderKind::AL)))
+      << r.err.toStdString();
   // Called without a caller's folder the names count from bin/, where it runs.
   ASSERT_EQ(run(recorder("here.img")).code, 0);
   EXPECT_TRUE(QFileInfo::exists(inst.path("bin/here.img")));
