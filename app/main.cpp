@@ -11,19 +11,19 @@
 
 #include <algorithm>
 
-#include "store/backup.h"
-#include "frame/catalogue.h"
 #include "chartmaker/chartmaker.h"
+#include "frame/catalogue.h"
 #include "frame/config.h"
-#include "ui/desktop_actions.h"
-#include "ui/frmTerminal.h"
 #include "frame/helpers.h"
+#include "frame/shared_values.h"
+#include "store/backup.h"
+#include "store/store.h"
+#include "ui/desktop_actions.h"
 #include "ui/desktop_screens.h"
+#include "ui/frmTerminal.h"
 #include "ui/qt_dialog.h"
 #include "ui/receive_screens.h"
-#include "frame/shared_values.h"
 #include "ui/startup.h"
-#include "store/store.h"
 
 namespace {
 

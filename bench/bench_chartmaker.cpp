@@ -6,8 +6,8 @@
 #include <QGuiApplication>
 #include <QTemporaryDir>
 
-#include "testsupport/chart_fixtures.h"
 #include "chartmaker/chartmaker.h"
+#include "testsupport/chart_fixtures.h"
 
 namespace {
 

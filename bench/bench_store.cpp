@@ -8,11 +8,11 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
-#include "store/backup.h"
-#include "frame/config.h"
 #include "device/device.h"
+#include "frame/config.h"
 #include "frame/dialog.h"
 #include "receive/day_rows.h"
+#include "store/backup.h"
 #include "store/store.h"
 
 namespace {

@@ -18,17 +18,17 @@
 #include <QVBoxLayout>
 
 #include "chartmaker/chartmaker.h"
-#include "frame/config.h"
-#include "frame/catalogue.h"
-#include "ui/frmTerminal.h"
-#include "ui/qt_dialog.h"
 #include "device/readers.h"
-#include "ui/receive_screens.h"
 #include "device/recorder_image.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
 #include "frame/shared_values.h"
-#include "ui/startup.h"
 #include "store/store.h"
 #include "testsupport/test_installation.h"
+#include "ui/frmTerminal.h"
+#include "ui/qt_dialog.h"
+#include "ui/receive_screens.h"
+#include "ui/startup.h"
 
 namespace {
 

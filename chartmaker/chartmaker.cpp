@@ -12,8 +12,8 @@
 #include "chartmaker/chartdraw.h"
 #include "chartmaker/chartfiles.h"
 #include "chartmaker/chartsettings.h"
-#include "frame/config.h"
 #include "chartmaker/pdf_text.h"
+#include "frame/config.h"
 
 namespace {
 

@@ -5,12 +5,12 @@
 #include <QLockFile>
 #include <QTextStream>
 
-#include "store/backup.h"
-#include "frame/catalogue.h"
 #include "cli/commands.h"
+#include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/instance_lock.h"
 #include "frame/shared_values.h"
+#include "store/backup.h"
 #include "store/store.h"
 
 namespace {

@@ -7,8 +7,8 @@
 #include <optional>
 
 #include "cli/commands.h"
-#include "frame/config.h"
 #include "device/device.h"
+#include "frame/config.h"
 #include "frame/profile.h"
 #include "frame/shared_values.h"
 

@@ -6,8 +6,8 @@
 
 #include "cli/commands.h"
 #include "frame/frame.h"
-#include "store/store.h"
 #include "plan/weight_form.h"
+#include "store/store.h"
 
 namespace {
 

@@ -6,13 +6,13 @@
 #include <exception>
 #include <memory>
 
-#include "frame/catalogue.h"
 #include "cli/commands.h"
-#include "frame/config.h"
 #include "device/device.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
 #include "frame/dialog.h"
-#include "receive/receive.h"
 #include "frame/shared_values.h"
+#include "receive/receive.h"
 #include "store/store.h"
 
 namespace {

@@ -5,8 +5,8 @@
 
 #include "cli/commands.h"
 #include "frame/catalogue.h"
-#include "frame/dialog.h"
 #include "frame/config.h"
+#include "frame/dialog.h"
 #include "frame/shared_values.h"
 #include "store/db_safety.h"
 #include "store/store.h"

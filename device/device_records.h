@@ -11,8 +11,8 @@
 #include <array>
 #include <span>
 
-#include "frame/helpers.h"
 #include "device/recorder_kinds.h"
+#include "frame/helpers.h"
 
 // The zero date at 00:00 as a date-time. Device date-times are UTC, so no daylight
 // saving rule can shift a decoded hour.

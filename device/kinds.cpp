@@ -1,7 +1,7 @@
 #include <algorithm>
 // Kinds, languages, ring sizes, and the acceptance of a recorder by this installation.
-#include "frame/config.h"
 #include "device/data_convert.h"
+#include "frame/config.h"
 #include "frame/trace.h"
 
 // One table of the ten event fields serves both forms: the writable one only picks a member.

@@ -11,10 +11,10 @@
 #include <cmath>
 #include <numbers>
 
-#include "frame/config.h"
-#include "frame/helpers.h"
 #include "device/data_convert.h"
 #include "device/memory_layout.h"
+#include "frame/config.h"
+#include "frame/helpers.h"
 #include "frame/shared_values.h"
 
 namespace {

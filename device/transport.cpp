@@ -7,9 +7,9 @@
 #include <array>
 #include <exception>
 
-#include "frame/config.h"
 #include "device/data_convert.h"
 #include "device/readers.h"
+#include "frame/config.h"
 #include "frame/trace.h"
 
 void SystemDeviceClock::sleepMs(int ms) {

@@ -4,17 +4,17 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "exchange/csv_import.h"
+#include "exchange/csv_text.h"
 #include "frame/catalogue.h"
 #include "frame/config.h"
-#include "exchange/csv_import.h"
-#include "store/db_safety.h"
-#include "exchange/csv_text.h"
 #include "frame/dialog.h"
 #include "frame/helpers.h"
 #include "frame/shared_values.h"
-#include "store/store.h"
 #include "frame/trace.h"
 #include "frame/vbformat.h"
+#include "store/db_safety.h"
+#include "store/store.h"
 
 using csv_detail::ImportText;
 

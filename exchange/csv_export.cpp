@@ -6,9 +6,9 @@
 #include "frame/config.h"
 #include "frame/dialog.h"
 #include "frame/helpers.h"
-#include "store/store.h"
 #include "frame/trace.h"
 #include "frame/vbformat.h"
+#include "store/store.h"
 
 namespace {
 

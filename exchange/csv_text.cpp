@@ -3,9 +3,9 @@
 #include <QStringDecoder>
 #include <QStringEncoder>
 
+#include "exchange/csv_export.h"
 #include "frame/catalogue.h"
 #include "frame/config.h"
-#include "exchange/csv_export.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 
 #include "exchange/csv_batch.h"
 #include "frame/shared_values.h"
+#include "frame/trace.h"
 #include "store/db_safety.h"
 #include "store/store.h"
-#include "frame/trace.h"
 
 void ProgressDriver::ProcSetExecParam(int operation, const QString& title, const QString& status,
                                       const QString& buttonText, int maximum, int startValue,

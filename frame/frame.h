@@ -3,11 +3,11 @@
 // and the small conversions of dates, units and text.
 #pragma once
 
-#include "frame/shared_values.h"
-#include "frame/profile.h"
-#include "frame/config.h"
-#include "frame/trace.h"
-#include "frame/dialog.h"
 #include "frame/catalogue.h"
-#include "frame/vbformat.h"
+#include "frame/config.h"
+#include "frame/dialog.h"
 #include "frame/helpers.h"
+#include "frame/profile.h"
+#include "frame/shared_values.h"
+#include "frame/trace.h"
+#include "frame/vbformat.h"

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "fuzz/fuzz_setup.h"
 #include "frame/profile.h"
+#include "fuzz/fuzz_setup.h"
 
 namespace {
 QString g_file;

@@ -6,8 +6,8 @@
 #include <cstdint>
 
 #include "device/fake_reader.h"
-#include "fuzz/fuzz_setup.h"
 #include "device/recorder_dump.h"
+#include "fuzz/fuzz_setup.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   FuzzConfigure();

@@ -5,8 +5,8 @@
 #include <QDir>
 #include <QString>
 
-#include "frame/profile.h"
 #include "device/recorder_image.h"
+#include "frame/profile.h"
 #include "frame/shared_values.h"
 
 inline QString FuzzScratchFolder() {

@@ -4,9 +4,9 @@
 
 #include "frame/config.h"
 #include "frame/helpers.h"
-#include "receive/receive.h"
 #include "frame/trace.h"
 #include "frame/vbformat.h"
+#include "receive/receive.h"
 
 namespace {
 

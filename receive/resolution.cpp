@@ -5,10 +5,10 @@
 
 #include "frame/catalogue.h"
 #include "frame/config.h"
-#include "receive/receive.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
 #include "frame/vbformat.h"
+#include "receive/receive.h"
 
 namespace {
 

@@ -8,10 +8,10 @@
 #include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/helpers.h"
-#include "receive/day_rows.h"
-#include "receive/receive.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
+#include "receive/day_rows.h"
+#include "receive/receive.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // A whole receive: the management stage, the resolution with its dialogs, the data stage.
-#include "receive/receive.h"
 #include "frame/shared_values.h"
+#include "receive/receive.h"
 
 namespace {
 

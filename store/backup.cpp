@@ -16,10 +16,10 @@
 #include <sqlcipher/sqlite3.h>
 
 #include "frame/config.h"
+#include "frame/trace.h"
 #include "store/engine.h"
 #include "store/schema.h"
 #include "store/store.h"
-#include "frame/trace.h"
 
 namespace {
 

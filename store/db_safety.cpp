@@ -17,10 +17,10 @@
 #include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/dialog.h"
-#include "store/engine.h"
 #include "frame/shared_values.h"
-#include "store/store.h"
 #include "frame/trace.h"
+#include "store/engine.h"
+#include "store/store.h"
 
 namespace {
 

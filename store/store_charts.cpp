@@ -1,9 +1,9 @@
 // The read side of the measurements: the chart and CSV queries and the rule of the row
 // that counts for a day.
 #include "frame/helpers.h"
+#include "frame/vbformat.h"
 #include "store/store.h"
 #include "store/store_internal.h"
-#include "frame/vbformat.h"
 
 using namespace store_detail;
 

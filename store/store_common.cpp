@@ -2,13 +2,13 @@
 #include <QDate>
 #include <QFile>
 
+#include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/helpers.h"
-#include "frame/catalogue.h"
-#include "store/store.h"
-#include "store/store_internal.h"
 #include "frame/trace.h"
 #include "frame/vbformat.h"
+#include "store/store.h"
+#include "store/store_internal.h"
 
 namespace {
 

@@ -11,11 +11,11 @@
 #include "frame/catalogue.h"
 #include "frame/dialog.h"
 #include "frame/helpers.h"
-#include "store/store.h"
-#include "store/backup.h"
-#include "store/store_internal.h"
 #include "frame/trace.h"
 #include "frame/vbformat.h"
+#include "store/backup.h"
+#include "store/store.h"
+#include "store/store_internal.h"
 
 using namespace store_detail;
 

@@ -3,9 +3,9 @@
 
 #include "frame/config.h"
 #include "frame/helpers.h"
+#include "frame/vbformat.h"
 #include "store/store.h"
 #include "store/store_internal.h"
-#include "frame/vbformat.h"
 
 using namespace store_detail;
 

@@ -6,11 +6,11 @@
 #include <QFileDialog>
 #include <QFileInfo>
 
-#include "store/backup.h"
 #include "frame/catalogue.h"
 #include "frame/dialog.h"
-#include "ui/startup.h"
+#include "store/backup.h"
 #include "store/store.h"
+#include "ui/startup.h"
 
 namespace {
 

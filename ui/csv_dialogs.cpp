@@ -12,11 +12,11 @@
 #include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/dialog.h"
-#include "ui/form_look.h"
-#include "ui/frmProgressBar.h"
 #include "frame/helpers.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
+#include "ui/form_look.h"
+#include "ui/frmProgressBar.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
 #include "ui/desktop_actions.h"
 
+#include "frame/shared_values.h"
+#include "store/store.h"
 #include "ui/backup_actions.h"
 #include "ui/csv_dialogs.h"
 #include "ui/frmPrinterSetup.h"
 #include "ui/frmSimulationWeight.h"
 #include "ui/frmVersion.h"
 #include "ui/printing.h"
-#include "frame/shared_values.h"
-#include "store/store.h"
 
 namespace {
 

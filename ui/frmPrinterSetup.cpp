@@ -7,8 +7,8 @@
 #include <QStandardPaths>
 #include <QTimer>
 
-#include "frame/catalogue.h"
 #include "chartmaker/chartmaker.h"
+#include "frame/catalogue.h"
 #include "frame/helpers.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"

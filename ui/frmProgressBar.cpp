@@ -7,9 +7,9 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "ui/form_look.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
+#include "ui/form_look.h"
 
 frmProgressBar::frmProgressBar(VtDatabase* db, QWidget* parent) : QDialog(parent), driver_(db) {
   setObjectName(QStringLiteral("frmProgressBar"));

@@ -5,13 +5,13 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
-#include "charts/charts.h"
 #include "chartmaker/chartmaker.h"
+#include "charts/charts.h"
 #include "frame/frame.h"
-#include "ui/ini_picture.h"
-#include "ui/picture_surface.h"
 #include "plan/plan.h"
 #include "store/store.h"
+#include "ui/ini_picture.h"
+#include "ui/picture_surface.h"
 
 namespace {
 

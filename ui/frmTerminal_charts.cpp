@@ -8,18 +8,18 @@
 #include <QPainter>
 #include <QToolButton>
 
+#include "charts/make_chart.h"
 #include "frame/catalogue.h"
-#include "ui/printing.h"
-#include "ui/form_look.h"
 #include "frame/config.h"
 #include "frame/helpers.h"
-#include "ui/ini_picture.h"
-#include "charts/make_chart.h"
-#include "ui/receive_screens.h"
 #include "frame/shared_values.h"
-#include "ui/startup.h"
 #include "frame/trace.h"
+#include "ui/form_look.h"
 #include "ui/frmTerminal_parts.h"
+#include "ui/ini_picture.h"
+#include "ui/printing.h"
+#include "ui/receive_screens.h"
+#include "ui/startup.h"
 
 namespace {
 

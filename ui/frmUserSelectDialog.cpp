@@ -7,9 +7,9 @@
 #include <QVBoxLayout>
 
 #include "frame/catalogue.h"
-#include "ui/ini_picture.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
+#include "ui/ini_picture.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 #include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/helpers.h"
-#include "ui/ini_picture.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
+#include "ui/ini_picture.h"
 
 namespace {
 

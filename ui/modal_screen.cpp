@@ -10,9 +10,9 @@
 #include <QShowEvent>
 
 #include "frame/catalogue.h"
-#include "ui/ini_picture.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
+#include "ui/ini_picture.h"
 
 namespace {
 

@@ -5,11 +5,11 @@
 #include <QPrinterInfo>
 #include <QSet>
 
-#include "frame/catalogue.h"
 #include "chartmaker/chartmaker.h"
+#include "chartmaker/report_printer.h"
+#include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/helpers.h"
-#include "chartmaker/report_printer.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
 

@@ -15,8 +15,8 @@
 #include <cmath>
 
 #include "frame/catalogue.h"
-#include "ui/form_look.h"
 #include "frame/trace.h"
+#include "ui/form_look.h"
 
 // ---------------------------------------------------------------- clock
 

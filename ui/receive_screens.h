@@ -17,8 +17,8 @@
 #include <QDialog>
 #include <QPointer>
 
-#include "receive/receive.h"
 #include "device/transport.h"
+#include "receive/receive.h"
 
 class QLabel;
 class QMovie;

@@ -3,8 +3,8 @@
 // that button's handler on the logic.
 #pragma once
 
-#include "ui/modal_screen.h"
 #include "receive/receive.h"
+#include "ui/modal_screen.h"
 
 class QFrame;
 class QGroupBox;

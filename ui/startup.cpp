@@ -11,15 +11,15 @@
 #include <QUrl>
 #include <cmath>
 
-#include "frame/catalogue.h"
 #include "chartmaker/chartmaker.h"
+#include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/dialog.h"
 #include "frame/helpers.h"
 #include "frame/instance_lock.h"
 #include "frame/shared_values.h"
-#include "store/store.h"
 #include "frame/trace.h"
+#include "store/store.h"
 
 // ---- platforms ----
 

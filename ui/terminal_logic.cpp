@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "receive/receive.h"
-#include "frame/shared_values.h"
 #include "device/transport.h"
+#include "frame/shared_values.h"
+#include "receive/receive.h"
 
 MenuState MenuStateFor(const QString& screenState, const QString& focusState, bool groupHasUsers,
                        bool recorderHandled, const QString& dataState) {

@@ -3,11 +3,11 @@
 #include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/helpers.h"
-#include "store/db_safety.h"
-#include "store/schema.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
 #include "frame/vbformat.h"
+#include "store/db_safety.h"
+#include "store/schema.h"
 
 namespace {
 

@@ -6,12 +6,12 @@
 #include <QApplication>
 #include <QTextStream>
 
-#include "frame/catalogue.h"
 #include "chartmaker/chartmaker.h"
+#include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/dialog.h"
-#include "ui/printing.h"
 #include "frame/shared_values.h"
+#include "ui/printing.h"
 
 int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -5,8 +5,8 @@
 #include <QGuiApplication>
 #include <QTextStream>
 
-#include "testsupport/chart_fixtures.h"
 #include "chartmaker/chartmaker.h"
+#include "testsupport/chart_fixtures.h"
 
 int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -12,15 +12,15 @@
 #include <QTimer>
 #include <cstdio>
 
-#include "frame/catalogue.h"
 #include "chartmaker/chartmaker.h"
-#include "frame/config.h"
-#include "ui/frmTerminal.h"
 #include "device/readers.h"
-#include "ui/receive_screens.h"
+#include "frame/catalogue.h"
+#include "frame/config.h"
 #include "frame/shared_values.h"
-#include "store/store.h"
 #include "frame/trace.h"
+#include "store/store.h"
+#include "ui/frmTerminal.h"
+#include "ui/receive_screens.h"
 
 namespace {
 

@@ -10,12 +10,12 @@
 #include "chartmaker/chartmaker.h"
 #include "charts/charts.h"
 #include "device/data_convert.h"
-#include "frame/frame.h"
 #include "device/recorder_image.h"
+#include "frame/frame.h"
 #include "store/store.h"
 #include "testsupport/chart_fixtures.h"
-#include "testsupport/test_installation.h"
 #include "testsupport/sample_user.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

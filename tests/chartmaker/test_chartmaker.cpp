@@ -7,11 +7,11 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
-#include "testsupport/chart_fixtures.h"
 #include "chartmaker/chartdraw.h"
 #include "chartmaker/chartfiles.h"
 #include "chartmaker/chartmaker.h"
 #include "chartmaker/chartsettings.h"
+#include "testsupport/chart_fixtures.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <QTemporaryDir>
 #include <cmath>
 
-#include "testsupport/chart_fixtures.h"
 #include "chartmaker/chartdraw.h"
 #include "chartmaker/draw/layout.h"
+#include "testsupport/chart_fixtures.h"
 
 using namespace chartdraw;
 

@@ -8,11 +8,11 @@
 
 #include "charts/charts.h"
 #include "device/data_convert.h"
-#include "frame/frame.h"
 #include "device/recorder_image.h"
+#include "frame/frame.h"
 #include "store/store.h"
-#include "testsupport/test_installation.h"
 #include "testsupport/sample_user.h"
+#include "testsupport/test_installation.h"
 
 using namespace charts;
 

@@ -7,8 +7,8 @@
 #include <stdexcept>
 
 #include "frame/shared_values.h"
-#include "testsupport/test_installation.h"
 #include "frame/trace.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "frame/frame.h"
-#include "testsupport/sample_user.h"
 #include "plan/weight_form.h"
+#include "testsupport/sample_user.h"
 
 namespace {
 

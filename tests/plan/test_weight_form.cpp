@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "frame/frame.h"
-#include "testsupport/sample_user.h"
 #include "plan/weight_form.h"
+#include "testsupport/sample_user.h"
 
 using namespace plan;
 

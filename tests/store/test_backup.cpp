@@ -9,8 +9,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "store/backup.h"
 #include "frame/config.h"
+#include "store/backup.h"
 #include "testsupport/store_fixture.h"
 
 namespace {

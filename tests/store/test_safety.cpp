@@ -8,10 +8,10 @@
 
 #include "frame/catalogue.h"
 #include "frame/config.h"
-#include "store/db_safety.h"
-#include "testsupport/store_fixture.h"
 #include "frame/shared_values.h"
 #include "frame/trace.h"
+#include "store/db_safety.h"
+#include "testsupport/store_fixture.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 
 #include "exchange/exchange.h"
 #include "frame/frame.h"
-#include "testsupport/sample_user.h"
 #include "store/store.h"
+#include "testsupport/sample_user.h"
 #include "testsupport/test_installation.h"
 
 inline const QString kCsvUser = QStringLiteral("U000000001");

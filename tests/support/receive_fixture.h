@@ -12,8 +12,8 @@
 
 #include "device/device.h"
 #include "device/fake_reader.h"
-#include "receive/receive.h"
 #include "frame/shared_values.h"
+#include "receive/receive.h"
 #include "store/store.h"
 #include "testsupport/device_test_util.h"
 #include "testsupport/test_installation.h"

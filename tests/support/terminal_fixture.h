@@ -12,13 +12,13 @@
 #include <memory>
 
 #include "chartmaker/chartmaker.h"
+#include "device/readers.h"
+#include "device/recorder_image.h"
 #include "frame/config.h"
+#include "testsupport/receive_fixture.h"
 #include "ui/desktop_screens.h"
 #include "ui/frmTerminal.h"
-#include "device/readers.h"
 #include "ui/receive_screens.h"
-#include "device/recorder_image.h"
-#include "testsupport/receive_fixture.h"
 
 // The user screens answered from fields, the receive's questions from the receive
 // fixture's queues; every screen asked for is recorded.

@@ -3,12 +3,12 @@
 #include <QFileInfo>
 #include <gtest/gtest.h>
 
-#include "store/backup.h"
-#include "ui/backup_actions.h"
 #include "frame/catalogue.h"
 #include "frame/dialog.h"
+#include "store/backup.h"
 #include "store/store.h"
 #include "testsupport/store_fixture.h"
+#include "ui/backup_actions.h"
 
 namespace {
 

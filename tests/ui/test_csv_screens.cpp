@@ -5,9 +5,9 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
+#include "testsupport/sample_user.h"
 #include "ui/csv_dialogs.h"
 #include "ui/frmProgressBar.h"
-#include "testsupport/sample_user.h"
 
 namespace {
 

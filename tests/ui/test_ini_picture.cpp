@@ -6,9 +6,9 @@
 #include <QPushButton>
 #include <gtest/gtest.h>
 
-#include "ui/ini_picture.h"
 #include "frame/shared_values.h"
 #include "testsupport/test_installation.h"
+#include "ui/ini_picture.h"
 
 namespace {
 

@@ -10,15 +10,15 @@
 #include <QUrl>
 #include <gtest/gtest.h>
 
-#include "frame/catalogue.h"
-#include "testsupport/chart_fixtures.h"
 #include "chartmaker/chartmaker.h"
+#include "frame/catalogue.h"
 #include "frame/config.h"
+#include "frame/shared_values.h"
+#include "testsupport/chart_fixtures.h"
+#include "testsupport/test_installation.h"
 #include "ui/frmPrinterSetup.h"
 #include "ui/frmVersion.h"
 #include "ui/printing.h"
-#include "frame/shared_values.h"
-#include "testsupport/test_installation.h"
 
 namespace {
 

@@ -9,10 +9,10 @@
 #include <memory>
 
 #include "frame/frame.h"
+#include "testsupport/sample_user.h"
 #include "ui/frmSimulationGraph.h"
 #include "ui/frmSimulationWeight.h"
 #include "ui/picture_surface.h"
-#include "testsupport/sample_user.h"
 
 namespace {
 

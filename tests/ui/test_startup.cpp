@@ -7,15 +7,15 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-#include "frame/catalogue.h"
-#include "testsupport/chart_fixtures.h"
 #include "chartmaker/chartmaker.h"
+#include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/helpers.h"
 #include "frame/shared_values.h"
-#include "ui/startup.h"
 #include "store/store.h"
+#include "testsupport/chart_fixtures.h"
 #include "testsupport/test_installation.h"
+#include "ui/startup.h"
 
 namespace {
 

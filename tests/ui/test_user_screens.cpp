@@ -8,13 +8,13 @@
 #include <QtTest/QTest>
 #include <algorithm>
 
+#include "testsupport/screen_script.h"
+#include "testsupport/user_fixture.h"
 #include "ui/frmUserDelete.h"
 #include "ui/frmUserModify.h"
 #include "ui/frmUserRegist.h"
 #include "ui/frmUserSelectDialog.h"
 #include "ui/receive_questions.h"
-#include "testsupport/screen_script.h"
-#include "testsupport/user_fixture.h"
 
 namespace {
 

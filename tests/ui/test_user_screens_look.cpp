@@ -7,12 +7,12 @@
 #include <QLabel>
 #include <QtTest/QTest>
 
+#include "testsupport/user_fixture.h"
 #include "ui/frmUserDelete.h"
 #include "ui/frmUserModify.h"
 #include "ui/frmUserRegist.h"
 #include "ui/frmUserSelectDialog.h"
 #include "ui/recv_dialogs.h"
-#include "testsupport/user_fixture.h"
 
 namespace {
 
