@@ -25,6 +25,7 @@
 #include "frame/shared_values.h"
 #include "store/store.h"
 #include "testsupport/test_installation.h"
+#include "testsupport/unattended_screens.h"
 #include "ui/frmTerminal.h"
 #include "ui/qt_dialog.h"
 #include "ui/receive_screens.h"
@@ -63,23 +64,10 @@ double PeakMegabytes() {
   return 0;
 }
 
-class NoScreens : public TerminalScreens, public ReceiveQuestions {
+// The receives of these measures register "山田 花子" for a new recorder.
+class NoScreens : public UnattendedScreens {
  public:
-  VtDatabase* db = nullptr;
-  QString registerUser(QWidget*) override { return QString(); }
-  bool modifyUser(QWidget*, const QString&) override { return false; }
-  bool deleteUsers(QWidget*) override { return false; }
-  ReceiveQuestions& receiveQuestions(QWidget*) override { return *this; }
-  NewCpuAnswer newRecorder(const RecvMsgNewCPU&) override { return NewCpuAnswer::CreateUser; }
-  bool receiveForCurrentUser(const RecvMsgNewCPUSelectUser&) override { return true; }
-  bool takeOverRecorder(const RecvMsgAlertUser&) override { return true; }
-  bool receiveResetRecorder(const RecvMsgAlertReset&) override { return true; }
-  QString registerUser(VtDatabase& d) override {
-    QString id;
-    RegisterUserByName(d, QStringLiteral("山田 花子"), id);
-    return id;
-  }
-  QString selectUser(VtDatabase&) override { return QString(); }
+  NoScreens() : UnattendedScreens(QStringLiteral("山田 花子")) {}
 };
 
 // ---- start to first paint, each in a process of its own ----

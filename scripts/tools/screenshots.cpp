@@ -19,6 +19,7 @@
 #include "frame/shared_values.h"
 #include "frame/trace.h"
 #include "store/store.h"
+#include "testsupport/unattended_screens.h"
 #include "ui/frmTerminal.h"
 #include "ui/receive_screens.h"
 
@@ -30,29 +31,6 @@ void Save(QWidget* w, const QString& name) {
   const QString path = g_out + QLatin1Char('/') + name + QStringLiteral(".png");
   if (!w->grab().save(path)) std::fprintf(stderr, "screenshots: could not write %s\n", qPrintable(path));
 }
-
-class Answers : public TerminalScreens, public ReceiveQuestions {
- public:
-  explicit Answers(VtDatabase& db) : db_(db) {}
-  QString registerUser(QWidget*) override { return QString(); }
-  bool modifyUser(QWidget*, const QString&) override { return false; }
-  bool deleteUsers(QWidget*) override { return false; }
-  ReceiveQuestions& receiveQuestions(QWidget*) override { return *this; }
-  NewCpuAnswer newRecorder(const RecvMsgNewCPU&) override { return NewCpuAnswer::CreateUser; }
-  bool receiveForCurrentUser(const RecvMsgNewCPUSelectUser&) override { return true; }
-  bool takeOverRecorder(const RecvMsgAlertUser&) override { return true; }
-  bool receiveResetRecorder(const RecvMsgAlertReset&) override { return true; }
-  QString registerUser(VtDatabase&) override {
-    QString id;
-    const QString name = IsEnglishEdition() ? QStringLiteral("Hana Sato") : QStringLiteral("佐藤 花子");
-    RegisterUserByName(db_, name, id);
-    return id;
-  }
-  QString selectUser(VtDatabase&) override { return QString(); }
-
- private:
-  VtDatabase& db_;
-};
 
 }  // namespace
 
@@ -80,7 +58,7 @@ int main(int argc, char** argv) {
   ChartPreparePersonal(chart, Ini_GetChartIniPath());
   std::unique_ptr<TavoReader> reader = CreateConfiguredReader();
   EventLoopDeviceClock clock(0.02);
-  Answers answers(db);
+  UnattendedScreens answers(IsEnglishEdition() ? QStringLiteral("Hana Sato") : QStringLiteral("佐藤 花子"));
   frmTerminal w(TerminalServices{db, chart, *reader, clock, answers});
   if (!w.Form_Load()) return 1;
   w.resize(1024, 768);
