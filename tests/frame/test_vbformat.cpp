@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QStringList>
 #include <stdexcept>
 
 #include "frame/vbformat.h"
@@ -32,12 +33,13 @@ TEST(Format, NumberPlaceholdersRoundTheDecimalFormHalfAwayFromZero) {
 }
 
 TEST(Format, TextPlaceholdersFillFromTheRight) {
-  EXPECT_EQ(Format(QStringLiteral("20061231"), QStringLiteral("@@@@/@@/@@")), "2006/12/31");
-  EXPECT_EQ(Format(QStringLiteral("061231"), QStringLiteral("@@@@/@@/@@")), "  06/12/31");
-  EXPECT_EQ(Format(QStringLiteral("1120061231"), QStringLiteral("@@@@/@@/@@")), "112006/12/31");
+  const QString date = QStringLiteral("@@@@/@@/@@");
   // Numeric text takes a number format; other text stays as it is.
-  EXPECT_EQ(Format(QStringLiteral("2.25"), QStringLiteral("#0.0")), "2.3");
-  EXPECT_EQ(Format(QStringLiteral("abc"), QStringLiteral("#0.0")), "abc");
+  const QString number = QStringLiteral("#0.0");
+  EXPECT_EQ(QStringList({Format(QStringLiteral("20061231"), date), Format(QStringLiteral("061231"), date),
+                         Format(QStringLiteral("1120061231"), date), Format(QStringLiteral("2.25"), number),
+                         Format(QStringLiteral("abc"), number)}),
+            QStringList({"2006/12/31", "  06/12/31", "112006/12/31", "2.3", "abc"}));
 }
 
 TEST(Val, ReadsTheLeadingNumber) {
