@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QStringList>
 #include <stdexcept>
 
 #include "frame/vbformat.h"
@@ -33,13 +32,12 @@ TEST(Format, NumberPlaceholdersRoundTheDecimalFormHalfAwayFromZero) {
 }
 
 TEST(Format, TextPlaceholdersFillFromTheRight) {
-  const QString date = QStringLiteral("@@@@/@@/@@");
+  EXPECT_EQ(Format(QStringLiteral("20061231"), QStringLiteral("@@@@/@@/@@")), "2006/12/31");
+  EXPECT_EQ(Format(QStringLiteral("061231"), QStringLiteral("@@@@/@@/@@")), "  06/12/31");
+  EXPECT_EQ(Format(QStringLiteral("1120061231"), QStringLiteral("@@@@/@@/@@")), "112006/12/31");
   // Numeric text takes a number format; other text stays as it is.
-  const QString number = QStringLiteral("#0.0");
-  EXPECT_EQ(QStringList({Format(QStringLiteral("20061231"), date), Format(QStringLiteral("061231"), date),
-                         Format(QStringLiteral("1120061231"), date), Format(QStringLiteral("2.25"), number),
-                         Format(QStringLiteral("abc"), number)}),
-            QStringList({"2006/12/31", "  06/12/31", "112006/12/31", "2.3", "abc"}));
+  EXPECT_EQ(Format(QStringLiteral("2.25"), QStringLiteral("#0.0")), "2.3");
+  EXPECT_EQ(Format(QStringLiteral("abc"), QStringLiteral("#0.0")), "abc");
 }
 
 TEST(Val, ReadsTheLeadingNumber) {
