@@ -100,10 +100,9 @@ TEST_F(JapaneseExport, WritesShiftJisWithCrLfAndRefusesWhatItCannotHold) {
 
 TEST_F(EnglishExport, WritesUtf8WithoutByteOrderMark) {
   const QString path = inst_->path(QStringLiteral("temp/en.csv"));
-  CsvExportOptions options;
   QString error;
   ASSERT_TRUE(MakeCSVData2(db_, kCsvUser, QStringLiteral("20240623"), QStringLiteral("20240624"),
-                           QStringLiteral("20240630"), path, user_, -1, 0, options, error));
+                           QStringLiteral("20240630"), path, user_, -1, 0, {}, error));
   const QByteArray bytes = ReadBytes(path);
   EXPECT_TRUE(bytes.startsWith("Download Day," + QDate::currentDate().toString(QStringLiteral("MM/dd/yyyy")).toLatin1()));
 }

@@ -248,10 +248,7 @@ TEST_F(DayStore, CsvRowsTakeTheirDefaults) {
 
 TEST_F(DayStore, AFailedReceptionIsRemovedAsAWhole) {
   const QString raw = inst_.path(QStringLiteral("raw/R000000003.bin"));
-  QFile f(raw);
-  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-  f.write("x");
-  f.close();
+  ASSERT_TRUE(WriteBytes(raw, "x"));
   const QString id = QStringLiteral("R000000003");
   ASSERT_TRUE(VTDB_SetReceiveHistory(
       db_, ReceiveHistoryRow(id, QStringLiteral("20240506120000"), raw, manageFor(QStringLiteral("13020")))));
