@@ -14,39 +14,33 @@ using Bytes = std::array<quint8, N>;
 
 TEST(DataConvert, TextIsNoDataOnlyWhenEveryByteIsErased) {
   const quint8 erased[6] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
-  EXPECT_EQ(ByteToText(erased, 6), QStringLiteral("NoData"));
   const quint8 digits[6] = {'1', '2', '3', '4', '5', 0xFF};
-  EXPECT_EQ(ByteToText(digits, 5), QStringLiteral("12345"));
-  EXPECT_EQ(ByteToText(digits, 6).left(5), QStringLiteral("12345"));
-  EXPECT_NE(ByteToText(digits, 6), QStringLiteral("NoData"));
   // Shift_JIS "ア" (0x83 0x41) comes out as the Japanese character.
   const quint8 kana[2] = {0x83, 0x41};
-  EXPECT_EQ(ByteToText(kana, 2), QString::fromUtf8("ア"));
+  EXPECT_EQ(QStringList({ByteToText(erased, 6), ByteToText(digits, 5), ByteToText(digits, 6).left(5),
+                         ByteToText(kana, 2)}),
+            QStringList({"NoData", "12345", "12345", "ア"}));
+  EXPECT_NE(ByteToText(digits, 6), QStringLiteral("NoData"));
 }
 
 TEST(DataConvert, WordsAndLongsAreLittleEndian) {
   const quint8 w[2] = {0x34, 0x12};
-  EXPECT_EQ(ByteToWord(w), 0x1234);
   const quint8 ff[4] = {0xFF, 0xFF, 0xFF, 0xFF};
-  EXPECT_EQ(ByteToWord(ff), 65535);
-  EXPECT_EQ(ByteToLong(ff), -1);
   const quint8 l[4] = {0x78, 0x56, 0x34, 0x12};
-  EXPECT_EQ(ByteToLong(l), 0x12345678);
   const quint8 neg[4] = {0x00, 0x00, 0x00, 0x80};
-  EXPECT_EQ(ByteToLong(neg), std::numeric_limits<qint32>::min());
+  EXPECT_EQ(std::tuple(ByteToWord(w), ByteToWord(ff), ByteToLong(ff), ByteToLong(l), ByteToLong(neg)),
+            std::tuple(0x1234, 65535, -1, 0x12345678, std::numeric_limits<qint32>::min()));
 }
 
 TEST(DataConvert, BcdNibblesAboveNineCountAsTheirBinaryValue) {
-  EXPECT_EQ(BcdToByte(0x59), 59);
-  EXPECT_EQ(BcdToByte(0x0A), 10);
-  EXPECT_EQ(BcdToByte(0xA0), 100);
-  EXPECT_EQ(BcdToByte(0xFF), 165);
+  EXPECT_EQ(std::tuple(BcdToByte(0x59), BcdToByte(0x0A), BcdToByte(0xA0), BcdToByte(0xFF)),
+            std::tuple(59, 10, 100, 165));
   const quint8 w[2] = {0x12, 0x3F};
-  EXPECT_EQ(Bcd2ToWord(w), 12 * 100 + 45);  // 0x3F = 3 * 10 + 15
   const quint8 l[3] = {0x01, 0x23, 0x45};
-  EXPECT_EQ(Bcd3ToLong(l), 12345);
   const quint8 lff[3] = {0xFF, 0xFF, 0xFF};
-  EXPECT_EQ(Bcd3ToLong(lff), 165 * 10000 + 165 * 100 + 165);
+  // 0x3F = 3 * 10 + 15.
+  EXPECT_EQ(std::tuple(Bcd2ToWord(w), Bcd3ToLong(l), Bcd3ToLong(lff)),
+            std::tuple(12 * 100 + 45, 12345, 165 * 10000 + 165 * 100 + 165));
 }
 
 TEST(DataConvert, FourDigitYearDates) {

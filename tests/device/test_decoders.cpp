@@ -186,7 +186,6 @@ TEST(PageDecoder, MetsProfileLiesInTheLastThreeTransferBlocks) {
             std::tuple(1, 68, 10000, 1, 304, 7));
   for (int i = 0; i < kProfileSlots; ++i) ASSERT_EQ(d.LevelProfileMets[static_cast<size_t>(i)], i % 91) << i;
   EXPECT_EQ(d.LevelProfileBrio[0], 0);
-  // A short buffer is a run-time error.
   EXPECT_EQ(FlashData_ConvertByteArray2Struct_METS(AsBytes(b.left(496)), d), kErrSubscriptOutOfRange);
 }
 
@@ -196,8 +195,7 @@ TEST(PageDecoder, ErasedPageShowsAsNoDay) {
     const QByteArray b = Filled(kPageBufferBytes, 0xFF);
     FlashData d;
     ASSERT_EQ(FlashData_Decode(AsBytes(b), d, kind), 0) << KindText(kind).toStdString();
-    EXPECT_EQ(d.bcDate, ZeroDate());
-    EXPECT_EQ(d.CpuNo, "NoData");
+    EXPECT_EQ(std::tuple(d.bcDate, d.CpuNo), std::tuple(ZeroDate(), QString("NoData")));
     for (int i = 1; i <= 10; ++i) EXPECT_EQ(d.event(i), QTime(0, 0, 59));
     for (quint8 v : KindProfile(d, kind))
       ASSERT_EQ(ProfileSlotDumpText(v, kind == RecorderKind::BrioMets), QString());
@@ -228,19 +226,13 @@ TEST(Dumps, PageLinesListTheProfileSlotBySlot) {
   const QStringList lines = FlashDataDumpLines(d, RecorderKind::BrioNormal);
   const qsizetype p = lines.indexOf(QString::fromUtf8("身体活動レベル日内変動"));
   ASSERT_GE(p, 0);
-  EXPECT_EQ(lines[p + 1], "00:00:2");
-  EXPECT_EQ(lines[p + 2], "00:02:3");
-  EXPECT_EQ(lines[p + 720], "23:58:0");
+  EXPECT_EQ(QStringList({lines[p + 1], lines[p + 2], lines[p + 720]}),
+            QStringList({"00:00:2", "00:02:3", "23:58:0"}));
   EXPECT_TRUE(lines.contains(QString::fromUtf8("歩数[12345]")));
   EXPECT_TRUE(lines.contains(QString::fromUtf8("イベント1[07:15]")));
   const QStringList raw = RawDumpLines(AsBytes(BrioPage()));
-  EXPECT_EQ(raw.size(), 496);
-  EXPECT_EQ(raw[0], "0(2)");
+  EXPECT_EQ(std::tuple(raw.size(), raw[0]), std::tuple(496, QString("0(2)")));
 }
-
-}  // namespace
-
-namespace {
 
 // The offsets whose change alters the decoded record: every byte is flipped in turn
 // on a base where each encoding is valid (0x12 decodes as 12, 1212-12-12, 12:12).

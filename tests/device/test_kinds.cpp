@@ -52,9 +52,7 @@ TEST(Kinds, FixedTextVersionAndLogicDecideKindAndLanguage) {
 TEST(Kinds, UnknownBlocksLeaveTheEarlierKindAndLog) {
   TestInstallation inst;
   ASSERT_TRUE(inst.isValid());
-  DeviceState state;
-  state.pmKind = RecorderKind::BrioZr;
-  state.pmLang = RecorderLang::Japanese;
+  DeviceState state{.pmKind = RecorderKind::BrioZr, .pmLang = RecorderLang::Japanese};
   const RecorderNumbers n = RecorderNumbers::FromConfig();
   EXPECT_EQ(FlashManage_SetPMKind(AsBytes(Block(n.brioJpn, 1, 2)), state), kDeviceUnknownKind);
   EXPECT_TRUE(inst.logged("2", "FlashManage_SetPMKind", "PMLogicSelectionFlagVersion ERROR"));
@@ -99,14 +97,13 @@ TEST(Kinds, EachEditionAcceptsOnlyRecordersOfItsLanguage) {
 
 // Page counts wrap round the ring of the kind and language in force.
 TEST(Kinds, NegativePageCountsWrapRoundTheRing) {
-  EXPECT_EQ(WrapPageCount(0, RecorderKind::BrioNormal, RecorderLang::Japanese), 0);
-  EXPECT_EQ(WrapPageCount(17, RecorderKind::AL, RecorderLang::Japanese), 17);
+  EXPECT_EQ(std::tuple(WrapPageCount(0, RecorderKind::BrioNormal, RecorderLang::Japanese),
+                       WrapPageCount(17, RecorderKind::AL, RecorderLang::Japanese)),
+            std::tuple(0, 17));
   for (RecorderKind kind : {RecorderKind::AL, RecorderKind::BrioNormal, RecorderKind::BrioMets, RecorderKind::BrioZr})
     for (RecorderLang lang : {RecorderLang::Japanese, RecorderLang::English})
       EXPECT_EQ(WrapPageCount(-1, kind, lang), RingSize(kind, lang) - 1);
-  DeviceState s;
-  s.pmKind = RecorderKind::BrioNormal;
-  s.pmLang = RecorderLang::English;
+  const DeviceState s{.pmKind = RecorderKind::BrioNormal, .pmLang = RecorderLang::English};
   EXPECT_EQ(WrapPageCount(-10, s), RingSize(s.pmKind, s.pmLang) - 10);
   EXPECT_EQ(PageBytesOfKind(RecorderKind::Unknown), 0);
 }

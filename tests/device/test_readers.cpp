@@ -54,8 +54,7 @@ TEST(EmulatedReader, TakingTheRecorderOffRefusesTheNextTransfer) {
   WriteBytes(dir.filePath("r.img"), Blocks(20));
   EmulatedReader reader(dir.path());
   NoWaitClock clock;
-  DeviceState s;
-  s.pmKind = RecorderKind::AL;
+  DeviceState s{.pmKind = RecorderKind::AL};
   ASSERT_NE(UsbOpen(reader, clock, s), 0);
   std::array<quint8, 992> buffer{};
   EXPECT_EQ(RecvData(reader, clock, s, 1, buffer.data()), 0);
@@ -93,8 +92,7 @@ TEST(LibraryReader, MissingOrForeignLibraryBehavesAsNoRecorder) {
   EXPECT_EQ(UsbOpen(reader, clock, s), 0);
   EXPECT_EQ(inst.traceText().count("|2|LibraryReader        |"), 1);
   LibraryReader foreign(QStringLiteral("libm.so.6"));
-  EXPECT_FALSE(foreign.isLoaded());
-  EXPECT_EQ(foreign.Tavo_Open(), 0);
+  EXPECT_TRUE(!foreign.isLoaded() && foreign.Tavo_Open() == 0);
   EXPECT_TRUE(inst.traceText().contains("lacks Tavo_Open"));
 }
 

@@ -17,12 +17,8 @@ const RecorderKind kAllKinds[] = {RecorderKind::AL, RecorderKind::BrioNormal, Re
                              RecorderKind::BrioKt};
 
 RecorderImageOptions Options(RecorderKind kind, bool english = false) {
-  RecorderImageOptions o = SampleRecorder(10, QDate(2024, 3, 5));
-  o.kind = kind;
-  o.english = english;
-  o.seed = 11;
-  o.cpuNo = QStringLiteral("123456");
-  return o;
+  return {.kind = kind, .english = english, .days = 10, .seed = 11, .cpuNo = QStringLiteral("123456"),
+          .lastDay = QDate(2024, 3, 5), .numbers = RecorderNumbers::FromConfig()};
 }
 
 // What the generator writes as the fixed text, by the installation's numbers.
@@ -65,8 +61,8 @@ TEST(RecorderImage, EveryKindReadsBackThroughTheEmulatedReader) {
       // The page the decoder reads equals the page the generator wrote.
       FlashData direct;
       ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(o, d.bcDate, i == 9)), direct, kind), 0);
-      EXPECT_EQ(direct.StepCount, d.StepCount);
-      EXPECT_EQ(KindProfile(direct, kind), KindProfile(d, kind));
+      EXPECT_EQ(std::tuple(direct.StepCount, KindProfile(direct, kind)),
+                std::tuple(d.StepCount, KindProfile(d, kind)));
     }
   }
 }
@@ -131,8 +127,7 @@ TEST(RecorderImage, SameSeedSameBytesAndALaterClockKeepsTheEarlierDays) {
       FlashData km, mi;
       ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(o, o.lastDay, false)), km, kind), 0);
       ASSERT_EQ(FlashData_Decode(AsBytes(MakeDayPage(pounds, o.lastDay, false)), mi, kind), 0);
-      EXPECT_EQ(mi.UnitFlag, 1);
-      EXPECT_TRUE(km.Distance > 0 && mi.Distance == km.Distance);
+      EXPECT_TRUE(mi.UnitFlag == 1 && km.Distance > 0 && mi.Distance == km.Distance);
     }
     RecorderImageOptions other = o;
     other.seed = 12;
@@ -166,7 +161,6 @@ TEST(RecorderImage, RingWrapsErasedPagesAndUnsetWeight) {
   TestInstallation inst;
   RecorderImageOptions o = Options(RecorderKind::BrioMets);  // ring of 120
   o.startPage = 115;
-  o.days = 10;
   o.erasedPages = {117};
   o.unsetWeight = true;
   const RecorderContents c = ReadBack(inst, o);
@@ -177,12 +171,10 @@ TEST(RecorderImage, RingWrapsErasedPagesAndUnsetWeight) {
   EXPECT_EQ(c.pages.back().second.WeightFraction, 255);
   EXPECT_LE(c.pages[8].second.WeightFraction, 9);
 
-  o.kind = RecorderKind::AL;  // ring of 240
+  o = Options(RecorderKind::AL);  // ring of 240
   o.startPage = 240;
   o.days = 239;
   o.lastDay = QDate(2024, 12, 31);
-  o.unsetWeight = false;
-  o.erasedPages.clear();
   const RecorderContents all = ReadBack(inst, o);
   EXPECT_EQ(std::tuple(all.manage.RecordingPage, all.pages.size(), all.pages.front().second.bcDate),
             std::tuple(238, 239u, QDate(2024, 12, 31).addDays(-238)));
@@ -213,12 +205,9 @@ TEST(RecorderImage, MemoryLimitStopsWritingAtTheEndPage) {
 }
 
 TEST(RecorderImage, BadOptionsAreRefused) {
-  RecorderImageOptions o;
-  o.days = 121;
-  o.kind = RecorderKind::BrioMets;
+  RecorderImageOptions o{.kind = RecorderKind::BrioMets, .days = 121};
   QString error;
-  EXPECT_TRUE(MakeRecorderImage(o, &error).isEmpty());
-  EXPECT_FALSE(error.isEmpty());
+  EXPECT_TRUE(MakeRecorderImage(o, &error).isEmpty() && !error.isEmpty());
   o.days = 5;
   o.erasedPages = {0};
   EXPECT_FALSE(CheckRecorderImageOptions(o).isEmpty());
@@ -241,8 +230,7 @@ TEST(RecorderImage, InvalidImagesAreReportedNotDecoded) {
   RecorderContents c;
   {
     EmulatedReader none(inst.readerPath());
-    EXPECT_NE(ReadRecorderContents(none, clock, c, &error), 0);
-    EXPECT_TRUE(error.contains("no recorder"));
+    EXPECT_TRUE(ReadRecorderContents(none, clock, c, &error) != 0 && error.contains("no recorder"));
   }
   // A short file, and a good block whose page 2 (blocks 11 and 12) lies beyond the file's end.
   const QByteArray image = MakeRecorderImage(Options(RecorderKind::BrioNormal));
@@ -281,22 +269,20 @@ TEST(RecorderImage, CommandLineRoundTrip) {
          "777001", "--last-day", "20240110", "--start-page", QString::number(ring - 2)});
     const QByteArray json = run({"dump", out, "--json"});
 
-    RecorderImageOptions o = SampleRecorder(6, QDate(2024, 1, 10));
-    o.kind = kind;
-    o.seed = 5;
-    o.cpuNo = "777001";
-    o.startPage = ring - 2;  // the six days wrap round the ring
+    // The six days wrap round the ring.
+    const RecorderImageOptions o{.kind = kind, .days = 6, .seed = 5, .cpuNo = "777001",
+                                 .lastDay = QDate(2024, 1, 10), .startPage = ring - 2,
+                                 .numbers = RecorderNumbers::FromConfig()};
     const RecorderContents c = ReadBack(inst, o);
     EXPECT_EQ(json, RecorderContentsJson(c));
     const QJsonArray pages = QJsonDocument::fromJson(json).object()["pages"].toArray();
     ASSERT_EQ(pages.size(), 6);
     const int expectedPages[] = {ring - 2, ring - 1, ring, 1, 2, 3};
     for (int i = 0; i < 6; ++i) {
-      EXPECT_EQ(pages[i].toObject()["page"].toInt(), expectedPages[i]);
-      EXPECT_EQ(pages[i].toObject()["bcDate"].toString(), QDate(2024, 1, 5).addDays(i).toString("yyyy-MM-dd"));
+      EXPECT_EQ(std::tuple(pages[i].toObject()["page"].toInt(), pages[i].toObject()["bcDate"].toString()),
+                std::tuple(expectedPages[i], QDate(2024, 1, 5).addDays(i).toString("yyyy-MM-dd")));
     }
   }
-  // No valid image: a message and exit code 1.
   ASSERT_TRUE(WriteBytes(inst.path("temp/bad.img"), "not a recorder"));
   EXPECT_TRUE(run({"dump", inst.path("temp/bad.img"), "--json"}, 1).contains("no valid recorder image"));
 }

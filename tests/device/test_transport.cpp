@@ -11,11 +11,7 @@
 namespace {
 
 DeviceState Opened(qint32 handle = 7, RecorderKind kind = RecorderKind::BrioNormal) {
-  DeviceState s;
-  s.hUSB = handle;
-  s.pmKind = kind;
-  s.pmLang = RecorderLang::Japanese;
-  return s;
+  return {.hUSB = handle, .pmKind = kind, .pmLang = RecorderLang::Japanese};
 }
 
 // Every test has an installation for the log, a clock that only counts and a buffer.
@@ -34,8 +30,8 @@ TEST_F(Transport, OpenClosesAllWaitsAndCloseKeepsTheHandle) {
   DeviceState s;
   EXPECT_EQ(UsbOpen(reader, clock, s), 42);
   EXPECT_EQ(s.hUSB, 42);
-  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_CloseAll", "Tavo_Open"}));
-  EXPECT_EQ(clock.waits(), QList<int>({100}));
+  EXPECT_EQ(std::tuple(reader.callNames(), clock.waits()),
+            std::tuple(QStringList({"Tavo_CloseAll", "Tavo_Open"}), QList<int>({100})));
   reader.openResult = 0;
   EXPECT_EQ(UsbOpen(reader, clock, s), 0);
   EXPECT_EQ(clock.waits(), QList<int>({100, 100}));
@@ -43,8 +39,7 @@ TEST_F(Transport, OpenClosesAllWaitsAndCloseKeepsTheHandle) {
   reader.calls.clear();
   reader.closeResult = 0;
   EXPECT_FALSE(UsbClose(reader, s));
-  EXPECT_EQ(reader.callNames(), QStringList({"Tavo_Close"}));
-  EXPECT_EQ(reader.calls[0].handle, 0);
+  EXPECT_EQ(std::tuple(reader.callNames(), reader.calls[0].handle), std::tuple(QStringList({"Tavo_Close"}), 0));
   s.hUSB = 5;
   reader.closeResult = 1;
   EXPECT_TRUE(UsbClose(reader, s));
@@ -60,8 +55,7 @@ TEST_F(Transport, SuccessfulReadIsStartReadPollFinishWithTheSettlingWait) {
                                              "Tavo_GetStatus", "Tavo_Finish"}));
   EXPECT_EQ(std::tuple(reader.calls[1].firstBlock, reader.calls[1].byteCount, reader.calls[1].handle),
             std::tuple(0, 992, 7));
-  EXPECT_EQ(buffer[991], 0x5A);
-  EXPECT_EQ(clock.waits(), QList<int>({100, 100, 500}));
+  EXPECT_EQ(std::tuple(buffer[991], clock.waits()), std::tuple(0x5A, QList<int>({100, 100, 500})));
 }
 
 TEST_F(Transport, NeverFinishingReadKeepsWaiting) {
@@ -69,8 +63,8 @@ TEST_F(Transport, NeverFinishingReadKeepsWaiting) {
   reader.neverFinish = true;
   clock.setWaitLimitMs(60 * 60 * 1000);  // an hour of polling, then the test stops it
   EXPECT_THROW(RecvData(reader, clock, Opened(), 1, buffer.data()), DeviceClockLimitReached);
-  EXPECT_EQ(reader.count("Tavo_GetStatus"), 36001);
-  EXPECT_EQ(reader.count("Tavo_Finish") + reader.count("Tavo_Stop"), 0);
+  EXPECT_EQ(std::tuple(reader.count("Tavo_GetStatus"), reader.count("Tavo_Finish") + reader.count("Tavo_Stop")),
+            std::tuple(36001, 0));
 }
 
 TEST_F(Transport, FaultStatusIsReturnedAfterTheWaitAndTheTransferStopped) {
@@ -151,10 +145,7 @@ TEST_F(Transport, PageBelowOneDecodesAZeroedBuffer) {
 
 TEST_F(Transport, ManagementReceiveSetsKindDecodesAndSavesTheRawBlock) {
   inst.setConfig("SYSTEM", "SAVE_RAW_DATA", "1");
-  RecorderImageOptions o;
-  o.kind = RecorderKind::BrioZr;
-  o.numbers = RecorderNumbers::FromConfig();
-  o.days = 3;
+  const RecorderImageOptions o{.kind = RecorderKind::BrioZr, .days = 3, .numbers = RecorderNumbers::FromConfig()};
   const QByteArray image = MakeRecorderImage(o);
   ASSERT_FALSE(image.isEmpty());
   FakeReader reader(image);
@@ -190,9 +181,7 @@ TEST_F(Transport, ReceiveFailuresAreLoggedWithTheirCode) {
 }
 
 TEST_F(Transport, DumpLevelsWriteRecordsAndRawBytes) {
-  RecorderImageOptions o;
-  o.numbers = RecorderNumbers::FromConfig();
-  o.days = 2;
+  const RecorderImageOptions o{.days = 2, .numbers = RecorderNumbers::FromConfig()};
   FakeReader reader(MakeRecorderImage(o));
   DeviceState s;
   UsbOpen(reader, clock, s);
@@ -200,8 +189,8 @@ TEST_F(Transport, DumpLevelsWriteRecordsAndRawBytes) {
   ASSERT_EQ(PM_RecvManage(reader, clock, s, QString()), 0);
   ASSERT_EQ(PM_RecvData(reader, clock, s, 1, QString()), 0);
   EXPECT_TRUE(inst.logged("0", "FLASHMANAGE", QString::fromUtf8("固定データ[") + o.numbers.brioJpn + "]"));
-  EXPECT_TRUE(inst.logged("0", "FLASHDATA", "23:58:"));
-  EXPECT_FALSE(inst.logged("0", "FLASHDATA", "991("));
+  EXPECT_TRUE(inst.logged("0", "FLASHDATA", "23:58:") && !inst.logged("0", "FLASHDATA", "991("))
+      << "records only at level 1";
   inst.setConfig("PM_TEST", "PM_DUNP", "2");
   ASSERT_EQ(PM_RecvData(reader, clock, s, 1, QString()), 0);
   EXPECT_TRUE(inst.logged("0", "FLASHDATA", "991(0)"));  // the zero padding after 496 bytes

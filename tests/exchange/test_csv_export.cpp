@@ -80,17 +80,16 @@ TEST_F(JapaneseExport, WritesShiftJisWithCrLfAndRefusesWhatItCannotHold) {
   };
   ASSERT_TRUE(write(path, user_));
   const QByteArray bytes = ReadBytes(path);
-  EXPECT_TRUE(bytes.startsWith("\x8e\xf3\x90\x4d\x93\xfa,"));  // 受信日 in CP932
-  EXPECT_TRUE(bytes.endsWith("\r\n") && bytes.contains("\r\n23:58,"));
-  EXPECT_EQ(bytes.count("\r\n"), bytes.count("\n"));
+  // 受信日 in CP932, every line ended by CR LF.
+  EXPECT_TRUE(bytes.startsWith("\x8e\xf3\x90\x4d\x93\xfa,") && bytes.endsWith("\r\n") &&
+              bytes.contains("\r\n23:58,") && bytes.count("\r\n") == bytes.count("\n"));
 
   // A name with a character CP932 has not: refused before anything is written.
   UserInfo emoji = user_;
   emoji.FIRST_NAME = QStringLiteral("花子😀");
   const QString refused = inst_->path(QStringLiteral("temp/emoji.csv"));
   EXPECT_FALSE(write(refused, emoji));
-  EXPECT_TRUE(error.contains(QStringLiteral("😀"))) << error.toStdString();
-  EXPECT_FALSE(QFile::exists(refused));
+  EXPECT_TRUE(error.contains(QStringLiteral("😀")) && !QFile::exists(refused)) << error.toStdString();
   // The same name goes into a UTF-8 file, with or without a byte order mark.
   options.encoding = CsvEncoding::Utf8Bom;
   ASSERT_TRUE(write(refused, emoji));
@@ -101,10 +100,9 @@ TEST_F(JapaneseExport, WritesShiftJisWithCrLfAndRefusesWhatItCannotHold) {
 
 TEST_F(EnglishExport, WritesUtf8WithoutByteOrderMark) {
   const QString path = inst_->path(QStringLiteral("temp/en.csv"));
-  CsvExportOptions options;
   QString error;
   ASSERT_TRUE(MakeCSVData2(db_, kCsvUser, QStringLiteral("20240623"), QStringLiteral("20240624"),
-                           QStringLiteral("20240630"), path, user_, -1, 0, options, error));
+                           QStringLiteral("20240630"), path, user_, -1, 0, {}, error));
   const QByteArray bytes = ReadBytes(path);
   EXPECT_TRUE(bytes.startsWith("Download Day," + QDate::currentDate().toString(QStringLiteral("MM/dd/yyyy")).toLatin1()));
 }
@@ -119,16 +117,14 @@ TEST_F(JapaneseExport, BatchSkipsUsersWithoutDataAndNamesFilesByLoginAndName) {
   QDir().mkpath(folder);
   NullProgress progress;
   QString log;
-  CsvExportOptions options;
-  options.today = QDate(2024, 7, 1);
+  const CsvExportOptions options{.today = QDate(2024, 7, 1)};
   const int written = CSVBatchExport(db_, QStringLiteral("20240101"), QStringLiteral("20241231"), 0, folder,
                                      {kCsvUser, QStringLiteral("U000000002")}, progress, log, options);
-  EXPECT_EQ(written, 1);
-  EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList{QStringLiteral("hana_山田_20240701.csv")});
+  EXPECT_EQ(std::tuple(written, QDir(folder).entryList(QDir::Files)),
+            std::tuple(1, QStringList{QStringLiteral("hana_山田_20240701.csv")}));
   EXPECT_EQ(log, QStringLiteral("出力できませんでした@ログインID=taro,氏名=太郎 taro@指定した期間にデータがありません\r\n"));
   // The file holds the user's measured days only: from the imported day to the last.
   const QString text = QStringDecoder("CP932").decode(ReadBytes(folder + QStringLiteral("/hana_山田_20240701.csv")));
   EXPECT_TRUE(text.contains(QStringLiteral("\r\n2024/06/20,158,58.5,F,41,(木),250,1850,")) &&
-              text.contains(QStringLiteral("\r\n2024/06/30,")));
-  EXPECT_FALSE(text.contains(QStringLiteral("\r\n2024/07/01,")));
+              text.contains(QStringLiteral("\r\n2024/06/30,")) && !text.contains(QStringLiteral("\r\n2024/07/01,")));
 }

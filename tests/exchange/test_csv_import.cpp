@@ -43,8 +43,7 @@ class ImportTest : public ExchangeTest {
   QString GoodFileAndFreshDatabase() {
     StoreRecorder();
     const QString path = inst_->path(QStringLiteral("temp/good.csv"));
-    CsvExportOptions options;
-    options.encoding = CsvEncoding::Utf8;
+    CsvExportOptions options{.encoding = CsvEncoding::Utf8};
     QString error;
     EXPECT_TRUE(MakeCSVData2(db_, kCsvUser, "20240624", "20240630", "20240630", path, user_, -1, 0, options, error))
         << error.toStdString();
@@ -177,11 +176,6 @@ TEST_F(JapaneseImport, OlderLayoutsReadWithTheirScaleAndDateOrder) {
   EXPECT_TRUE(s.log.contains(QStringLiteral("CSVインポート成功@ファイル名=old12_Kate Moss_20090405.csv@利用者新規登録 "
                                             "ログインID=old12,氏名=Kate Moss,識別番号=U")));
 }
-
-namespace {
-
-
-}  // namespace
 
 // Each spoiled file is refused with the line at fault, stores nothing (not even its new
 // user), and the batch goes on to the next file.

@@ -53,8 +53,7 @@ TEST_F(Catalogue, MessageTextsIconsAndAnswers) {
   MessageDialog("INFO-I-0001", "<__MESSAGE1__|__MESSAGE2__|__MESSAGE1__>", true);
   MessageDialog("ODD-I-0001");
   ASSERT_EQ(shown().size(), 4u);
-  EXPECT_EQ(shown()[0].title, "Vantora");
-  EXPECT_FALSE(shown()[0].question);
+  EXPECT_EQ(std::tuple(shown()[0].title, shown()[0].question), std::tuple(QString("Vantora"), false));
   const std::pair<QString, DialogIcon> boxes[] = {
       {"Broken\r\nCall us", DialogIcon::Critical},
       {"Low, really low\r\nCharge it.\r\nextra line", DialogIcon::Exclamation},
@@ -67,8 +66,9 @@ TEST_F(Catalogue, MessageTextsIconsAndAnswers) {
   EXPECT_TRUE(shown()[4].question);
 
   MessageRecord rec{0, "one", "", "X"};
-  EXPECT_EQ(BuildMessageText(rec, "", true), "");  // not corrected
-  EXPECT_EQ(BuildMessageText(rec, "two", false), "one\r\ntwo");
+  // An empty text is not corrected.
+  EXPECT_EQ(std::tuple(BuildMessageText(rec, "", true), BuildMessageText(rec, "two", false)),
+            std::tuple(QString(), QString("one\r\ntwo")));
 }
 
 TEST_F(Catalogue, WarningsAndErrorsAreLoggedBeforeTheBox) {
@@ -112,17 +112,16 @@ TEST_F(Catalogue, MissingCodeAndMissingTitle) {
 TEST_F(Catalogue, MenuCaptions) {
   LoadMenuResourceFromText(
       ";mnuFile,commented out\nmnuFile,\"&File, data\"\nmnuFile,second\nmnuQuit,Quit\n,empty\n");
-  EXPECT_EQ(GetMenuCaption("mnuFile"), "&File, data");
-  EXPECT_EQ(GetMenuCaption("mnuQuit"), "Quit");
-  EXPECT_EQ(GetMenuCaption("mnuNone"), "*** Resouce Not Exist ***");
+  EXPECT_EQ(QStringList({GetMenuCaption("mnuFile"), GetMenuCaption("mnuQuit"), GetMenuCaption("mnuNone")}),
+            QStringList({"&File, data", "Quit", "*** Resouce Not Exist ***"}));
 }
 
 TEST_F(Catalogue, FilesInUtf8OrCp932) {
   QStringEncoder cp932("CP932");
   inst.writeCatalogue(cp932.encode(
       QStringLiteral("TITL-I-0001,0,\"ヴァントーラ\",\"\"\r\nPTOP-I-0001,0,\"既に起動しています。\",\"\"\r\n")));
-  EXPECT_EQ(FindMessage("TITL-I-0001")->text1, "ヴァントーラ");
-  EXPECT_EQ(FindMessage("PTOP-I-0001")->text1, "既に起動しています。");
+  EXPECT_EQ(FindMessage("TITL-I-0001")->text1 + "|" + FindMessage("PTOP-I-0001")->text1,
+            "ヴァントーラ|既に起動しています。");
   inst.writeMenu(QStringLiteral("mnuQuit,\"終了\"\n").toUtf8());
   EXPECT_EQ(GetMenuCaption("mnuQuit"), "終了");
 
@@ -187,8 +186,9 @@ TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
   ASSERT_TRUE(WriteBytes(inst.path("images/user1.png"), QByteArray()));
   inst.setResource("VB_COMMON", "IMAGE_USERICON_1", "../images/user1.png");
   inst.setResource("VB_COMMON", "IMAGE_USERICON_2", "../images/none.png");
-  EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_1"), "../images/user1.png");
-  EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_2"), "");
+  EXPECT_EQ(GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_1") + "|" +
+                GetIniPicturePath("VB_COMMON", "IMAGE_USERICON_2"),
+            "../images/user1.png|");
   EXPECT_TRUE(inst.logged("1", "SetIniPicture", "image file not found: VB_COMMON,IMAGE_USERICON_2"));
 
   inst.setResource("VB_COMMON", "FONT", "Noto Sans CJK JP");
@@ -201,8 +201,7 @@ TEST_F(Catalogue, ProfileLookupsOfTheResourceFile) {
   inst.setConfig("SYSTEM", "LOCALE_SHORTDATE", "dd/MM/yyyy");
   inst.setConfig("SYSTEM", "DATESCREEN_YMD", "dd\\/MM\\/yyyy");
   LoadCommonFormat();
-  EXPECT_EQ(GetCommonDateFormat(), "dd/MM/yyyy");
-  EXPECT_EQ(GetCommonScreenDateFormat(), "dd\\/MM\\/yyyy");
+  EXPECT_EQ(GetCommonDateFormat() + "|" + GetCommonScreenDateFormat(), "dd/MM/yyyy|dd\\/MM\\/yyyy");
 }
 
 }  // namespace

@@ -136,8 +136,7 @@ TEST_F(Config, ConfInstallationWinsOverWorkingDirectory) {
 }
 
 TEST_F(Config, LoadNeedsTheResourceAndChartFiles) {
-  EXPECT_EQ(GetResourceIniPath(), "../conf/resource.ini");
-  EXPECT_EQ(GetMetsIniPath(), "../conf/pmmets.ini");
+  EXPECT_EQ(GetResourceIniPath() + "|" + GetMetsIniPath(), "../conf/resource.ini|../conf/pmmets.ini");
 
   QFile::remove(inst.path("conf/pmmets.ini"));
   SetMetsIniPath("");
@@ -156,8 +155,7 @@ TEST_F(Config, LoadNeedsTheResourceAndChartFiles) {
 
 TEST(ConfigUnloaded, ReadsEmptyBeforeTheFileIsFound) {
   ResetSharedValues();
-  EXPECT_EQ(Ini_GetDbName(), "");
-  EXPECT_EQ(Ini_GetLang(), 0);
+  EXPECT_EQ(std::tuple(Ini_GetDbName(), Ini_GetLang()), std::tuple(QString(), 0));
   EXPECT_THROW(Ini_GetLogLevel(), ConfigError);
 }
 

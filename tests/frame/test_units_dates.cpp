@@ -9,11 +9,9 @@
 namespace {
 
 TEST(KgToPound, TableWinsAndTheRuleGivesEvenPounds) {
-  EXPECT_EQ(KgToPound(73), 160);  // table
-  // Rule: 72 kg is 158.73 lb; 159 is odd and lies above, so 158.
-  EXPECT_EQ(KgToPound(72), 158);
-  EXPECT_EQ(KgToPound(74), 164);  // 163.14: 163 is odd and q lies above it
-  EXPECT_EQ(KgToPound(0), 0);
+  // 73 kg from the table. By the rule 72 kg is 158.73 lb: 159 is odd and lies above, so 158;
+  // 74 kg is 163.14: 163 is odd and q lies above it, so 164.
+  EXPECT_EQ(std::tuple(KgToPound(73), KgToPound(72), KgToPound(74), KgToPound(0)), std::tuple(160, 158, 164, 0));
   for (int kg = 1; kg <= 250; ++kg) EXPECT_EQ(KgToPound(kg) % 2, 0) << kg;
   EXPECT_EQ(KgDoubleToPound(72.9), 158);
   EXPECT_THROW(KgToPound(3000000), std::overflow_error);
@@ -71,8 +69,7 @@ TEST(Dates, PeriodEndsOfWholeMonths) {
 }
 
 TEST(Dates, ZeroDateIsNoDate) {
-  EXPECT_TRUE(IsNoDate(ZeroDate()));
-  EXPECT_TRUE(IsNoDate(QDate()));
+  EXPECT_TRUE(IsNoDate(ZeroDate()) && IsNoDate(QDate()));
   EXPECT_EQ(YmdToDate(QStringLiteral("20061231")), QDate(2006, 12, 31));
   for (const char* bad : {"18991230", "20060231", "2006-1-31"}) EXPECT_FALSE(YmdToDate(bad).isValid()) << bad;
   EXPECT_EQ(SlashToDate(QStringLiteral("2006/01/02")), QDate(2006, 1, 2));
@@ -101,8 +98,8 @@ TEST(Dates, UnusablePatternsKeepTheStartingFormats) {
   EXPECT_EQ(picker, "x");
   EXPECT_FALSE(ProgramDateFormatFrom("/", "yyyy/MMM/gg", picker, screen, graph, weekday));
   const QString log = inst.traceText();
-  EXPECT_TRUE(log.contains("GetProgramDateFormat|DateSeparator Err"));
-  EXPECT_TRUE(log.contains("Other than YMD LOCALE_SSHORTDATE:yyyy/MMM/gg"));
+  EXPECT_TRUE(log.contains("GetProgramDateFormat|DateSeparator Err") &&
+              log.contains("Other than YMD LOCALE_SSHORTDATE:yyyy/MMM/gg"));
 
   // Whatever the machine's locale, the four keys end up written.
   SetLocaleDateFormats();

@@ -48,9 +48,8 @@ TEST_F(Failures, AFaultAtEveryPageOfTheLoopLeavesTheStoreAsItWas) {
   for (int transfer = 3; transfer <= 6; ++transfer) {
     SCOPED_TRACE(transfer);
     const ReceiveReport r = receiveWithFault(transfer);
-    EXPECT_EQ(r.ending, ReceiveEnding::Failed);
-    EXPECT_EQ(r.messageCodes, (QStringList{QStringLiteral("DDWN-C-0002"), QStringLiteral("COMN-C-0001")}));
-    EXPECT_EQ(r.pagesFetched, transfer - 3);
+    EXPECT_EQ(std::tuple(r.ending, r.messageCodes, r.pagesFetched),
+              std::tuple(ReceiveEnding::Failed, QStringList{"DDWN-C-0002", "COMN-C-0001"}, transfer - 3));
     // The overlap day too: its deletion belongs to the receive's one commit.
     EXPECT_EQ(dump(), before);
   }
@@ -104,8 +103,7 @@ TEST_F(Failures, APageArithmeticFailureWarnsAndEndsAsCancel) {
   FakeReader fake(image(second));
   ScriptedQuestions q;
   const ReceiveReport r = receiveChangingNothing(q, &fake);
-  EXPECT_EQ(r.ending, ReceiveEnding::Cancelled);
-  EXPECT_EQ(r.messageCodes, QStringList{QStringLiteral("DDWN-W-0001")});
+  EXPECT_EQ(std::tuple(r.ending, r.messageCodes), std::tuple(ReceiveEnding::Cancelled, QStringList{"DDWN-W-0001"}));
 }
 
 TEST_F(Failures, AFailedReleaseOfTheRecorderReportsAndCleansUp) {
@@ -158,7 +156,6 @@ TEST_F(Failures, AFailedTakeOverGivesBothUsersTheirRecordersBack) {
   ScriptedQuestions yes;
   yes.yesNo = {true};
   const ReceiveReport r = receive(yes, nullptr, &faulty);
-  EXPECT_EQ(r.ending, ReceiveEnding::Failed);
-  EXPECT_EQ(yes.asked, QStringList{QStringLiteral("NewCPUSelectUser")});
+  EXPECT_EQ(std::tuple(r.ending, yes.asked), std::tuple(ReceiveEnding::Failed, QStringList{"NewCPUSelectUser"}));
   EXPECT_EQ(dump(), start);
 }

@@ -5,13 +5,9 @@ namespace {
 
 ReceiveContext Context(int start, int end, int recording, RecorderKind kind = RecorderKind::BrioNormal,
                        RecorderLang lang = RecorderLang::Japanese) {
-  ReceiveContext ctx;
-  ctx.device.pmKind = kind;
-  ctx.device.pmLang = lang;
-  ctx.device.manage.RecordStartPage = start;
-  ctx.device.manage.RecordEndPage = end;
-  ctx.device.manage.RecordingPage = recording;
-  return ctx;
+  return {.device = {.manage = {.RecordStartPage = start, .RecordEndPage = end, .RecordingPage = recording},
+                     .pmKind = kind,
+                     .pmLang = lang}};
 }
 
 }  // namespace

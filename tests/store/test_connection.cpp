@@ -13,8 +13,7 @@ namespace {
 
 TEST_F(StoreTest, OpenFillsEmptyArgumentsWithTheDefaults) {
   VtDatabase other;
-  QString path;
-  QString password;
+  QString path, password;
   // The working directory is the installation's bin/, so the default path is its file.
   EXPECT_EQ(VTDB_Open(other, path, password), 0);
   EXPECT_EQ(path + " " + password, QStringLiteral("../data/mdb/ACTA.db qoxtlamv"));
@@ -24,20 +23,18 @@ TEST_F(StoreTest, OpenFillsEmptyArgumentsWithTheDefaults) {
     ASSERT_TRUE(st.step());
     EXPECT_EQ(st.text(0), value) << pragma;
   }
-  EXPECT_EQ(VTDB_Close(other), 0);
-  EXPECT_FALSE(other.isOpen());
+  EXPECT_TRUE(VTDB_Close(other) == 0 && !other.isOpen());
 }
 
 TEST_F(StoreTest, WrongPasswordOrForeignFileGivesTheConnectMessage) {
   VtDatabase other;
-  QString path = inst_.dbFile();
-  QString password = QStringLiteral("wrongpw");
+  QString path = inst_.dbFile(), password = QStringLiteral("wrongpw");
   EXPECT_EQ(VTDB_Open(other, path, password), 1);
   ASSERT_EQ(messages(), 1u);
   // The edition's words name the key; the engine's words go to the log only.
   const QString shown = inst_.dialog().shown.back().text;
-  EXPECT_TRUE(shown.startsWith(CatalogueLine(QStringLiteral("DBSF-C-0003")))) << shown.toStdString();
-  EXPECT_FALSE(shown.contains(QStringLiteral("not a database")));
+  EXPECT_TRUE(shown.startsWith(CatalogueLine(QStringLiteral("DBSF-C-0003"))) && !shown.contains("not a database"))
+      << shown.toStdString();
   EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("ConnectDB")));
 
   const QString junk = inst_.path(QStringLiteral("data/mdb/junk.db"));
@@ -46,8 +43,7 @@ TEST_F(StoreTest, WrongPasswordOrForeignFileGivesTheConnectMessage) {
   EXPECT_EQ(messages(), 2u);
   // A closed connection fails every operation the ordinary way.
   EXPECT_FALSE(VTDB_ExistUser(other));
-  EXPECT_EQ(messages(), 3u);
-  EXPECT_FALSE(other.lastErrorText().isEmpty());
+  EXPECT_TRUE(messages() == 3u && !other.lastErrorText().isEmpty());
   EXPECT_TRUE(traced(QStringLiteral("2"), QStringLiteral("VTDB_ExistUser")));
 }
 
@@ -65,18 +61,16 @@ TEST_F(StoreTest, NewFileHoldsTheFixedRowsAndIsNotOverwritten) {
 
   QString error;
   const qint64 size = QFileInfo(inst_.dbFile()).size();
-  EXPECT_FALSE(CreateDatabaseFile(inst_.dbFile(), kDefaultDbPassword, &error));
-  EXPECT_FALSE(error.isEmpty());
+  EXPECT_FALSE(CreateDatabaseFile(inst_.dbFile(), kDefaultDbPassword, &error) || error.isEmpty());
   EXPECT_EQ(QFileInfo(inst_.dbFile()).size(), size);
   Statement users(db_, QStringLiteral("SELECT COUNT(*) FROM [USER]"));
   EXPECT_TRUE(users.step());
 }
 
 TEST_F(StoreTest, CountersStartAtOneAndCutAtTheTop) {
-  EXPECT_EQ(GetId(db_, QStringLiteral("02")), QStringLiteral("000000001"));
-  EXPECT_EQ(GetId(db_, QStringLiteral("02")), QStringLiteral("000000002"));
-  EXPECT_EQ(CreateReceiveId(db_), QStringLiteral("R000000001"));
-  EXPECT_EQ(CreateUserId(db_), QStringLiteral("U000000003"));
+  // A braced list is evaluated in order.
+  EXPECT_EQ(QStringList({GetId(db_, "02"), GetId(db_, "02"), CreateReceiveId(db_), CreateUserId(db_)}),
+            QStringList({"000000001", "000000002", "R000000001", "U000000003"}));
 
   db_.exec(QStringLiteral("UPDATE [ID_TABLE] SET CRNTNO = '999999998' WHERE KEY = '03'"));
   EXPECT_EQ(CreateReceiveId(db_), QStringLiteral("R999999999"));

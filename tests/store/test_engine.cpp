@@ -32,8 +32,7 @@ TEST_F(EngineTest, FileIsUnreadableWithoutTheRightKey) {
   db_.close();
 
   const QByteArray raw = ReadBytes(path_);
-  EXPECT_FALSE(raw.contains("hello household"));
-  EXPECT_FALSE(raw.startsWith("SQLite format 3"));
+  EXPECT_FALSE(raw.contains("hello household") || raw.startsWith("SQLite format 3"));
 
   VtDatabase other;
   EXPECT_THROW(other.open(path_, QStringLiteral("wrong")), StoreError);
@@ -76,8 +75,7 @@ TEST_F(EngineTest, OpeningWaitsForAnotherWriterInsteadOfFailing) {
     error = e.text();
   }
   writer.join();
-  EXPECT_EQ(error, QString());
-  EXPECT_TRUE(other.isOpen());
+  EXPECT_EQ(std::tuple(error, other.isOpen()), std::tuple(QString(), true));
 }
 
 // CINT rounds halves to even and rejects text; StrComp with 0 is binary.
@@ -98,14 +96,10 @@ TEST_F(EngineTest, SqlFunctionsAndTheTextComparison) {
   for (const QString& v : {QStringLiteral("Mori      "), QStringLiteral("ＭＯＲＩ"), QStringLiteral("ｶﾞｸ"),
                            QStringLiteral("mora")}) {
     ins.reset();
-    ins.bind(1, v);
-    ins.run();
+    ins.bind(1, v).run();
   }
   auto count = [&](const QString& v) {
-    Statement st(db_, QStringLiteral("SELECT count(*) FROM N WHERE V = ?"));
-    st.bind(1, v);
-    st.step();
-    return st.text(0).toInt();
+    return one(db_, QStringLiteral("SELECT count(*) FROM N WHERE V = ?"), {v}).toInt();
   };
   // Trailing blanks, case and full/half width are one text for "=".
   EXPECT_EQ(std::tuple(count("mori"), count("ガク"), count("mor"), count("")), std::tuple(2, 1, 0, 0));

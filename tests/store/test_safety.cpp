@@ -65,8 +65,7 @@ TEST_F(SafetyTest, AnOlderDatabaseIsCopiedAsideAndRekeyedOnce) {
   // The copy taken before still opens with the built-in password.
   EXPECT_TRUE(hasUser(inst_.dbFile() + QStringLiteral(".prekey"), kDefaultDbPassword, id));
   // The working connection finds the key by itself; the next start has nothing to do.
-  QString path = inst_.dbFile();
-  QString password;
+  QString path = inst_.dbFile(), password;
   ASSERT_EQ(VTDB_Open(db_, path, password), 0);
   db_.close();
   EXPECT_EQ(PrepareDatabaseAtStart(inst_.dbFile()).outcome, DatabaseStartResult::Outcome::Ready);
@@ -156,9 +155,8 @@ TEST_F(SafetyTest, CompactionRunsOnlyWhenATenthIsFreeAndReplacesTheFileWhole) {
   CompactDB(path, result, progress);
   EXPECT_EQ(std::tuple(result, progress.values), std::tuple(0, std::vector<int>{20, 40, 60, kCompactProgressMaximum}));
   EXPECT_LT(QFileInfo(path).size(), QFileInfo(path + QStringLiteral(".bak")).size());
-  EXPECT_FALSE(QFile::exists(CompactTempPath(path)));
-  EXPECT_TRUE(hasUser(path, kDefaultDbPassword, id));
-  EXPECT_TRUE(hasUser(path + QStringLiteral(".bak"), kDefaultDbPassword, id));
+  EXPECT_TRUE(!QFile::exists(CompactTempPath(path)) && hasUser(path, kDefaultDbPassword, id) &&
+              hasUser(path + QStringLiteral(".bak"), kDefaultDbPassword, id));
   EXPECT_EQ(messages(), 0u);
 }
 

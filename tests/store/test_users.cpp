@@ -35,8 +35,8 @@ TEST_F(StoreTest, JapaneseUserCodesInOrder) {
   ASSERT_EQ(SetUser(db_, a), 0);
   EXPECT_EQ(a.USER_ID, QStringLiteral("U000000001"));
   // Stored padded to the widths, read back trimmed.
-  EXPECT_EQ(rawColumn(db_, QStringLiteral("FIRST_NAME"), a.USER_ID).size(), 20);
-  EXPECT_EQ(rawColumn(db_, QStringLiteral("HEIGHT_FEET"), a.USER_ID), QStringLiteral(" "));
+  EXPECT_EQ(std::tuple(rawColumn(db_, "FIRST_NAME", a.USER_ID).size(), rawColumn(db_, "HEIGHT_FEET", a.USER_ID)),
+            std::tuple(20, QString(" ")));
   ExpectCodes(db_, {
       {"", "", "", false, 13, "no name"},
       {"森 次郎", "", "   ", false, 8, "a nick of blanks is unusable, not missing"},
@@ -69,8 +69,7 @@ TEST_F(StoreTestEn, EnglishUserCodesInOrder) {
 
 TEST_F(StoreTestEn, ProhibitedCharactersGive18) {
   inst_.setConfig(QStringLiteral("PROHIBIT_FILENAME"), QStringLiteral("STRING_1"), QStringLiteral("/"));
-  UserInfo b = SampleUserInfo(QStringLiteral("Ha/na"), QStringLiteral("Mori"));
-  EXPECT_EQ(SetUser(db_, b), 18);
+  ExpectCodes(db_, {{"Ha/na", "Mori", "", false, 18, "a prohibited character"}});
 }
 
 TEST_F(StoreTest, EditingFindsTheUserHimselfNoConflict) {
@@ -118,13 +117,11 @@ TEST_F(StoreTest, LoginIdsAreComparedExactly) {
 TEST_F(StoreTest, LineBreaksBecomeBlanksAndNamesAreStoredAsTypedOrRefused) {
   // 21 characters: refused with the limit and the count, nothing stored.
   UserInfo tooLong = SampleUserInfo(QStringLiteral("ABCDEFGHIJKLMNOPQRSTU"));
-  EXPECT_EQ(SetUser(db_, tooLong), kUserNameTooLong);
-  EXPECT_TRUE(tooLong.USER_ID.isEmpty());
+  EXPECT_EQ(std::tuple(SetUser(db_, tooLong), tooLong.USER_ID), std::tuple(kUserNameTooLong, QString()));
   QString code, argument;
   UserRefusalMessage(kUserNameTooLong, tooLong, code, argument);
-  EXPECT_EQ(code, QStringLiteral("UREG-W-0014"));
-  EXPECT_TRUE(argument.contains(QStringLiteral("20")) && argument.contains(QStringLiteral("21")))
-      << argument.toStdString();
+  EXPECT_TRUE(code == "UREG-W-0014" && argument.contains("20") && argument.contains("21"))
+      << code.toStdString() << " " << argument.toStdString();
 
   // 20 characters outside the basic plane (40 UTF-16 units) fit and come back whole.
   QString faces;
@@ -136,9 +133,8 @@ TEST_F(StoreTest, LineBreaksBecomeBlanksAndNamesAreStoredAsTypedOrRefused) {
   ASSERT_TRUE(GetUserInfo(db_, back, a.USER_ID));
   EXPECT_EQ(back.FIRST_NAME + "|" + back.COMMENT, faces + "|one  two three");
   // A cut elsewhere never splits such a character.
-  EXPECT_EQ(FixWidth(QStringLiteral("ab") + QString::fromUtf8("\xF0\x9F\x99\x82"), 3),
-            QStringLiteral("ab") + QString::fromUtf8("\xF0\x9F\x99\x82"));
-  EXPECT_EQ(CharacterCount(faces), 20);
+  const QString face = QString::fromUtf8("\xF0\x9F\x99\x82");
+  EXPECT_EQ(std::tuple(FixWidth("ab" + face, 3), CharacterCount(faces)), std::tuple("ab" + face, 20));
 }
 
 TEST_F(StoreTest, GroupsAndRecorders) {
@@ -154,10 +150,9 @@ TEST_F(StoreTest, GroupsAndRecorders) {
   EXPECT_TRUE(GetUserInfoFromCPUNo(db_, none, QStringLiteral("A1B2C3")) && none.USER_ID.isEmpty());
   bool found = true;
   ASSERT_TRUE(VTDB_ChangeUserIdOnCPUNo(db_, QStringLiteral("A1B2C3"), a.USER_ID, &found));
-  EXPECT_FALSE(found);  // nothing to change yet
+  EXPECT_FALSE(found) << "nothing to change yet";
   ASSERT_TRUE(VTDB_SetUserIdOnCPUNo(db_, QStringLiteral("A1B2C3"), a.USER_ID));
-  ASSERT_TRUE(VTDB_ChangeUserIdOnCPUNo(db_, QStringLiteral("A1B2C3"), QStringLiteral("U999999999"), &found));
-  EXPECT_TRUE(found);
+  EXPECT_TRUE(VTDB_ChangeUserIdOnCPUNo(db_, "A1B2C3", "U999999999", &found) && found);
   EXPECT_EQ(VTDB_GetUserIDFromCPUNo(db_, QStringLiteral("A1B2C3")), QStringLiteral("U999999999"));
 }
 
@@ -169,13 +164,8 @@ TEST_F(StoreTest, DeletingAUserLeavesHistoryPlanAndSecondRecorder) {
   EXPECT_EQ(SetGeneralData(db_, a.USER_ID, QStringLiteral("2024"), QStringLiteral("05"), QStringLiteral("01"),
                            QStringLiteral("IT007"), QStringLiteral("IT007001"), QStringLiteral("3")),
             0);
-  ReceiveHistoryRecord history;
-  history.RECEIVE_ID = QStringLiteral("R000000001");
-  history.RECEIVE_DATE = QStringLiteral("20240501120000");
-  ASSERT_TRUE(VTDB_SetReceiveHistory(db_, history));
-  CsvRow row;
-  row.MEASUREMENT_DAY = row.RAW_MEASUREMENT_DAY = QStringLiteral("20240430");
-  row.STEP_COUNT = QStringLiteral("5000");
+  ASSERT_TRUE(VTDB_SetReceiveHistory(db_, {.RECEIVE_ID = "R000000001", .RECEIVE_DATE = "20240501120000"}));
+  const CsvRow row{.MEASUREMENT_DAY = "20240430", .RAW_MEASUREMENT_DAY = "20240430", .STEP_COUNT = "5000"};
   ASSERT_TRUE(VTDB_SetDayMeasurementForCSV(db_, QStringLiteral("R000000001"), 1, a, row));
   ASSERT_TRUE(VTDB_SetTimeMeasurementBlockForCSV(db_, QStringLiteral("R000000001"), 1, a, row));
   ASSERT_TRUE(VTDB_SetReceiveHistoryDate(db_, QStringLiteral("R000000001"), QStringLiteral("20240430"), a.USER_ID,
@@ -191,11 +181,10 @@ TEST_F(StoreTest, DeletingAUserLeavesHistoryPlanAndSecondRecorder) {
     st.step();
     return st.text(0).toInt();
   };
-  EXPECT_EQ(count("DAY_MEASUREMENT"), 0);
-  EXPECT_EQ(count("TIME_MEASUREMENT_BLOCK"), 0);
-  EXPECT_EQ(count("RECEIVE_HISTORY_DATE"), 0);
-  EXPECT_EQ(count("RECEIVE_HISTORY"), 1);
-  EXPECT_EQ(count("GENERAL_DATA"), 1);
+  // The days go; the reception and the plan stay.
+  EXPECT_EQ(std::tuple(count("DAY_MEASUREMENT"), count("TIME_MEASUREMENT_BLOCK"), count("RECEIVE_HISTORY_DATE"),
+                       count("RECEIVE_HISTORY"), count("GENERAL_DATA")),
+            std::tuple(0, 0, 0, 1, 1));
   EXPECT_EQ(VTDB_GetUserIDFromCPUNo(db_, QStringLiteral("CPU001")), QString());
   EXPECT_EQ(VTDB_GetUserIDFromCPUNo(db_, QStringLiteral("CPU002")), a.USER_ID) << "the dead assignment stays";
   UserRecord gone;
@@ -203,16 +192,9 @@ TEST_F(StoreTest, DeletingAUserLeavesHistoryPlanAndSecondRecorder) {
 }
 
 TEST_F(StoreTest, WeightPlanIsReplacedAndReadBack) {
-  WeightPlanRecord plan;
-  plan.UserId = QStringLiteral("U000000001");
-  plan.PeriodIndex = QStringLiteral("3");
-  plan.FoodIndex = QStringLiteral("2");
-  plan.StartDate = QStringLiteral("20240501");
-  plan.EndDate = QStringLiteral("20240801");
-  plan.TargetWeight = QStringLiteral("55.0");
-  plan.DietOption = QStringLiteral("True");
-  plan.StartWeight = QStringLiteral("60.0");
-  plan.PoundFlag = QStringLiteral("0");
+  WeightPlanRecord plan{.UserId = "U000000001", .PeriodIndex = "3", .StartDate = "20240501", .EndDate = "20240801",
+                        .TargetWeight = "55.0", .DietOption = "True", .FoodIndex = "2", .StartWeight = "60.0",
+                        .PoundFlag = "0"};
   ASSERT_TRUE(SetWeightPlan(db_, plan));
   plan.TargetWeight = QStringLiteral("54.0");
   ASSERT_TRUE(SetWeightPlan(db_, plan));

@@ -13,13 +13,8 @@
 // A Japanese normal recorder "A00042" worn for `days` days up to lastDay, with the
 // installation's recorder numbers.
 inline RecorderImageOptions SampleRecorder(int days, const QDate& lastDay = QDate(2024, 6, 30)) {
-  RecorderImageOptions o;
-  o.numbers = RecorderNumbers::FromConfig();
-  o.kind = RecorderKind::BrioNormal;
-  o.days = days;
-  o.lastDay = lastDay;
-  o.cpuNo = QStringLiteral("A00042");
-  return o;
+  return {.kind = RecorderKind::BrioNormal, .days = days, .cpuNo = QStringLiteral("A00042"), .lastDay = lastDay,
+          .numbers = RecorderNumbers::FromConfig()};
 }
 
 // Makes the recorder the only image on the installation's emulated reader.

@@ -49,12 +49,8 @@ class ExchangeTest : public ::testing::Test {
 
   // Days 2024-06-23 to 2024-06-30 from a recorder (the last one still being recorded).
   void StoreRecorder() {
-    RecorderImageOptions o;
-    o.kind = english_ ? RecorderKind::BrioNormal : RecorderKind::BrioZr;
-    o.english = english_;
-    o.unitFlag = english_ ? 1 : 0;
-    o.days = 8;
-    o.seed = 7;
+    const RecorderImageOptions o{.kind = english_ ? RecorderKind::BrioNormal : RecorderKind::BrioZr,
+                                 .english = english_, .days = 8, .seed = 7, .unitFlag = english_ ? 1 : 0};
     const QString error = StoreRecorderDays(db_, kCsvUser, o);
     ASSERT_TRUE(error.isEmpty()) << error.toStdString();
   }
@@ -84,8 +80,7 @@ class ExchangeTest : public ::testing::Test {
   QString Export(const QString& from, const QString& to, int kind, int maxRows = -1, bool* ok = nullptr) {
     const QString path = inst_->path(QStringLiteral("temp/out_%1_%2_%3.csv").arg(from, to).arg(kind));
     QFile::remove(path);
-    CsvExportOptions options;
-    options.today = QDate(2024, 7, 1);
+    CsvExportOptions options{.today = QDate(2024, 7, 1)};
     QString error;
     const bool written = MakeCSVData2(db_, kCsvUser, from, to, QStringLiteral("20240630"), path, user_, maxRows,
                                       kind, options, error);

@@ -29,34 +29,22 @@ class ScriptedQuestions : public ReceiveQuestions {
   bool selectWasEnabled = false;
 
   NewCpuAnswer newRecorder(const RecvMsgNewCPU& d) override {
-    asked << QStringLiteral("NewCPU");
     selectWasEnabled = d.btnSelectUserEnabled();
-    return take(newCpu, NewCpuAnswer::Cancel);
+    return ask("NewCPU", newCpu, NewCpuAnswer::Cancel);
   }
   bool receiveForCurrentUser(const RecvMsgNewCPUSelectUser&) override {
-    asked << QStringLiteral("NewCPUSelectUser");
-    return take(yesNo, false);
+    return ask("NewCPUSelectUser", yesNo, false);
   }
-  bool takeOverRecorder(const RecvMsgAlertUser&) override {
-    asked << QStringLiteral("AlertUser");
-    return take(yesNo, false);
-  }
-  bool receiveResetRecorder(const RecvMsgAlertReset&) override {
-    asked << QStringLiteral("AlertReset");
-    return take(yesNo, false);
-  }
-  QString registerUser(VtDatabase&) override {
-    asked << QStringLiteral("UserRegist");
-    return take(registered, QString());
-  }
-  QString selectUser(VtDatabase&) override {
-    asked << QStringLiteral("UserSelect");
-    return take(selected, QString());
-  }
+  bool takeOverRecorder(const RecvMsgAlertUser&) override { return ask("AlertUser", yesNo, false); }
+  bool receiveResetRecorder(const RecvMsgAlertReset&) override { return ask("AlertReset", yesNo, false); }
+  QString registerUser(VtDatabase&) override { return ask("UserRegist", registered, QString()); }
+  QString selectUser(VtDatabase&) override { return ask("UserSelect", selected, QString()); }
 
  private:
+  // Notes the question and takes the next queued answer.
   template <typename T>
-  static T take(std::deque<T>& q, T fallback) {
+  T ask(const char* question, std::deque<T>& q, T fallback) {
+    asked << QLatin1String(question);
     if (q.empty()) return fallback;
     T v = q.front();
     q.pop_front();
@@ -130,11 +118,7 @@ class ReceiveFixture : public ::testing::Test {
     EXPECT_EQ(dump(), before) << "the receive changed the database";
     return r;
   }
-  int count(const QString& sql, const QString& bind1 = QString()) {
-    Statement st(*db, sql);
-    if (!bind1.isNull()) st.bind(1, bind1);
-    return st.step() ? st.text(0).toInt() : -1;
-  }
+  int count(const QString& sql, const QString& bind1 = QString()) { return scalar(sql, bind1).toInt(); }
   // Rows of a table, or of those that meet a condition with one bound value.
   int rows(const char* table, const char* where = nullptr, const QString& bind1 = QString()) {
     const QString sql = QStringLiteral("SELECT COUNT(*) FROM [%1]").arg(QLatin1String(table));

@@ -15,19 +15,9 @@
 
 // Hana Sato, 41, 160 cm, 60 kg, with step and calorie targets, in the default group.
 inline UserRecord SampleUser(const QString& userId) {
-  UserRecord u;
-  u.USER_ID = userId;
-  u.GROUP_ID = kDefaultGroupId;
-  u.LOGIN_ID = u.NICK_NAME = QStringLiteral("hana");
-  u.FIRST_NAME = QStringLiteral("Hana");
-  u.LAST_NAME = QStringLiteral("Sato");
-  u.GENDAR = QStringLiteral("1");
-  u.AGE = QStringLiteral("41");
-  u.HEIGHT_CM = QStringLiteral("160");
-  u.WEIGHT_KG = QStringLiteral("60.0");
-  u.TARGET_STEP = QStringLiteral("9000");
-  u.TARGET_CAL = QStringLiteral("250");
-  return u;
+  return {.USER_ID = userId, .GROUP_ID = kDefaultGroupId, .LOGIN_ID = "hana", .FIRST_NAME = "Hana",
+          .LAST_NAME = "Sato", .NICK_NAME = "hana", .GENDAR = "1", .AGE = "41", .HEIGHT_CM = "160",
+          .WEIGHT_KG = "60.0", .TARGET_CAL = "250", .TARGET_STEP = "9000"};
 }
 
 // The same person as the screens enter one, with the given names, for SetUser and EditUser
@@ -35,20 +25,9 @@ inline UserRecord SampleUser(const QString& userId) {
 inline UserInfo SampleUserInfo(const QString& first, const QString& last = QString(),
                                const QString& nick = QString()) {
   const UserRecord r = SampleUser(QString());
-  UserInfo u;
-  u.GROUP_ID = r.GROUP_ID;
-  u.LOGIN_ID = r.LOGIN_ID;
-  u.FIRST_NAME = first;
-  u.LAST_NAME = last;
-  u.NICK_NAME = nick;
-  u.GENDAR = r.GENDAR;
-  u.AGE = r.AGE;
-  u.HEIGHT_CM = r.HEIGHT_CM;
-  u.WEIGHT_KG = r.WEIGHT_KG;
-  u.TARGET_STEP = r.TARGET_STEP;
-  u.TARGET_CAL = r.TARGET_CAL;
-  u.TARGET_ACTMIN = QStringLiteral("40");
-  return u;
+  return {.GROUP_ID = r.GROUP_ID, .LOGIN_ID = r.LOGIN_ID, .FIRST_NAME = first, .LAST_NAME = last,
+          .NICK_NAME = nick, .TARGET_CAL = r.TARGET_CAL, .TARGET_STEP = r.TARGET_STEP, .TARGET_ACTMIN = "40",
+          .GENDAR = r.GENDAR, .AGE = r.AGE, .HEIGHT_CM = r.HEIGHT_CM, .WEIGHT_KG = r.WEIGHT_KG};
 }
 
 // Creates the installation's database, opens it on db and stores SampleUser(userId) as the
