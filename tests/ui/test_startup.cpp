@@ -70,13 +70,11 @@ class StartupTest : public ::testing::Test {
   }
 
   void removeConfigKey(const QString& key) {
-    QFile f(inst.configFile());
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    QStringList lines = QString::fromUtf8(f.readAll()).split(u'\n');
-    f.close();
+    const QByteArray text = ReadBytes(inst.configFile());
+    ASSERT_FALSE(text.isEmpty());
+    QStringList lines = QString::fromUtf8(text).split(u'\n');
     lines.removeIf([&](const QString& l) { return l.startsWith(key + u'='); });
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(lines.join(u'\n').toUtf8());
+    ASSERT_TRUE(WriteBytes(inst.configFile(), lines.join(u'\n').toUtf8()));
   }
 
   TestInstallation inst;
@@ -143,11 +141,7 @@ TEST_F(StartupTest, TheFirstChecksUseTheDefaultDatabaseWhateverTheConfigurationS
 }
 
 TEST_F(StartupTest, ABrokenDatabaseStopsWithItsTextAndOpensTheManualUntilThatWorks) {
-  {
-    QFile f(inst.dbFile());
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(QByteArray(4096, 'x'));
-  }
+  ASSERT_TRUE(WriteBytes(inst.dbFile(), QByteArray(4096, 'x')));
   const QString manual = QDir(inst.binPath()).absoluteFilePath(QStringLiteral("../help/ERROR_DB.pdf"));
   platform.openSucceedsAt = 0;
   EXPECT_EQ(stop(), StartupStep::DatabaseCheck);
@@ -160,11 +154,7 @@ TEST_F(StartupTest, ABrokenDatabaseStopsWithItsTextAndOpensTheManualUntilThatWor
   EXPECT_TRUE(said.startsWith(CatalogueText(QStringLiteral("DBSF-C-0003"))) && said.contains(QStringLiteral("ACTA.db")))
       << said.toStdString();
   // Never written to, never replaced.
-  {
-    QFile f(inst.dbFile());
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    EXPECT_EQ(f.readAll(), QByteArray(4096, 'x'));
-  }
+  EXPECT_EQ(ReadBytes(inst.dbFile()), QByteArray(4096, 'x'));
   // The message comes before the manual.
   EXPECT_EQ(platform.log.indexOf(QStringLiteral("step database check")) + 1,
             platform.log.indexOf(QRegularExpression(QStringLiteral("open .*"))));
