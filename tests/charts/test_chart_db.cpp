@@ -162,12 +162,8 @@ TEST_F(ChartDb, PeriodWithoutRows) {
 }
 
 TEST_F(ChartDb, DayReceivedTwiceTakesTheNewestReceptionAndSequence) {
-  Row r;
-  r.day = D(2024, 3, 1);
-  for (const auto& [id, seq, steps] : {std::tuple{"R000000001", "1", 1111}, {"R000000002", "9", 2222}, {"R000000002", "10", 3333}}) {
-    std::tie(r.receiveId, r.seq, r.steps) = std::tuple{QLatin1String(id), QLatin1String(seq), steps};
-    add(r);
-  }
+  for (const auto& [id, seq, steps] : {std::tuple{"R000000001", "1", 1111}, {"R000000002", "9", 2222}, {"R000000002", "10", 3333}})
+    add(Row{.receiveId = id, .seq = seq, .day = D(2024, 3, 1), .steps = steps});
   EXPECT_EQ(calc(D(2024, 3, 1), D(2024, 3, 2), false), 1);
   EXPECT_EQ(days_[0].STEP_COUNT + u'|' + days_[0].SEQ_NUM, "3333|10");
   EXPECT_TRUE(days_[0].NewestOfDay);
@@ -200,9 +196,7 @@ TEST_F(ChartDb, FirstAndLastMeasuredDayAreExcludedOnlyWhereTheyLie) {
 
 TEST_F(ChartDb, LowStepRuleAndItsThresholds) {
   add(D(2024, 5, 1), 1);  // first day, excluded by its own rule
-  add(D(2024, 5, 2), 2, 49);
-  add(D(2024, 5, 3), 3, 50);
-  add(D(2024, 5, 4), 4, 0);
+  for (const auto& [day, steps] : {std::pair{2, 49}, {3, 50}, {4, 0}}) add(D(2024, 5, day), day, steps);
   add(D(2024, 5, 9), 5);
   EXPECT_EQ(counted(D(2024, 5, 2), D(2024, 5, 4), true), "3|101");
   inst_.setConfig(QStringLiteral("REPORT"), QStringLiteral("EDFA_LOW_STEP_COUNT"), QString());

@@ -94,11 +94,10 @@ TEST_F(StartupTest, RunsEveryStepInOrderAndAsksThePlatformAtTheRightPoints) {
   EXPECT_EQ(log.indexOf(QStringLiteral("instance")), log.indexOf(QStringLiteral("step single instance")) + 1);
   EXPECT_EQ(log.indexOf(QStringLiteral("splash")), log.indexOf(QStringLiteral("step splash")) + 1);
   // SHIFT_DB is "1": the earlier version is not looked for.
-  EXPECT_TRUE(platform.existsAsked.isEmpty());
-  EXPECT_TRUE(inst.dialog().shown.empty());
+  EXPECT_TRUE(platform.existsAsked.isEmpty() && inst.dialog().shown.empty());
   // The one-time part has read the configuration.
-  EXPECT_EQ(GetLogLevel(), QString::number(Ini_GetLogLevel()));
-  EXPECT_EQ(GetLangCode(), QString::number(Ini_GetLang()));
+  EXPECT_EQ(std::pair(GetLogLevel(), GetLangCode()),
+            std::pair(QString::number(Ini_GetLogLevel()), QString::number(Ini_GetLang())));
 }
 
 TEST_F(StartupTest, FreeSpaceCountsWholeGibibytesAndShowsTheFixedText) {
@@ -225,8 +224,7 @@ TEST_F(StartupTest, ASecondLoadRunsOnlyTheFirstThreeChecks) {
 
 TEST_F(StartupTest, TheWorkingConnectionUsesTheConfiguredDatabase) {
   VtDatabase db;
-  ASSERT_TRUE(OpenWorkingDatabase(db));
-  EXPECT_TRUE(db.isOpen());
+  ASSERT_TRUE(OpenWorkingDatabase(db) && db.isOpen());
   VTDB_Close(db);
 
   inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_NAME"),
@@ -277,8 +275,7 @@ TEST_F(ClosingTest, TheUsersStopCompactsAndFinishesTheChartLibrary) {
   closing.queryClose(0);
   EXPECT_TRUE(!db.isOpen() && closing.quitRequested());
   EXPECT_EQ(closing.closeMainScreen([this] { return compact(); }), StartupSequence::Outcome::Continue);
-  EXPECT_EQ(Ini_GetSortOrder(), 3);
-  EXPECT_FALSE(chart.hasChart(&surface));
+  EXPECT_EQ(std::pair(Ini_GetSortOrder(), chart.hasChart(&surface)), std::pair(3, false));
   // The compaction leaves a backup beside a database that still opens.
   EXPECT_TRUE(QFile::exists(inst.dbFile() + QStringLiteral(".bak")));
   VtDatabase again;

@@ -263,8 +263,7 @@ TEST_F(NavigationTest, TheRememberedUserOpensOnTheWeekAndEveryButtonMovesTheWind
   ASSERT_EQ(w.lvUserList->count(), 1);
   EXPECT_TRUE(w.lvUserList->item(0)->isSelected() && w.btnUserEdit->isEnabled() && w.mnuDeleteUser->isEnabled());
   Q_EMIT w.lvUserList->itemDoubleClicked(w.lvUserList->item(0));
-  EXPECT_EQ(GetScreenState(), kStateJob);
-  EXPECT_EQ(Ini_GetLastUserId(), kUser);
+  EXPECT_EQ(std::pair(GetScreenState(), Ini_GetLastUserId()), std::pair(kStateJob, kUser));
 }
 
 TEST_F(NavigationTest, AnUnchangedChartReusesItsFilesAndAChangedUserRebuildsThem) {
