@@ -152,8 +152,8 @@ class EnglishChartIntegration : public ChartIntegration {
 TEST_F(EnglishChartIntegration, MixedUnitsAreReadInTheUnitOfTheLastDay) {
   ASSERT_TRUE(IsEnglishEdition());
   // Kilograms and kilometres first, then the same recorder set to pounds and miles.
-  RecorderImageOptions o{
-      .kind = RecorderKind::BrioMets, .english = true, .days = 60, .cpuNo = "123456", .lastDay = QDate(2024, 5, 31)};
+  RecorderImageOptions o{.kind = RecorderKind::BrioMets, .english = true, .days = 60, .cpuNo = "123456",
+                         .lastDay = QDate(2024, 5, 31)};
   ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
   o.unitFlag = 1;
   o.lastDay = QDate(2024, 6, 30);

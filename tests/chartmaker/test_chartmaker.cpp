@@ -68,8 +68,8 @@ TEST_F(ChartMakerTest, FilesWithoutDataGiveTheFamilyNoDataCodeAndStillDraw) {
                                           {501, 410}, {602, 310}, {900, 610}, {5, 910}};
   for (const auto& [type, code] : expected) {
     ImageSurface surface(QSize(640, 400));
-    EXPECT_EQ(ChartMakerPersonal(maker, surface, writeChart("nodata.txt", {.type = type, .withData = false})), code)
-        << type;
+    const QString file = writeChart("nodata.txt", {.type = type, .withData = false});
+    EXPECT_EQ(ChartMakerPersonal(maker, surface, file), code) << type;
     EXPECT_EQ(surface.timesShown(), 1) << type;
     EXPECT_GT(fixtures::DistinctColours(surface.image(), 7), 2) << type;  // axes and captions are there
   }

@@ -162,7 +162,8 @@ TEST_F(ChartDb, PeriodWithoutRows) {
 }
 
 TEST_F(ChartDb, DayReceivedTwiceTakesTheNewestReceptionAndSequence) {
-  for (const auto& [id, seq, steps] : {std::tuple{"R000000001", "1", 1111}, {"R000000002", "9", 2222}, {"R000000002", "10", 3333}})
+  for (const auto& [id, seq, steps] :
+       {std::tuple{"R000000001", "1", 1111}, {"R000000002", "9", 2222}, {"R000000002", "10", 3333}})
     add(Row{.receiveId = id, .seq = seq, .day = D(2024, 3, 1), .steps = steps});
   EXPECT_EQ(calc(D(2024, 3, 1), D(2024, 3, 2), false), 1);
   EXPECT_EQ(days_[0].STEP_COUNT + u'|' + days_[0].SEQ_NUM, "3333|10");

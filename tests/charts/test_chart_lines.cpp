@@ -224,9 +224,9 @@ TEST(Lines, PlanWeightsBeforeInsideAndAfterThePlan) {
 
 TEST(Lines, HeaderLinesKeepTheirWording) {
   HeaderContext h{.user = SampleUser(QStringLiteral("U000000001")), .groupName = "Family",
-                  .startDate = "20240101", .endDate = "20240107", .countedDays = 5, .targetStep = "8000", .targetIntake = "2000",
-                  .targetActMin = "60", .moderateFrom = "4", .moderateTo = "7", .threshold = "50",
-                  .institution = "Clinic"};
+                  .startDate = "20240101", .endDate = "20240107", .countedDays = 5, .targetStep = "8000",
+                  .targetIntake = "2000", .targetActMin = "60", .moderateFrom = "4", .moderateTo = "7",
+                  .threshold = "50", .institution = "Clinic"};
   h.user.FIRST_NAME = QStringLiteral("Hana  ");
   h.user.COMMENT = QStringLiteral("walks");
   // The gender carries its comma and the separator follows: an empty field before the height.

@@ -24,7 +24,8 @@ CliRun RunPlan(const TestInstallation& inst, const QStringList& args) {
   p.setWorkingDirectory(inst.binPath());
   p.start(QStringLiteral(VANTORA_CLI_PATH), QStringList{QStringLiteral("plan"), QStringLiteral("--user"), kUser} + args);
   if (!p.waitForFinished(60000)) return {};
-  return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
+  return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+          QString::fromUtf8(p.readAllStandardError())};
 }
 
 }  // namespace
@@ -69,7 +70,8 @@ TEST(PlanCommand, SameFiguresAsTheScreenThenSavedAndShown) {
   r = RunPlan(inst, {"--start", "20240701", "--end", "20240930", "--loss", "1", "--reduction", "11", "--json"});
   ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
   const QJsonObject stopped = QJsonDocument::fromJson(r.out.toUtf8()).object();
-  EXPECT_EQ(stopped["message"].toString() + u'|' + stopped["fastWalk"].toObject()["average"].toString(), "DSIM-I-0001|");
+  EXPECT_EQ(stopped["message"].toString() + u'|' + stopped["fastWalk"].toObject()["average"].toString(),
+            "DSIM-I-0001|");
 
   // A refused figure fails with its code; bad usage is 2.
   r = RunPlan(inst, {"--start", "20240701", "--months", "3", "--loss", "201", "--json"});

@@ -45,7 +45,8 @@ class WeightForm : public ::testing::Test {
     inst_ = std::make_unique<TestInstallation>(QString::fromLatin1(lang));
     ASSERT_TRUE(inst_->isValid());
     ASSERT_EQ(OpenDatabaseWithSampleUser(*inst_, db_, kUser), "");
-    const RecorderImageOptions o{.english = QLatin1String(lang) == QLatin1String("en"), .days = 20, .unitFlag = unitFlag};
+    const RecorderImageOptions o{
+        .english = QLatin1String(lang) == QLatin1String("en"), .days = 20, .unitFlag = unitFlag};
     ASSERT_EQ(StoreRecorderDays(db_, kUser, o), "");
   }
   std::unique_ptr<SimulationWeightLogic> open() {
@@ -155,7 +156,8 @@ TEST_F(WeightForm, LeavingAWeightFieldChecksAndReconciles) {
     f->targetWeight = "77.5";
     f->loss = "5.0";
     EXPECT_FALSE((f.get()->*r.leave)(QString::fromLatin1(r.text))) << r.text;
-    EXPECT_EQ(std::pair(f->lastMessage, f->failedField), std::pair(QString::fromLatin1(r.code), r.field)) << r.text;
+    EXPECT_EQ(std::pair(f->lastMessage, f->failedField), std::pair(QString::fromLatin1(r.code), r.field))
+        << r.text;
     EXPECT_EQ(f->targetWeight + u' ' + f->loss, "77.5 5.0") << r.text;
   }
   // Bounds are not checked while the start weight is below 0.1.

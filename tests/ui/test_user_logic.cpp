@@ -81,7 +81,8 @@ TEST_F(UserForm, EachTargetIsRefusedJustOutsideItsBoundsAndAcceptedOnThem) {
   for (const Case& c : cases) {
     const Outcome o = regist(c.actCal, c.step, c.exercise);
     const std::string what = std::string(c.actCal) + "/" + c.step + "/" + c.exercise;
-    EXPECT_EQ(std::tuple(o.code, o.focus, o.close), std::tuple(QString::fromLatin1(c.code), c.focus, *c.code == 0))
+    EXPECT_EQ(std::tuple(o.code, o.focus, o.close),
+              std::tuple(QString::fromLatin1(c.code), c.focus, *c.code == 0))
         << what;
     if (*c.code) {
       EXPECT_TRUE(wasShown(QLatin1String(c.code))) << what;
@@ -98,8 +99,8 @@ TEST_F(UserForm, NameProblemsKeepTheScreenWithTheFocusOnTheName) {
     form.load();
     form.firstName = QString::fromUtf8(name);
     const Outcome o = form.submit();
-    EXPECT_EQ(std::tuple(o.close, o.code, o.focus), std::tuple(false, QString::fromLatin1(code), UserField::FirstName))
-        << name;
+    const auto expected = std::tuple(false, QString::fromLatin1(code), UserField::FirstName);
+    EXPECT_EQ(std::tuple(o.close, o.code, o.focus), expected) << name;
     if (o.code == QLatin1String("UREG-W-0003")) {
       EXPECT_TRUE(lastShownText().endsWith(QStringLiteral("氏名:山田 花子"))) << lastShownText().toStdString();
     }
