@@ -42,9 +42,8 @@ class ChartMakerTest : public ::testing::Test {
 
 TEST_F(ChartMakerTest, BadFilesGiveTheirCodesAndNeverAPicture) {
   ImageSurface surface(QSize(400, 300));
-  EXPECT_EQ(ChartMakerPersonal(maker, surface, path("absent.txt")), chartcode::kFileMissing);
-  EXPECT_EQ(ChartMakerPersonal(maker, surface, QString()), chartcode::kFileMissing);
-  EXPECT_EQ(ChartMakerPersonal(maker, surface, dir.path()), chartcode::kFileMissing);  // a folder
+  for (const QString& missing : {path("absent.txt"), QString(), dir.path() /* a folder */})
+    EXPECT_EQ(ChartMakerPersonal(maker, surface, missing), chartcode::kFileMissing) << missing.toStdString();
   EXPECT_EQ(ChartMakerPersonal(maker, surface, write("empty.txt", "")), chartcode::kFileMalformed);
   EXPECT_EQ(ChartMakerPersonal(maker, surface, write("blank.txt", "\r\n\r\n")), chartcode::kFileMalformed);
   // Unknown type, type that is not a number, missing line 3, bad dates, short data line,

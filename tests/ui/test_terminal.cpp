@@ -54,8 +54,7 @@ TEST_F(TerminalTest, AFirstStartShowsTheEmptyUserListWithOnlyRegistrationOffered
   QSignalSpy closing(&w, &frmTerminal::queryClose);
   SetReceiveRunning(true);
   w.close();
-  EXPECT_TRUE(w.isVisible()) << "no closing in the middle of a receive";
-  EXPECT_EQ(closing.count(), 0);
+  EXPECT_TRUE(w.isVisible() && closing.count() == 0) << "no closing in the middle of a receive";
   SetReceiveRunning(false);
   w.mnuQuit->trigger();
   ASSERT_EQ(std::tuple(w.isVisible(), quit.count(), closing.count()), std::tuple(false, 1, 1));
@@ -219,8 +218,7 @@ TEST_F(NavigationTest, TheRememberedUserOpensOnTheWeekAndEveryButtonMovesTheWind
   EXPECT_TRUE(w.btnDateLatest->isChecked() && w.btnWeek->isChecked());
 
   w.btnDateBack->click();
-  EXPECT_EQ(end(), last.addDays(-1));
-  EXPECT_FALSE(w.btnDateLatest->isChecked());
+  EXPECT_EQ(std::pair(end(), w.btnDateLatest->isChecked()), std::pair(last.addDays(-1), false));
   w.btnDateNext->click();
   w.btnDateNext->click();
   EXPECT_EQ(end(), last) << "next stops at the last measured day";
@@ -239,8 +237,7 @@ TEST_F(NavigationTest, TheRememberedUserOpensOnTheWeekAndEveryButtonMovesTheWind
 
   w.btnDay->click();
   EXPECT_EQ(std::pair(kind(), start()), std::pair(5, end()));
-  EXPECT_FALSE(w.dtDateStart->isEnabled());
-  EXPECT_TRUE(w.lblDispChartOneday->isVisible());
+  EXPECT_TRUE(!w.dtDateStart->isEnabled() && w.lblDispChartOneday->isVisible());
   w.btnDateBack->click();
   EXPECT_EQ(end(), last.addDays(-1));
   w.btnGraph[4]->click();
