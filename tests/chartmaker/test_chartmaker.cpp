@@ -12,6 +12,7 @@
 #include "chartmaker/chartmaker.h"
 #include "chartmaker/chartsettings.h"
 #include "testsupport/chart_fixtures.h"
+#include "testsupport/test_installation.h"
 
 namespace {
 
@@ -27,9 +28,7 @@ class ChartMakerTest : public ::testing::Test {
   }
   QString path(const QString& name) const { return dir.filePath(name); }
   QString write(const QString& name, const QByteArray& bytes) {
-    QFile f(path(name));
-    EXPECT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
+    EXPECT_TRUE(WriteBytes(path(name), bytes));
     return path(name);
   }
   QString writeChart(const QString& name, const fixtures::Options& o) {
@@ -43,9 +42,8 @@ class ChartMakerTest : public ::testing::Test {
 
 TEST_F(ChartMakerTest, BadFilesGiveTheirCodesAndNeverAPicture) {
   ImageSurface surface(QSize(400, 300));
-  EXPECT_EQ(ChartMakerPersonal(maker, surface, path("absent.txt")), chartcode::kFileMissing);
-  EXPECT_EQ(ChartMakerPersonal(maker, surface, QString()), chartcode::kFileMissing);
-  EXPECT_EQ(ChartMakerPersonal(maker, surface, dir.path()), chartcode::kFileMissing);  // a folder
+  for (const QString& missing : {path("absent.txt"), QString(), dir.path() /* a folder */})
+    EXPECT_EQ(ChartMakerPersonal(maker, surface, missing), chartcode::kFileMissing) << missing.toStdString();
   EXPECT_EQ(ChartMakerPersonal(maker, surface, write("empty.txt", "")), chartcode::kFileMalformed);
   EXPECT_EQ(ChartMakerPersonal(maker, surface, write("blank.txt", "\r\n\r\n")), chartcode::kFileMalformed);
   // Unknown type, type that is not a number, missing line 3, bad dates, short data line,
@@ -68,11 +66,9 @@ TEST_F(ChartMakerTest, FilesWithoutDataGiveTheFamilyNoDataCodeAndStillDraw) {
   const std::pair<int, int> expected[] = {{100, 310}, {200, 710}, {201, 710}, {302, 810}, {400, 510},
                                           {501, 410}, {602, 310}, {900, 610}, {5, 910}};
   for (const auto& [type, code] : expected) {
-    fixtures::Options o;
-    o.type = type;
-    o.withData = false;
     ImageSurface surface(QSize(640, 400));
-    EXPECT_EQ(ChartMakerPersonal(maker, surface, writeChart("nodata.txt", o)), code) << type;
+    const QString file = writeChart("nodata.txt", {.type = type, .withData = false});
+    EXPECT_EQ(ChartMakerPersonal(maker, surface, file), code) << type;
     EXPECT_EQ(surface.timesShown(), 1) << type;
     EXPECT_GT(fixtures::DistinctColours(surface.image(), 7), 2) << type;  // axes and captions are there
   }
@@ -104,15 +100,12 @@ TEST_F(ChartMakerTest, AllDaysExcludedIsReportedAsNoEffectiveData) {
   InterfaceFile f;
   ASSERT_EQ(ReadInterfaceFile(write("wexcl.txt", withExercise.toUtf8()), f), ChartReadStatus::Ok);
   ASSERT_EQ(f.lines.size(), 2u);
-  EXPECT_EQ(f.lines[0].state, LineState::AllExcluded);
-  EXPECT_EQ(f.lines[0].exercise, 4.5);
-  EXPECT_EQ(f.lines[1].state, LineState::NoData);
+  EXPECT_EQ(std::tuple(f.lines[0].state, f.lines[0].exercise, f.lines[1].state),
+            std::tuple(LineState::AllExcluded, std::optional(4.5), LineState::NoData));
 }
 
 TEST_F(ChartMakerTest, RemakeRepaintsFromMemoryWithoutTheFile) {
-  fixtures::Options o;
-  o.type = 401;
-  const QString file = writeChart("remake.txt", o);
+  const QString file = writeChart("remake.txt", {.type = 401});
   ImageSurface surface(QSize(700, 420));
   ImageSurface other(QSize(700, 420));
   ASSERT_EQ(ChartMakerPersonal(maker, surface, file), 0);
@@ -139,16 +132,13 @@ TEST_F(ChartMakerTest, RemakeRepaintsFromMemoryWithoutTheFile) {
 bool HavePdfToText() { return !QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty(); }
 
 TEST_F(ChartMakerTest, ReportPdfCarriesThePersonAndThePeriod) {
-  fixtures::Options o;
-  o.type = 200;
+  const fixtures::Options o{.type = 200};
   const QString iface = writeChart("r200.txt", o);
   const QString header = path("hed.txt");
   ASSERT_TRUE(fixtures::WriteText(header, fixtures::HeaderText(true, QDate(2024, 6, 24), o.end)));
   const QString pdf = path("report.pdf");
   ASSERT_EQ(PrintChartPersonal(maker, header, iface, "pdf:" + pdf, 9), 0);
-  QFile f(pdf);
-  ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-  EXPECT_TRUE(f.read(5).startsWith("%PDF"));
+  EXPECT_TRUE(ReadBytes(pdf).startsWith("%PDF"));
   if (!HavePdfToText()) GTEST_SKIP() << "pdftotext not installed";
   // Ideographs that share their glyph with a radical read back as the ideograph; figures
   // beside Latin letters keep their text too (the CJK font's shaping would swap them for
@@ -188,13 +178,9 @@ TEST_F(ChartMakerTest, PrintingCodes) {
   // A failed print leaves an earlier file as it was; a good one replaces it whole.
   const QString kept = write("kept.pdf", "earlier report");
   EXPECT_EQ(PrintChartPersonal(maker, header, write("bad2.txt", "x"), "pdf:" + kept, 9), chartcode::kFileMalformed);
-  auto keptBytes = [&kept] {
-    QFile k(kept);
-    return k.open(QIODevice::ReadOnly) ? k.readAll() : QByteArray();
-  };
-  EXPECT_EQ(keptBytes(), QByteArray("earlier report"));
+  EXPECT_EQ(ReadBytes(kept), QByteArray("earlier report"));
   EXPECT_EQ(PrintChartPersonal(maker, header, iface, "pdf:" + kept, 9), 0);
-  EXPECT_TRUE(keptBytes().startsWith("%PDF"));
+  EXPECT_TRUE(ReadBytes(kept).startsWith("%PDF"));
   EXPECT_EQ(QDir(dir.path()).entryList({QStringLiteral("kept.pdf*")}, QDir::Files | QDir::Hidden).size(), 1);
 }
 
@@ -215,40 +201,31 @@ TEST_F(ChartMakerTest, BmiPictureWritesItsBitmap) {
 
 TEST(ChartFiles, LineStatesExerciseAndMeans) {
   QTemporaryDir dir;
-  fixtures::Options o;
-  o.type = 900;
-  o.days = 12;
   const QString file = dir.filePath("e.txt");
-  ASSERT_TRUE(fixtures::WriteInterface(file, o));
+  ASSERT_TRUE(fixtures::WriteInterface(file, {.type = 900, .days = 12}));
   InterfaceFile f;
   ASSERT_EQ(ReadInterfaceFile(file, f), ChartReadStatus::Ok);
   EXPECT_EQ(std::tuple(f.type, f.moderateFrom, f.moderateTo, f.fixedMax[0]), std::tuple(900, 4, 7, 15000));
-  EXPECT_EQ(f.start, QDate(2024, 6, 19));
-  EXPECT_EQ(f.exerciseTarget, 23);
+  EXPECT_EQ(std::pair(f.start, f.exerciseTarget), std::pair(QDate(2024, 6, 19), std::optional(23.0)));
   ASSERT_EQ(f.lines.size(), 12u);
   // The generator leaves day 5 without a row and excludes day 7.
-  EXPECT_EQ(f.lines[4].state, LineState::NoData);
-  EXPECT_FALSE(f.lines[4].exercise.has_value());
-  EXPECT_EQ(f.lines[6].state, LineState::Excluded);
-  EXPECT_TRUE(f.lines[6].exercise.has_value());
+  EXPECT_EQ(std::pair(f.lines[4].state, f.lines[4].exercise.has_value()), std::pair(LineState::NoData, false));
+  EXPECT_EQ(std::pair(f.lines[6].state, f.lines[6].exercise.has_value()), std::pair(LineState::Excluded, true));
   EXPECT_EQ(f.lines[0].state, LineState::Counted);
   EXPECT_EQ(std::pair(f.validDays, f.countedLines()), std::pair(10, 10));
 }
 
 TEST(ChartFiles, DayProfileSlotsGapsEventsAndMode) {
   QTemporaryDir dir;
-  fixtures::Options o;
-  o.type = 5;
   const QString file = dir.filePath("d.txt");
-  ASSERT_TRUE(fixtures::WriteInterface(file, o));
+  ASSERT_TRUE(fixtures::WriteInterface(file, {.type = 5}));
   InterfaceFile f;
   ASSERT_EQ(ReadInterfaceFile(file, f), ChartReadStatus::Ok);
   ASSERT_EQ(f.lines.size(), 1u);
   const ChartLine l = f.lines[0];  // a copy: f is read again below
   EXPECT_EQ(l.fields.size(), 786);
   const DayProfile p = ReadDayProfile(l);
-  EXPECT_TRUE(p.any);
-  EXPECT_FALSE(p.metsMode);
+  EXPECT_TRUE(p.any && !p.metsMode);
   EXPECT_TRUE(std::isnan(p.slot[0]));     // 00:00, not worn
   EXPECT_FALSE(std::isnan(p.slot[300]));  // 10:00
   EXPECT_EQ(p.eventMinutes, (std::vector<int>{7 * 60 + 12, 12 * 60 + 30, 18 * 60 + 15}));
@@ -263,10 +240,8 @@ TEST(ChartFiles, DayProfileSlotsGapsEventsAndMode) {
   ASSERT_TRUE(fixtures::WriteText(file, text));
   ASSERT_EQ(ReadInterfaceFile(file, f), ChartReadStatus::Ok);
   const DayProfile empty = ReadDayProfile(f.lines[0]);
-  EXPECT_FALSE(empty.any);
   // Mode "1" is the two-minute average, not METs; the exercise behind it is read alone.
-  EXPECT_TRUE(empty.averaged);
-  EXPECT_FALSE(empty.metsMode);
+  EXPECT_TRUE(!empty.any && empty.averaged && !empty.metsMode);
   EXPECT_EQ(f.lines[0].exercise, 2.5);
 
   // A METS recorder's block holds METs with one decimal, whatever the mode says.
@@ -279,8 +254,7 @@ TEST(ChartFiles, DayProfileSlotsGapsEventsAndMode) {
                                             "\r\n1,8000,250,1900,40.0,5.6\r\n" + line));
   ASSERT_EQ(ReadInterfaceFile(file, f), ChartReadStatus::Ok);
   const DayProfile mets = ReadDayProfile(f.lines[0]);
-  EXPECT_TRUE(mets.metsMode);
-  EXPECT_FALSE(mets.averaged);
+  EXPECT_TRUE(mets.metsMode && !mets.averaged);
   EXPECT_DOUBLE_EQ(mets.slot[301], 3.4);
   EXPECT_EQ(f.lines[0].exercise, 0.4);
 }
@@ -295,8 +269,7 @@ TEST(ChartFiles, HeaderFileFields) {
                          h.exclusionText, h.institution}).join(u'|'),
             "Margaret|Holloway|52|Female|5' 4\"|152 lbs.|5|8000|First Date, Last Date, 50 Step and under/day|"
             "Riverside Health Centre");
-  EXPECT_TRUE(h.imperial);
-  EXPECT_EQ(h.start, QDate(2024, 6, 1));
+  EXPECT_TRUE(h.imperial && h.start == QDate(2024, 6, 1));
   // An empty gender caption leaves height and weight in their places.
   QString text = fixtures::HeaderText(true, QDate(2024, 6, 1), QDate(2024, 6, 30));
   text.replace(QStringLiteral("45,女性,,"), QStringLiteral("45,,,"));
@@ -305,10 +278,9 @@ TEST(ChartFiles, HeaderFileFields) {
   EXPECT_EQ(QStringList({h.gender, h.height, h.weight}).join(u'|'), "|158 cm|55.0 kg");
   EXPECT_FALSE(h.imperial);
   // Shift_JIS text is read too.
-  QFile sj(dir.filePath("sj.txt"));
-  ASSERT_TRUE(sj.open(QIODevice::WriteOnly) && sj.write(QByteArray("\x8E\x52\x93\x63,,,,\r\n", 10)) == 10);  // 山田 in CP932
-  sj.close();
-  ASSERT_EQ(ReadHeaderFile(sj.fileName(), h), ChartReadStatus::Ok);
+  const QString sj = dir.filePath("sj.txt");
+  ASSERT_TRUE(WriteBytes(sj, QByteArray("\x8E\x52\x93\x63,,,,\r\n", 10)));  // 山田 in CP932
+  ASSERT_EQ(ReadHeaderFile(sj, h), ChartReadStatus::Ok);
   EXPECT_EQ(h.firstName, QStringLiteral("山田"));
   EXPECT_EQ(ReadHeaderFile(dir.filePath("none"), h), ChartReadStatus::Missing);
 }
@@ -319,35 +291,31 @@ TEST(ChartFilesTest, ExclusionLineParsesEveryFormTheWriterMakes) {
     if (!r) return QStringLiteral("none");
     return QStringLiteral("%1%2|%3").arg(r->firstDay ? "F" : "-", r->lastDay ? "L" : "-", r->threshold);
   };
-  EXPECT_EQ(parsed("First Date, Last Date, 50 Step and under/day"), "FL|50");
-  EXPECT_EQ(parsed("\"First Date, Last Date, 50 Step and under/day\""), "FL|50");
-  // "First Date" alone has no separator behind it.
-  EXPECT_EQ(parsed("First Date50 Step and under/day"), "F-|50");
-  EXPECT_EQ(parsed("Last Date, 1000 Step and under/day"), "-L|1000");
-  EXPECT_EQ(parsed("50 Step and under/day"), "--|50");
-  EXPECT_EQ(parsed("First Date, Last Date,  Step and under/day"), "FL|");
-  EXPECT_EQ(parsed(" Step and under/day"), "--|");
-  // Other wording, a threshold that is no number, or the parts in another order.
-  EXPECT_EQ(parsed(""), "none");
-  EXPECT_EQ(parsed("First Date, Last Date"), "none");
-  EXPECT_EQ(parsed("First Date, Last Date, fifty Step and under/day"), "none");
-  EXPECT_EQ(parsed("Last Date, First Date, 50 Step and under/day"), "none");
-  EXPECT_EQ(parsed(QStringLiteral("初日・最終日")), "none");
+  // "First Date" alone has no separator behind it. Last: other wording, a threshold that
+  // is no number, or the parts in another order.
+  for (const auto& [text, expected] :
+       {std::pair{"First Date, Last Date, 50 Step and under/day", "FL|50"},
+        {"\"First Date, Last Date, 50 Step and under/day\"", "FL|50"},
+        {"First Date50 Step and under/day", "F-|50"},
+        {"Last Date, 1000 Step and under/day", "-L|1000"}, {"50 Step and under/day", "--|50"},
+        {"First Date, Last Date,  Step and under/day", "FL|"}, {" Step and under/day", "--|"}, {"", "none"},
+        {"First Date, Last Date", "none"}, {"First Date, Last Date, fifty Step and under/day", "none"},
+        {"Last Date, First Date, 50 Step and under/day", "none"}, {"初日・最終日", "none"}})
+    EXPECT_EQ(parsed(QString::fromUtf8(text)), expected) << text;
 }
 
 TEST(ChartSettingsTest, ExclusionCaptionsAndDatesInTheEditionsLanguage) {
   ChartSettings ja, en;
   ASSERT_TRUE(ja.load(DistChartIni("ja")) && en.load(DistChartIni("en")));
-  EXPECT_EQ(ExclusionCaption(ja, "First Date, Last Date, 50 Step and under/day"),
-            QStringLiteral("初日・最終日・1日50歩未満の日"));
-  EXPECT_EQ(ExclusionCaption(ja, "Last Date, 2000 Step and under/day"), QStringLiteral("最終日・1日2,000歩未満の日"));
-  // No step rule (empty or a threshold that leaves no day out) and no day rule: none.
-  EXPECT_EQ(ExclusionCaption(ja, "First Date Step and under/day"), QStringLiteral("初日"));
-  EXPECT_EQ(ExclusionCaption(ja, "0 Step and under/day"), QStringLiteral("なし"));
-  EXPECT_EQ(ExclusionCaption(en, "First Date, Last Date, 50 Step and under/day"),
-            "First day, last day, days under 50 steps");
-  // What does not parse is shown as written.
-  EXPECT_EQ(ExclusionCaption(ja, "Sundays"), "Sundays");
+  // No step rule (empty or a threshold that leaves no day out) and no day rule: none. What
+  // does not parse is shown as written.
+  for (const auto& [settings, text, caption] :
+       {std::tuple{&ja, "First Date, Last Date, 50 Step and under/day", "初日・最終日・1日50歩未満の日"},
+        {&ja, "Last Date, 2000 Step and under/day", "最終日・1日2,000歩未満の日"},
+        {&ja, "First Date Step and under/day", "初日"}, {&ja, "0 Step and under/day", "なし"},
+        {&en, "First Date, Last Date, 50 Step and under/day", "First day, last day, days under 50 steps"},
+        {&ja, "Sundays", "Sundays"}})
+    EXPECT_EQ(ExclusionCaption(*settings, text), QString::fromUtf8(caption)) << text;
 
   const QDate d(2024, 6, 30);  // a Sunday
   EXPECT_EQ(ja.formatDate(d, "%Y/%m/%d"), "2024/06/30");

@@ -161,10 +161,8 @@ TEST(ChartLayout, ReportTableShrinksRowsBeforeLeavingThemOff) {
 // one draws the same chart smaller, an unusable one leaves the chart's own.
 TEST(ChartAxis, ConfiguredMaximumComesWithTheSettings) {
   QTemporaryDir dir;
-  fixtures::Options o;
-  o.type = 200;
   const QString file = dir.filePath(QStringLiteral("steps.txt"));
-  ASSERT_TRUE(fixtures::WriteInterface(file, o));
+  ASSERT_TRUE(fixtures::WriteInterface(file, {.type = 200}));
   ChartDocument doc;
   ASSERT_EQ(ReadInterfaceFile(file, doc.data), ChartReadStatus::Ok);
   auto draw = [&](const QString& maxSteps) {

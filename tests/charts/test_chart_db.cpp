@@ -60,10 +60,9 @@ class ChartDb : public ::testing::Test {
                      "'8000', '0', '45', '3.5', '2.2', '0', ?, '2', ?)"));
     const QString ymd = DateToYmd(r.day);
     st.bind(1, r.receiveId).bind(2, r.seq).bind(3, ymd).bind(4, ymd);
-    st.bind(5, QString::number(r.day.dayOfWeek())).bind(6, kUser);
-    st.bind(7, r.weightKg).bind(8, r.weightLb).bind(9, QString::number(r.steps));
-    st.bind(10, QString::number(r.level4)).bind(11, QString::number(r.level8));
-    st.bind(12, r.unit).bind(13, r.exercise);
+    st.bind(5, QString::number(r.day.dayOfWeek())).bind(6, kUser).bind(7, r.weightKg).bind(8, r.weightLb);
+    st.bind(9, QString::number(r.steps)).bind(10, QString::number(r.level4));
+    st.bind(11, QString::number(r.level8)).bind(12, r.unit).bind(13, r.exercise);
     st.run();
   }
 
@@ -77,7 +76,6 @@ class ChartDb : public ::testing::Test {
     for (QDate d = from; d <= to; d = d.addDays(1)) add(d, seq++, steps);
   }
 
-
   int calc(const QDate& from, const QDate& to, bool useExclusion, bool block = false) {
     days_.clear();
     return CalcStepActMin(db_, kUser, DateToYmd(from), DateToYmd(to), days_, useExclusion, block,
@@ -88,6 +86,12 @@ class ChartDb : public ::testing::Test {
     QString s;
     for (const ChartDayRecord& d : days_) s += d.ExcludeFlag;
     return s;
+  }
+
+  // "count|flags": the days found and the exclusion flag of every day of the period.
+  QString counted(const QDate& from, const QDate& to, bool useExclusion) {
+    const int n = calc(from, to, useExclusion);
+    return QString::number(n) + u'|' + flags();
   }
 
   // The chart files of a chart, read back as lines (CR LF checked).
@@ -102,9 +106,7 @@ class ChartDb : public ::testing::Test {
   }
 
   static bool readLines(const QString& path, QStringList& lines) {
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly)) return false;
-    const QByteArray bytes = f.readAll();
+    const QByteArray bytes = ReadBytes(path);
     if (!bytes.endsWith("\r\n")) return false;
     const QString text = QString::fromUtf8(bytes);
     if (QString(text).remove(QStringLiteral("\r\n")).contains(QLatin1Char('\n'))) return false;
@@ -133,12 +135,13 @@ QString Field(const QString& line, int number) {
   return line.section(QLatin1Char(','), number - 1, number - 1);
 }
 
+// The state, first and last day of a data line.
+QString Head(const QString& line) { return line.section(QLatin1Char(','), 0, 2); }
+
 }  // namespace
 
 TEST_F(ChartDb, PeriodWithoutRows) {
-  EXPECT_EQ(calc(D(2024, 1, 1), D(2024, 1, 7), true), 0);
-  ASSERT_EQ(days_.size(), 7u);
-  EXPECT_EQ(flags(), QStringLiteral("1111111"));
+  ASSERT_EQ(counted(D(2024, 1, 1), D(2024, 1, 7), true), "0|1111111");
   for (const auto& d : days_) EXPECT_FALSE(d.NewestOfDay);
   EXPECT_EQ(days_[6].MEASUREMENT_DAY + u'|' + days_[6].WEEK_DAY, "20240107|7");
 
@@ -159,12 +162,9 @@ TEST_F(ChartDb, PeriodWithoutRows) {
 }
 
 TEST_F(ChartDb, DayReceivedTwiceTakesTheNewestReceptionAndSequence) {
-  Row r;
-  r.day = D(2024, 3, 1);
-  for (const auto& [id, seq, steps] : {std::tuple{"R000000001", "1", 1111}, {"R000000002", "9", 2222}, {"R000000002", "10", 3333}}) {
-    std::tie(r.receiveId, r.seq, r.steps) = std::tuple{QLatin1String(id), QLatin1String(seq), steps};
-    add(r);
-  }
+  for (const auto& [id, seq, steps] :
+       {std::tuple{"R000000001", "1", 1111}, {"R000000002", "9", 2222}, {"R000000002", "10", 3333}})
+    add(Row{.receiveId = id, .seq = seq, .day = D(2024, 3, 1), .steps = steps});
   EXPECT_EQ(calc(D(2024, 3, 1), D(2024, 3, 2), false), 1);
   EXPECT_EQ(days_[0].STEP_COUNT + u'|' + days_[0].SEQ_NUM, "3333|10");
   EXPECT_TRUE(days_[0].NewestOfDay);
@@ -176,18 +176,13 @@ TEST_F(ChartDb, DayReceivedTwiceTakesTheNewestReceptionAndSequence) {
 
 TEST_F(ChartDb, FirstAndLastMeasuredDayAreExcludedOnlyWhereTheyLie) {
   addDays(D(2024, 1, 1), D(2024, 1, 20));
-  EXPECT_EQ(calc(D(2024, 1, 1), D(2024, 1, 7), true), 7);
-  EXPECT_EQ(flags(), QStringLiteral("1000000"));
-  EXPECT_EQ(calc(D(2024, 1, 8), D(2024, 1, 14), true), 7);
-  EXPECT_EQ(flags(), QStringLiteral("0000000"));
-  EXPECT_EQ(calc(D(2024, 1, 14), D(2024, 1, 21), true), 7);
-  EXPECT_EQ(flags(), QStringLiteral("00000011"));
-  EXPECT_EQ(calc(D(2024, 1, 1), D(2024, 1, 2), false), 2);
-  EXPECT_EQ(flags(), QStringLiteral("00"));
+  EXPECT_EQ(counted(D(2024, 1, 1), D(2024, 1, 7), true), "7|1000000");
+  EXPECT_EQ(counted(D(2024, 1, 8), D(2024, 1, 14), true), "7|0000000");
+  EXPECT_EQ(counted(D(2024, 1, 14), D(2024, 1, 21), true), "7|00000011");
+  EXPECT_EQ(counted(D(2024, 1, 1), D(2024, 1, 2), false), "2|00");
 
   inst_.setConfig(QStringLiteral("REPORT"), QStringLiteral("EDFA_STARTING_DAY"), QStringLiteral("0"));
-  EXPECT_EQ(calc(D(2024, 1, 1), D(2024, 1, 2), true), 2);
-  EXPECT_EQ(flags(), QStringLiteral("00"));
+  EXPECT_EQ(counted(D(2024, 1, 1), D(2024, 1, 2), true), "2|00");
   // lowStepOnly never applies the first and last day rule.
   std::vector<ChartDayRecord> days;
   CalcStepActMin(db_, kUser, QStringLiteral("20240120"), QStringLiteral("20240120"), days, true,
@@ -202,34 +197,25 @@ TEST_F(ChartDb, FirstAndLastMeasuredDayAreExcludedOnlyWhereTheyLie) {
 
 TEST_F(ChartDb, LowStepRuleAndItsThresholds) {
   add(D(2024, 5, 1), 1);  // first day, excluded by its own rule
-  add(D(2024, 5, 2), 2, 49);
-  add(D(2024, 5, 3), 3, 50);
-  add(D(2024, 5, 4), 4, 0);
+  for (const auto& [day, steps] : {std::pair{2, 49}, {3, 50}, {4, 0}}) add(D(2024, 5, day), day, steps);
   add(D(2024, 5, 9), 5);
-  EXPECT_EQ(calc(D(2024, 5, 2), D(2024, 5, 4), true), 3);
-  EXPECT_EQ(flags(), QStringLiteral("101"));
+  EXPECT_EQ(counted(D(2024, 5, 2), D(2024, 5, 4), true), "3|101");
   inst_.setConfig(QStringLiteral("REPORT"), QStringLiteral("EDFA_LOW_STEP_COUNT"), QString());
-  calc(D(2024, 5, 2), D(2024, 5, 4), true);
-  EXPECT_EQ(flags(), QStringLiteral("000")) << "no threshold configured: no low-step rule";
+  EXPECT_EQ(counted(D(2024, 5, 2), D(2024, 5, 4), true), "3|000") << "no threshold: no low-step rule";
   inst_.setConfig(QStringLiteral("REPORT"), QStringLiteral("EDFA_LOW_STEP_COUNT"), QStringLiteral("50"));
 
   // A week whose days are all excluded still gives its exercise figure; the last day
   // 05-09 is a Thursday, so weeks run Friday to Thursday.
   ASSERT_TRUE(make(101, D(2024, 5, 2), D(2024, 5, 9)));
   ASSERT_EQ(iface_.size(), 5);
-  EXPECT_EQ(iface_[3].section(QLatin1Char(','), 0, 2), QStringLiteral("1,20240502,20240502"));
-  EXPECT_EQ(Field(iface_[3], 786), QStringLiteral("1.0"));
+  EXPECT_EQ(Head(iface_[3]) + u'|' + Field(iface_[3], 786), "1,20240502,20240502|1.0");
   // 05-03 counts; 05-04 (0 steps) and the last day do not, but all three add exercise.
-  EXPECT_EQ(iface_[4].section(QLatin1Char(','), 0, 2), QStringLiteral("0,20240503,20240509"));
-  EXPECT_EQ(Field(iface_[4], 6), QStringLiteral("50"));
-  EXPECT_EQ(Field(iface_[4], 786), QStringLiteral("3.0"));
+  EXPECT_EQ(Head(iface_[4]) + u'|' + Field(iface_[4], 6) + u'|' + Field(iface_[4], 786),
+            "0,20240503,20240509|50|3.0");
 }
 
 TEST_F(ChartDb, ModerateOverflowFailsTheChart) {
-  Row r;
-  r.day = D(2024, 4, 2);
-  r.level8 = 9000;  // vigorous count above 8191
-  add(r);
+  add(Row{.day = D(2024, 4, 2), .level8 = 9000});  // vigorous count above 8191
   EXPECT_EQ(calc(D(2024, 4, 1), D(2024, 4, 3), false), -1);
   EXPECT_FALSE(make(100, D(2024, 4, 1), D(2024, 4, 3)));
   EXPECT_TRUE(shown(QStringLiteral("CALC-C-0002")));
@@ -268,25 +254,19 @@ TEST_F(ChartDb, FilesAreNamedInTheTemporaryFolder) {
   EXPECT_EQ(header_[4], QStringLiteral("9000,,,4,7"));
   // Weeks end on the last measured day's weekday (Tuesday 01-09).
   ASSERT_EQ(iface_.size(), 5);
-  EXPECT_EQ(iface_[3].section(QLatin1Char(','), 1, 2), QStringLiteral("20240101,20240102"));
-  EXPECT_EQ(iface_[4].section(QLatin1Char(','), 1, 2), QStringLiteral("20240103,20240109"));
+  EXPECT_EQ(iface_[3].section(QLatin1Char(','), 1, 2) + u'|' + iface_[4].section(QLatin1Char(','), 1, 2),
+            "20240101,20240102|20240103,20240109");
 }
 
 TEST_F(ChartDb, PlanWeightsAndTheSimFile) {
   addDays(D(2024, 3, 1), D(2024, 3, 28));
-  WeightPlanRecord plan;
-  plan.UserId = kUser;
-  plan.StartDate = QStringLiteral("20240305");
-  plan.EndDate = QStringLiteral("20240315");
-  plan.StartWeight = QStringLiteral("60.0");
-  plan.TargetWeight = QStringLiteral("58.0");
-  plan.PoundFlag = QStringLiteral("0");
-  ASSERT_TRUE(SetWeightPlan(db_, plan));
+  ASSERT_TRUE(SetWeightPlan(db_, {.UserId = kUser, .StartDate = "20240305", .EndDate = "20240315",
+                                  .TargetWeight = "58.0", .StartWeight = "60.0", .PoundFlag = "0"}));
 
   ASSERT_TRUE(make(800, D(2024, 3, 1), D(2024, 3, 28)));
-  EXPECT_EQ(Field(iface_[3], 27), QStringLiteral("60.0"));   // before
-  EXPECT_EQ(Field(iface_[3 + 9], 27), QStringLiteral("59.0"));  // 03-10, half way
-  EXPECT_EQ(Field(iface_[3 + 20], 27), QStringLiteral("58.0"));  // after
+  // Before the plan, on 03-10 half way, and after it.
+  EXPECT_EQ(Field(iface_[3], 27) + u'|' + Field(iface_[3 + 9], 27) + u'|' + Field(iface_[3 + 20], 27),
+            "60.0|59.0|58.0");
   EXPECT_EQ(simFile_, ifaceFile_ + QStringLiteral(".sim"));
   // Weeks end on Thursdays (03-28): 03-07, 03-14, 03-21, and the element before the last.
   ASSERT_EQ(sim_.size(), 6);
@@ -295,11 +275,8 @@ TEST_F(ChartDb, PlanWeightsAndTheSimFile) {
 }
 
 TEST_F(ChartDb, GeneratedRecorderDays) {
-  RecorderImageOptions o;
-  o.kind = RecorderKind::BrioNormal;
-  o.days = 21;
-  o.lastDay = D(2024, 1, 3);  // across the year end
-  o.seed = 7;
+  // Across the year end.
+  RecorderImageOptions o{.kind = RecorderKind::BrioNormal, .days = 21, .seed = 7, .lastDay = D(2024, 1, 3)};
   ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
   QString first, last;
   ASSERT_TRUE(VTDB_GetDayMeasurementRange(db_, kUser, first, last, false));
@@ -315,7 +292,7 @@ TEST_F(ChartDb, GeneratedRecorderDays) {
   // The four-week span that holds the year end is one counted line.
   ASSERT_TRUE(make(102, D(2023, 11, 1), D(2024, 1, 3)));
   ASSERT_EQ(iface_.size(), 6);
-  EXPECT_EQ(iface_[5].section(QLatin1Char(','), 0, 2), QStringLiteral("0,20231207,20240103"));
+  EXPECT_EQ(Head(iface_[5]), QStringLiteral("0,20231207,20240103"));
 
   // A second reception of the same recorder later on gives the same days again.
   o.lastDay = D(2024, 1, 10);

@@ -12,28 +12,13 @@ namespace {
 QDate D(int y, int m, int d) { return QDate(y, m, d); }
 
 ChartDayRecord Day(const QDate& date, int steps, const QString& exercise = QStringLiteral("1.0")) {
-  ChartDayRecord r;
-  r.RECEIVE_ID = QStringLiteral("R000000001");
-  r.SEQ_NUM = QStringLiteral("1");
-  r.MEASUREMENT_DAY = DateToYmd(date);
-  r.WEEK_DAY = QString::number(date.dayOfWeek());
-  r.STEP_COUNT = QString::number(steps);
-  r.TARGET_STEP = QStringLiteral("8000");
-  r.ACTIVITY = QStringLiteral("200");
-  r.ACCUMULATION_TIME = QStringLiteral("30");
-  r.ENERGY_EXPENDITURE = QStringLiteral("1800");
-  r.TARGET_TIME = QStringLiteral("60");
-  r.TimeTargetSelected = QStringLiteral("1");
-  r.SELECT_UNIT = QStringLiteral("0");
-  r.WeightShown = QStringLiteral("60.4");
-  r.DistanceShown = QStringLiteral("3.2");
+  ChartDayRecord r{.RECEIVE_ID = "R000000001", .SEQ_NUM = "1", .MEASUREMENT_DAY = DateToYmd(date),
+                   .WEEK_DAY = QString::number(date.dayOfWeek()), .STEP_COUNT = QString::number(steps),
+                   .TARGET_STEP = "8000", .ACTIVITY = "200", .ACCUMULATION_TIME = "30", .TARGET_TIME = "60",
+                   .TimeTargetSelected = "1", .ENERGY_EXPENDITURE = "1800", .SELECT_UNIT = "0",
+                   .WeightShown = "60.4", .MEASUREMENT_MODE = "0", .DistanceShown = "3.2", .LOWER_BOUND = "4",
+                   .UPPER_BOUND = "9", .NewestOfDay = true, .ExcludeFlag = "0", .EXERCISE = exercise};
   for (std::size_t i = 0; i < 10; ++i) r.ACTIVITY_LEVEL[i] = QString::number(i * 10);
-  r.LOWER_BOUND = QStringLiteral("4");
-  r.UPPER_BOUND = QStringLiteral("9");
-  r.MEASUREMENT_MODE = QStringLiteral("0");
-  r.NewestOfDay = true;
-  r.ExcludeFlag = QStringLiteral("0");
-  r.EXERCISE = exercise;
   return r;
 }
 
@@ -49,18 +34,9 @@ std::vector<ChartDayRecord> Days(const QDate& start, const QDate& end, int steps
 QStringList Fields(const QString& line) { return line.split(QLatin1Char(',')); }
 
 InterfaceContext Ctx(int type, const QDate& anchor) {
-  InterfaceContext c;
-  c.chartType = type;
-  c.startDate = QStringLiteral("20240101");
-  c.endDate = QStringLiteral("20240131");
-  c.moderateFrom = QStringLiteral("4");
-  c.moderateTo = QStringLiteral("7");
-  c.exerciseTarget = QStringLiteral("23.0");
-  c.useExclusion = UsesExclusion(type);
-  c.targetStep = QStringLiteral("8000");
-  c.targetCal = QStringLiteral("300");
-  c.anchor = anchor;
-  return c;
+  return {.chartType = type, .startDate = "20240101", .endDate = "20240131", .moderateFrom = "4",
+          .moderateTo = "7", .exerciseTarget = "23.0", .useExclusion = UsesExclusion(type), .targetStep = "8000",
+          .targetCal = "300", .anchor = anchor};
 }
 
 }  // namespace
@@ -71,9 +47,7 @@ TEST(DayList, LowStepThresholds) {
   const std::vector<ChartDayRecord> rows{Day(D(2024, 1, 1), 49), Day(D(2024, 1, 2), 50), Day(D(2024, 1, 3), 0)};
   for (const char* threshold : {"50", "0", "-1"}) {
     std::vector<ChartDayRecord> days = MakeEmptyDays(D(2024, 1, 1), D(2024, 1, 4));
-    DayListRules rules;
-    rules.threshold = QLatin1String(threshold);
-    EXPECT_EQ(FillDayList(days, rows, rules), 3);
+    EXPECT_EQ(FillDayList(days, rows, {.threshold = QLatin1String(threshold)}), 3);
     QString got;
     for (const auto& d : days) got += d.ExcludeFlag;
     EXPECT_EQ(got, QLatin1String(threshold) == QLatin1String("50") ? "1011" : "0001") << threshold;
@@ -139,16 +113,14 @@ TEST(Lines, HeadLinesAndDailyLines) {
   ASSERT_EQ(f.size(), 786);
   EXPECT_EQ(f.mid(0, 16).join(QLatin1Char(',')),
             QStringLiteral("0,20240101,20240101,8000,0,5001,60,1,30,300,1,200,1800,3.2,60.4,10"));
-  EXPECT_EQ(f[23], QStringLiteral("90"));  // level 9
-  EXPECT_EQ(f[26], QString());              // no plan
-  EXPECT_EQ(f[785], QStringLiteral("1.0"));
+  // Level 9, no plan, the exercise.
+  EXPECT_EQ(f[23] + u'|' + f[26] + u'|' + f[785], "90||1.0");
 
   // EXTRA3 "2": the calorie target follows the weight; "1" swaps the flags.
   c.extra3 = QStringLiteral("2");
   EXPECT_EQ(Fields(DailyLine(c, days[0]))[9], QStringLiteral("302"));
   c.extra3 = QStringLiteral("1");
-  EXPECT_EQ(Fields(DailyLine(c, days[0]))[4], QStringLiteral("1"));
-  EXPECT_EQ(Fields(DailyLine(c, days[0]))[10], QStringLiteral("0"));
+  EXPECT_EQ(Fields(DailyLine(c, days[0]))[4] + u'|' + Fields(DailyLine(c, days[0]))[10], "1|0");
 }
 
 TEST(Lines, DayProfileWithAndWithoutBlock) {
@@ -162,10 +134,8 @@ TEST(Lines, DayProfileWithAndWithoutBlock) {
   QStringList f = Fields(DailyLine(c, d));
   ASSERT_EQ(f.size(), 786);
   EXPECT_EQ(f[27] + f[53] + u'|' + f[54], QStringLiteral("|0730"));
-  EXPECT_EQ(f[64], QStringLiteral("0"));
-  EXPECT_EQ(f[783], QStringLiteral("9"));
-  EXPECT_EQ(f[784], QStringLiteral("1"));    // mode
-  EXPECT_EQ(f[785], QStringLiteral("2.3"));  // exercise "#0.0", half away from zero
+  // First and last slot, the mode, the exercise "#0.0" rounded half away from zero.
+  EXPECT_EQ(QStringList({f[64], f[783], f[784], f[785]}).join(u'|'), "0|9|1|2.3");
 
   // Without a block 721 empty fields keep the place, the mode lands in field 786 and
   // the exercise is appended to it.
@@ -194,11 +164,8 @@ TEST(Lines, WeeksAnchoredOnAWednesdayAndAllExcludedWeek) {
   QStringList f = Fields(lines[0]);
   ASSERT_EQ(f.size(), 786);
   EXPECT_EQ(f.mid(1, 2), QStringList({"20240101", "20240103"}));
-  EXPECT_EQ(f[5], QStringLiteral("5333"));  // (5000 + 6000 + 5000) / 3
-  EXPECT_EQ(f[8], QStringLiteral("30.0"));
-  EXPECT_EQ(f[14], QStringLiteral("61.3"));  // last counted day's weight
-  EXPECT_EQ(f[15], QStringLiteral("10.00"));
-  EXPECT_EQ(f[785], QStringLiteral("3.0"));  // weekly total
+  // Steps (5000 + 6000 + 5000) / 3, time, the last counted day's weight, level 0, the week's exercise.
+  EXPECT_EQ(QStringList({f[5], f[8], f[14], f[15], f[785]}).join(u'|'), "5333|30.0|61.3|10.00|3.0");
 
   // All days excluded: the empty group line, its plan weight in field 28, and still the
   // week's exercise.
@@ -216,17 +183,11 @@ TEST(Lines, FourWeekGroupsTakeTheMeanWeeklyExercise) {
   // Anchor Sunday 2024-03-31; spans end 03-03, 03-31. List 2024-02-05 .. 2024-03-31.
   InterfaceContext c = Ctx(902, D(2024, 3, 31));
   std::vector<ChartDayRecord> days = MakeEmptyDays(D(2024, 2, 5), D(2024, 3, 31));
-  std::vector<ChartDayRecord> rows;
-  // Span 1 (02-05 .. 03-03, four weeks): rows in weeks 1 and 3 only.
-  rows.push_back(Day(D(2024, 2, 6), 4000, QStringLiteral("2.0")));
-  rows.push_back(Day(D(2024, 2, 7), 4000, QStringLiteral("3.0")));
-  rows.push_back(Day(D(2024, 2, 20), 4000, QStringLiteral("4.0")));
-  // Span 2: one excluded row; it still gives exercise.
-  ChartDayRecord low = Day(D(2024, 3, 10), 10, QStringLiteral("1.5"));
-  rows.push_back(low);
-  DayListRules rules;
-  rules.threshold = QStringLiteral("50");
-  FillDayList(days, rows, rules);
+  // Span 1 (02-05 .. 03-03, four weeks): rows in weeks 1 and 3 only. Span 2: one excluded
+  // row; it still gives exercise.
+  const std::vector<ChartDayRecord> rows{Day(D(2024, 2, 6), 4000, "2.0"), Day(D(2024, 2, 7), 4000, "3.0"),
+                                         Day(D(2024, 2, 20), 4000, "4.0"), Day(D(2024, 3, 10), 10, "1.5")};
+  FillDayList(days, rows, {.threshold = "50"});
   c.plan = WeightPlan{D(2024, 2, 1), D(2024, 2, 29), QStringLiteral("70.0"), QStringLiteral("68.0")};
 
   const QStringList lines = InterfaceDataLines(c, days);
@@ -239,13 +200,11 @@ TEST(Lines, FourWeekGroupsTakeTheMeanWeeklyExercise) {
   EXPECT_EQ(f[26], QStringLiteral("69.3"));  // 68 x 10/28 + 70 x 18/28
   // Then no fifth week; the weights of weeks 1 to 3, week 2 without a counted day.
   EXPECT_EQ(f.mid(29, 5), QStringList({"68.0", "", "60.4", "", "60.4"}));
-  EXPECT_EQ(f[36], QString());  // closing comma
-  EXPECT_EQ(f[785], QStringLiteral("4.5"));  // (5.0 + 4.0) / 2 weeks that contributed
+  // The closing comma, and (5.0 + 4.0) / 2 weeks that contributed.
+  EXPECT_EQ(f[36] + u'|' + f[785], "|4.5");
 
   f = Fields(lines[1]);
-  EXPECT_EQ(f[0], QStringLiteral("3"));
-  EXPECT_EQ(f[27], QStringLiteral("68.0"));
-  EXPECT_EQ(f[785], QStringLiteral("1.5"));
+  EXPECT_EQ(f[0] + u'|' + f[27] + u'|' + f[785], "3|68.0|1.5");
 }
 
 TEST(Lines, PlanWeightsBeforeInsideAndAfterThePlan) {
@@ -259,30 +218,17 @@ TEST(Lines, PlanWeightsBeforeInsideAndAfterThePlan) {
   EXPECT_EQ(PlanWeightOfGroup(plan, D(2024, 1, 3), D(2024, 1, 9)), QStringLiteral("80.0"));
   EXPECT_EQ(PlanWeightAt(std::nullopt, D(2024, 1, 13)), QString());
 
-  WeightPlanRecord rec;
-  rec.StartDate = QStringLiteral("20240110");
-  EXPECT_FALSE(PlanFromRecord(rec).has_value());
-  rec.EndDate = QStringLiteral("20240120");
-  rec.StartWeight = QStringLiteral("80");
-  ASSERT_TRUE(PlanFromRecord(rec).has_value());
+  EXPECT_FALSE(PlanFromRecord({.StartDate = "20240110"}).has_value());
+  EXPECT_TRUE(PlanFromRecord({.StartDate = "20240110", .EndDate = "20240120", .StartWeight = "80"}).has_value());
 }
 
 TEST(Lines, HeaderLinesKeepTheirWording) {
-  HeaderContext h;
-  h.user = SampleUser(QStringLiteral("U000000001"));
+  HeaderContext h{.user = SampleUser(QStringLiteral("U000000001")), .groupName = "Family",
+                  .startDate = "20240101", .endDate = "20240107", .countedDays = 5, .targetStep = "8000",
+                  .targetIntake = "2000", .targetActMin = "60", .moderateFrom = "4", .moderateTo = "7",
+                  .threshold = "50", .institution = "Clinic"};
   h.user.FIRST_NAME = QStringLiteral("Hana  ");
   h.user.COMMENT = QStringLiteral("walks");
-  h.groupName = QStringLiteral("Family");
-  h.startDate = QStringLiteral("20240101");
-  h.endDate = QStringLiteral("20240107");
-  h.countedDays = 5;
-  h.targetStep = QStringLiteral("8000");
-  h.targetIntake = QStringLiteral("2000");
-  h.targetActMin = QStringLiteral("60");
-  h.moderateFrom = QStringLiteral("4");
-  h.moderateTo = QStringLiteral("7");
-  h.threshold = QStringLiteral("50");
-  h.institution = QStringLiteral("Clinic");
   // The gender carries its comma and the separator follows: an empty field before the height.
   EXPECT_EQ(HeaderLines(h), QStringList({"Hana,,Sato,hana,Family", "walks", "41,Female,,160 cm,60.0 kg", "20240101,20240107,5, ",
                                          "8000,2000,60,4,7", "\"First Date, Last Date, 50 Step and under/day\"", "Clinic"}));
@@ -293,15 +239,8 @@ TEST(Lines, HeaderLinesKeepTheirWording) {
   h.excludeLast = true;
   EXPECT_EQ(HeaderLines(h)[5], QStringLiteral("\"Last Date, 50 Step and under/day\""));
 
-  DayRecord row;
-  row.AGE = QStringLiteral("42 ");
-  row.GENDAR = QStringLiteral("0");
-  row.SELECT_UNIT = QStringLiteral("1");
-  row.HEIGHT_FEET = QStringLiteral("5");
-  row.HEIGHT_INCH = QStringLiteral("3 ");
-  row.WEIGHT_PAUND = QStringLiteral("121");
-  row.PEDOMERA = QStringLiteral("2");
-  h.newestRow = row;
+  h.newestRow = DayRecord{.GENDAR = "0", .AGE = "42 ", .HEIGHT_FEET = "5", .HEIGHT_INCH = "3 ",
+                          .WEIGHT_PAUND = "121", .SELECT_UNIT = "1", .PEDOMERA = "2"};
   h.captionMale = QStringLiteral("M");
   EXPECT_EQ(HeaderLines(h).mid(2, 2), QStringList({"42,M,,5' 3\",121 lbs.", "20240101,20240107,5, 2"}));
   h.reservedUser = true;

@@ -1,7 +1,6 @@
 // Weeks, four-week spans and the display window of each period, without a database.
 #include <gtest/gtest.h>
 
-
 #include "charts/charts.h"
 #include "testsupport/test_installation.h"
 
@@ -12,12 +11,7 @@ namespace {
 QDate D(int y, int m, int d) { return QDate(y, m, d); }
 
 RangeState StateFor(const QDate& first, const QDate& last, int period) {
-  RangeState s;
-  s.rangeFirst = first;
-  s.rangeLast = last;
-  s.periodKind = period;
-  s.dtDateEnd = last;
-  return s;
+  return {.dtDateEnd = last, .rangeFirst = first, .rangeLast = last, .periodKind = period};
 }
 
 // The window shown: first and last day.
@@ -48,14 +42,12 @@ TEST(FourWeekSpans, FindAndShiftAcrossYearEnds) {
 
   // A date a year and more before the anchor, across two year ends.
   s = FindFourWeekSpan(anchor, D(2022, 12, 31));
-  EXPECT_LE(s.start, D(2022, 12, 31));
-  EXPECT_GE(s.end, D(2022, 12, 31));
+  EXPECT_TRUE(s.start <= D(2022, 12, 31) && s.end >= D(2022, 12, 31));
   EXPECT_EQ(s.start.daysTo(s.end), 27);
   EXPECT_EQ(s.end.daysTo(anchor) % 28, 0);
 
   const FourWeekSpan shifted = ShiftFourWeekSpan(anchor, D(2023, 12, 20), -2);
-  EXPECT_EQ(shifted.end, D(2023, 11, 15));
-  EXPECT_EQ(shifted.steps, -2);
+  EXPECT_EQ(std::pair(shifted.end, shifted.steps), std::pair(D(2023, 11, 15), -2));
 }
 
 TEST(ChartKind, FromGraphAndPeriod) {
@@ -126,8 +118,7 @@ TEST_F(Navigation, EachPeriodStepsByItsUnitAndKeepsItsLengthAtTheLeftEdge) {
     }
     for (int again = 0; again < 2; ++again) {  // a further step back stays at the edge
       EXPECT_EQ(Win(s), std::pair(first_, c.edgeEnd));
-      EXPECT_EQ(s.dateChartFrom, s.dtDateStart);
-      EXPECT_EQ(s.dateChartTo, s.dtDateEnd);
+      EXPECT_EQ(std::pair(s.dateChartFrom, s.dateChartTo), Win(s));
       ASSERT_TRUE(DateAdjustment(s, c.period, kAdjustBack));
     }
     while (!IsLatestDate(s)) {
@@ -146,8 +137,7 @@ TEST_F(Navigation, DayStepsAndKeepModeClampsThePicker) {
   RangeState s = StateFor(first_, last_, kPeriodDay);
   s.dtDateEnd = D(2030, 1, 1);  // beyond the data
   ASSERT_TRUE(DateAdjustment(s, kPeriodDay, kAdjustKeep));
-  EXPECT_EQ(Win(s), std::pair(last_, last_));
-  EXPECT_TRUE(s.graphVisible);
+  EXPECT_EQ(std::tuple(s.dtDateStart, s.dtDateEnd, s.graphVisible), std::tuple(last_, last_, true));
   ASSERT_TRUE(DateAdjustment(s, kPeriodDay, kAdjustBack));
   EXPECT_EQ(Win(s), std::pair(s.dtDateEnd, last_.addDays(-1)));
   EXPECT_FALSE(IsLatestDate(s));
@@ -163,8 +153,7 @@ TEST_F(Navigation, DayStepsAndKeepModeClampsThePicker) {
 }
 
 TEST_F(Navigation, NoDataAndOneDay) {
-  RangeState none;
-  none.dtDateEnd = D(2024, 1, 1);
+  RangeState none{.dtDateEnd = D(2024, 1, 1)};
   const QDate today = D(2024, 5, 5);
   ASSERT_TRUE(DateAdjustment(none, kPeriodWeek, kAdjustKeep, today));
   EXPECT_EQ(Win(none), std::pair(today, today));
@@ -175,8 +164,7 @@ TEST_F(Navigation, NoDataAndOneDay) {
 
   RangeState init;
   InitChartState(init, QDate(), QDate(), today);
-  EXPECT_TRUE(init.noData);
-  EXPECT_EQ(init.chartKind, 100);
+  EXPECT_EQ(std::pair(init.noData, init.chartKind), std::pair(true, 100));
 
   // One measured day: every period shows that day and it is the latest at once.
   const QDate only = D(2024, 2, 29);

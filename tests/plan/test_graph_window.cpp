@@ -28,9 +28,7 @@ TEST(GraphWindowTest, OneMonthViewStopsExactlyAtItsBounds) {
   // Around 10 Jul: Sunday 14 Jul + 2 weeks = 28 Jul; Monday 8 Jul - 2 weeks = 24 Jun.
   ASSERT_TRUE(w.GetDisplayRange(0));
   EXPECT_EQ(Window(w), std::pair(D(2024, 6, 24), D(2024, 7, 28)));
-  EXPECT_EQ(w.chartType(), 801);
-  EXPECT_TRUE(w.previousEnabled());
-  EXPECT_TRUE(w.nextEnabled());
+  EXPECT_EQ(std::tuple(w.chartType(), w.previousEnabled(), w.nextEnabled()), std::tuple(801, true, true));
 
   // Back a week: end 21 Jul, start 15 Jul - 4 weeks = 17 Jun, the low bound.
   ASSERT_TRUE(w.GetDisplayRange(-1));
@@ -53,8 +51,7 @@ TEST(GraphWindowTest, OneMonthViewStopsExactlyAtItsBounds) {
   EXPECT_TRUE(w.previousEnabled());
   // One more does not leave the bound.
   ASSERT_TRUE(w.GetDisplayRange(1));
-  EXPECT_EQ(w.windowEnd(), D(2024, 10, 20));
-  EXPECT_FALSE(w.nextEnabled());
+  EXPECT_EQ(std::pair(w.windowEnd(), w.nextEnabled()), std::pair(D(2024, 10, 20), false));
 }
 
 TEST(GraphWindowTest, SixMonthViewMovesBySpans) {
@@ -75,8 +72,7 @@ TEST(GraphWindowTest, SixMonthViewMovesBySpans) {
   EXPECT_TRUE(w.previousEnabled());
   ASSERT_TRUE(w.GetDisplayRange(1));
   ASSERT_TRUE(w.GetDisplayRange(1));
-  EXPECT_EQ(w.windowEnd(), D(2024, 12, 15));
-  EXPECT_FALSE(w.nextEnabled());
+  EXPECT_EQ(std::pair(w.windowEnd(), w.nextEnabled()), std::pair(D(2024, 12, 15), false));
   // Back past the low bound: the start stops at 8 Apr and the window is six spans long.
   for (int i = 0; i < 4; ++i) ASSERT_TRUE(w.GetDisplayRange(-1));
   EXPECT_EQ(Window(w), std::pair(D(2024, 4, 8), D(2024, 9, 22)));
@@ -92,8 +88,7 @@ TEST(GraphWindowTest, PlanEndedBeforeTheLastDayShowsTheLaterDate) {
   EXPECT_EQ(Window(w), std::pair(D(2024, 6, 10), D(2024, 7, 14)));
   EXPECT_FALSE(w.nextEnabled());
   // Low bound: Monday 29 Apr - 2 weeks.
-  EXPECT_EQ(w.weekLow(), D(2024, 4, 15));
-  EXPECT_TRUE(w.previousEnabled());
+  EXPECT_EQ(std::pair(w.weekLow(), w.previousEnabled()), std::pair(D(2024, 4, 15), true));
 }
 
 TEST(GraphWindowTest, OneMeasuredDayAnchorsTheWeeksAndNoPlanIsNoWindow) {

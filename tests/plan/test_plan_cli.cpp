@@ -16,20 +16,16 @@ const QString kUser = QStringLiteral("U000000001");
 
 struct CliRun {
   int exitCode = -1;
-  QString out;
-  QString err;
+  QString out, err;
 };
 
 CliRun RunPlan(const TestInstallation& inst, const QStringList& args) {
   QProcess p;
   p.setWorkingDirectory(inst.binPath());
   p.start(QStringLiteral(VANTORA_CLI_PATH), QStringList{QStringLiteral("plan"), QStringLiteral("--user"), kUser} + args);
-  CliRun r;
-  if (!p.waitForFinished(60000)) return r;
-  r.exitCode = p.exitCode();
-  r.out = QString::fromUtf8(p.readAllStandardOutput());
-  r.err = QString::fromUtf8(p.readAllStandardError());
-  return r;
+  if (!p.waitForFinished(60000)) return {};
+  return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+          QString::fromUtf8(p.readAllStandardError())};
 }
 
 }  // namespace
@@ -40,9 +36,7 @@ TEST(PlanCommand, SameFiguresAsTheScreenThenSavedAndShown) {
   ASSERT_TRUE(inst.isValid());
   VtDatabase db;
   ASSERT_EQ(OpenDatabaseWithSampleUser(inst, db, kUser), "");
-  RecorderImageOptions o;
-  o.days = 30;
-  ASSERT_EQ(StoreRecorderDays(db, kUser, o), "");
+  ASSERT_EQ(StoreRecorderDays(db, kUser, {.days = 30}), "");
 
   CliRun r = RunPlan(inst, {"--start", "20240701", "--months", "3", "--loss", "4", "--food", "9", "--portion", "1",
                             "--method", "rmr", "--json"});
@@ -63,9 +57,8 @@ TEST(PlanCommand, SameFiguresAsTheScreenThenSavedAndShown) {
   const plan::PlanResult& p = screen.result;
 
   // 1 July + 3 months ends on 30 September: 92 days; 4 kg: 28000 / 92 -> 304.
-  EXPECT_EQ(j["days"].toInt(), 92);
-  EXPECT_EQ(j["end"].toString(), "20240930");
-  EXPECT_EQ(j["dailyGap"].toString(), "304");
+  EXPECT_EQ(QString::number(j["days"].toInt()) + u'|' + j["end"].toString() + u'|' + j["dailyGap"].toString(),
+            "92|20240930|304");
   for (const auto& [key, shown] : {std::pair{"averageActivity", p.averageActivity}, {"foodReduction", p.foodReduction},
                                    {"moreActivity", p.moreActivity}, {"targetActivity", p.targetActivity},
                                    {"bmi", screen.bmi}, {"verdict", screen.range.verdict}})
@@ -77,8 +70,8 @@ TEST(PlanCommand, SameFiguresAsTheScreenThenSavedAndShown) {
   r = RunPlan(inst, {"--start", "20240701", "--end", "20240930", "--loss", "1", "--reduction", "11", "--json"});
   ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
   const QJsonObject stopped = QJsonDocument::fromJson(r.out.toUtf8()).object();
-  EXPECT_EQ(stopped["message"].toString(), "DSIM-I-0001");
-  EXPECT_EQ(stopped["fastWalk"].toObject()["average"].toString(), "");
+  EXPECT_EQ(stopped["message"].toString() + u'|' + stopped["fastWalk"].toObject()["average"].toString(),
+            "DSIM-I-0001|");
 
   // A refused figure fails with its code; bad usage is 2.
   r = RunPlan(inst, {"--start", "20240701", "--months", "3", "--loss", "201", "--json"});

@@ -45,10 +45,8 @@ class WeightForm : public ::testing::Test {
     inst_ = std::make_unique<TestInstallation>(QString::fromLatin1(lang));
     ASSERT_TRUE(inst_->isValid());
     ASSERT_EQ(OpenDatabaseWithSampleUser(*inst_, db_, kUser), "");
-    RecorderImageOptions o;
-    o.days = 20;
-    o.english = QLatin1String(lang) == QLatin1String("en");
-    o.unitFlag = unitFlag;
+    const RecorderImageOptions o{
+        .english = QLatin1String(lang) == QLatin1String("en"), .days = 20, .unitFlag = unitFlag};
     ASSERT_EQ(StoreRecorderDays(db_, kUser, o), "");
   }
   std::unique_ptr<SimulationWeightLogic> open() {
@@ -80,8 +78,7 @@ TEST_F(WeightForm, OpeningStartsTomorrowFromTheNewestWeight) {
   EXPECT_EQ(Val(f->targetWeight), Val(f->userWeight) - 1);
   EXPECT_EQ(f->loss, "1.0");
   // 1 kg over 92 days: 7000 / 92 = 76.09 -> 76.
-  EXPECT_EQ(f->result.days, 92);
-  EXPECT_EQ(f->result.dailyGap, "76");
+  EXPECT_EQ(QString::number(f->result.days) + u' ' + f->result.dailyGap, "92 76");
   EXPECT_FALSE(f->bmi.isEmpty());
   ExpectButtons(f->buttons, kComputed, "opened without a saved plan");
 }
@@ -132,12 +129,10 @@ TEST_F(WeightForm, LeavingAWeightFieldChecksAndReconciles) {
   auto f = open();
   ASSERT_TRUE(f->startWeightLeft("80"));
   ASSERT_TRUE(f->targetWeightLeft("70"));
-  EXPECT_EQ(f->targetWeight, "70.0");
-  EXPECT_EQ(f->loss, "10.0");
+  EXPECT_EQ(f->targetWeight + u' ' + f->loss, "70.0 10.0");
   // A new start keeps the target and moves the loss.
   ASSERT_TRUE(f->startWeightLeft("82.46"));
-  EXPECT_EQ(f->startWeight, "82.5");
-  EXPECT_EQ(f->loss, "12.5");
+  EXPECT_EQ(f->startWeight + u' ' + f->loss, "82.5 12.5");
   // A loss keeps the start and moves the target.
   ASSERT_TRUE(f->lossLeft("5"));
   EXPECT_EQ(f->targetWeight, "77.5");
@@ -161,10 +156,9 @@ TEST_F(WeightForm, LeavingAWeightFieldChecksAndReconciles) {
     f->targetWeight = "77.5";
     f->loss = "5.0";
     EXPECT_FALSE((f.get()->*r.leave)(QString::fromLatin1(r.text))) << r.text;
-    EXPECT_EQ(f->lastMessage, r.code) << r.text;
-    EXPECT_EQ(f->failedField, r.field) << r.text;
-    EXPECT_EQ(f->targetWeight, "77.5") << r.text;
-    EXPECT_EQ(f->loss, "5.0") << r.text;
+    EXPECT_EQ(std::pair(f->lastMessage, f->failedField), std::pair(QString::fromLatin1(r.code), r.field))
+        << r.text;
+    EXPECT_EQ(f->targetWeight + u' ' + f->loss, "77.5 5.0") << r.text;
   }
   // Bounds are not checked while the start weight is below 0.1.
   EXPECT_TRUE(f->startWeightLeft("0"));
@@ -192,8 +186,7 @@ TEST_F(WeightForm, SavedPlanComesBackAndUndoReloadsIt) {
   ASSERT_TRUE(g->lossLeft("6"));
   g->dietOptionChanged(false);
   g->cancel();
-  EXPECT_EQ(g->loss, "3.0");
-  EXPECT_TRUE(g->diet);
+  EXPECT_EQ(std::pair(g->loss, g->diet), std::pair(QStringLiteral("3.0"), true));
   ExpectButtons(g->buttons, kSaved, "undone");
 }
 

@@ -118,11 +118,9 @@ inline std::vector<Day> MakeDays(const QDate& first, const QDate& last, const Op
     if (day.hasRow && i % 9 == 6) {
       day.excluded = true;
       day.steps = 32;
-      for (double& lv : day.levels) lv = std::round(lv * 0.05);
-      day.accTime = 0;
       day.act = 1;
-      day.exercise = 0;
-      day.dist = 0;
+      day.accTime = day.exercise = day.dist = 0;
+      for (double& lv : day.levels) lv = std::round(lv * 0.05);
     }
     days.push_back(day);
   }

@@ -16,9 +16,7 @@ class CsvScreens : public ::testing::Test {
   void SetUp() override {
     ASSERT_TRUE(inst_.isValid());
     ASSERT_TRUE(OpenDatabaseWithSampleUser(inst_, db_, QStringLiteral("U000000001")).isEmpty());
-    RecorderImageOptions o;
-    o.kind = RecorderKind::BrioZr;
-    o.days = 10;
+    const RecorderImageOptions o{.kind = RecorderKind::BrioZr, .days = 10};
     ASSERT_TRUE(StoreRecorderDays(db_, QStringLiteral("U000000001"), o).isEmpty());
     UserRecord second = SampleUser(QStringLiteral("U000000002"));
     second.LOGIN_ID = QStringLiteral("ken");
@@ -53,13 +51,11 @@ TEST_F(CsvScreens, ProgressScreenRunsItsExportWhenShownAndCancelStopsAfterTheUse
   // The click arrives through the window's events while the first user is written.
   QTimer::singleShot(0, form.cmdCancel, [&form] { form.cmdCancel->click(); });
   form.exec();
-  EXPECT_TRUE(form.driver().hasRun());
-  EXPECT_TRUE(form.ProcGetCancelParam());
+  EXPECT_TRUE(form.driver().hasRun() && form.ProcGetCancelParam());
   int written = 0, result = 0;
   QString log;
   form.ProcGetCSVExportParam(written, log, result);
-  EXPECT_EQ(written, 1);
-  EXPECT_EQ(QDir(folder).entryList(QDir::Files).size(), 1);
+  EXPECT_EQ(std::pair(written, QDir(folder).entryList(QDir::Files).size()), std::pair(1, qsizetype{1}));
 }
 
 TEST_F(CsvScreens, ExportScreenOffersTheMeasuredDaysAndRefusesAMissingFolder) {

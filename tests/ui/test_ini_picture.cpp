@@ -21,9 +21,7 @@ TEST(SetIniPictureTest, ShowsAReadablePictureAndKeepsTheOldOneOtherwise) {
   image.fill(Qt::red);
   ASSERT_TRUE(image.save(good));
   const QString broken = inst.path(QStringLiteral("images/broken.png"));
-  QFile f(broken);
-  ASSERT_TRUE(f.open(QIODevice::WriteOnly) && f.write("not a picture at all") > 0);
-  f.close();
+  ASSERT_TRUE(WriteBytes(broken, "not a picture at all"));
   inst.setResource(QStringLiteral("TEST"), QStringLiteral("GOOD"), good);
   inst.setResource(QStringLiteral("TEST"), QStringLiteral("BROKEN"), broken);
   inst.setResource(QStringLiteral("TEST"), QStringLiteral("MISSING"),

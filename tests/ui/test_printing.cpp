@@ -149,14 +149,12 @@ TEST_F(PrintingTest, WithoutPrintersOnlyThePdfEntryOrTheMessage) {
     frmPrinterSetup setup(none, QString(), nullptr, false);
     setup.activate();
     EXPECT_TRUE(Shown(inst.dialog(), QStringLiteral("PRNT-I-0001")));
-    EXPECT_EQ(setup.result(), QDialog::Rejected);
-    EXPECT_TRUE(GetChosenPrinter().isEmpty());
+    EXPECT_EQ(std::pair(setup.result(), GetChosenPrinter()), std::pair(int(QDialog::Rejected), QString()));
   }
   inst.dialog().shown.clear();
   frmPrinterSetup withPdf(none, QString());
   withPdf.activate();
-  EXPECT_TRUE(inst.dialog().shown.empty());
-  EXPECT_EQ(withPdf.cmbPrinter->count(), 1);
+  EXPECT_EQ(std::pair(inst.dialog().shown.size(), withPdf.cmbPrinter->count()), std::pair(size_t{0}, 1));
   EXPECT_TRUE(withPdf.logic().isPdfEntry(withPdf.cmbPrinter->currentIndex()));
   // OK without a file name keeps the screen open and chooses nothing.
   withPdf.askPdfPath = [](QWidget*, const QString&) { return QString(); };
@@ -230,17 +228,11 @@ TEST_F(PrintingTest, PrintCurrentChartPrintsTheChosenPrinterOrNothing) {
   writeChartFiles();
   int redraws = 0, updates = 0;
   QString choose;
-  PrintChartRequest r;
-  r.maker = &maker;
-  r.redraw = [&] {
-    ++redraws;
-    return std::pair<QString, QString>(QStringLiteral("../temp/HED.txt"), QStringLiteral("../temp/INT.txt"));
-  };
-  r.updateStates = [&] { ++updates; };
-  r.showPrinterSetup = [&] {
-    SetChosenPrinter(choose);
-    SetChosenPaper(9);
-  };
+  const std::pair<QString, QString> files(QStringLiteral("../temp/HED.txt"), QStringLiteral("../temp/INT.txt"));
+  const PrintChartRequest r{.maker = &maker,
+                            .redraw = [&] { ++redraws; return files; },
+                            .updateStates = [&] { ++updates; },
+                            .showPrinterSetup = [&] { SetChosenPrinter(choose); SetChosenPaper(9); }};
 
   EXPECT_FALSE(PrintCurrentChart(r).has_value());  // cancelled choice
   EXPECT_EQ(redraws, 0);
@@ -267,8 +259,7 @@ TEST(SaveAsPdfScenario, TheReportLandsInTheChosenFileWithItsText) {
     TestInstallation inst{QLatin1String(lang)};
     ASSERT_TRUE(inst.isValid());
     const bool ja = QLatin1String(lang) == QLatin1String("ja");
-    fixtures::Options o;
-    o.type = 102;
+    const fixtures::Options o{.type = 102};
     const QString iface = inst.path(QStringLiteral("temp/INT.txt"));
     ASSERT_TRUE(fixtures::WriteInterface(iface, o));
     ASSERT_TRUE(fixtures::WriteText(inst.path(QStringLiteral("temp/HED.txt")),
@@ -280,10 +271,9 @@ TEST(SaveAsPdfScenario, TheReportLandsInTheChosenFileWithItsText) {
     QDir().mkpath(QFileInfo(pdf).path());
     QString offered;
 
-    PrintChartRequest r;
-    r.maker = &maker;
-    r.catalog = &c;
-    r.redraw = [] { return std::pair<QString, QString>(QStringLiteral("../temp/HED.txt"), QStringLiteral("../temp/INT.txt")); };
+    PrintChartRequest r{.maker = &maker, .catalog = &c, .redraw = [] {
+      return std::pair<QString, QString>(QStringLiteral("../temp/HED.txt"), QStringLiteral("../temp/INT.txt"));
+    }};
     r.showPrinterSetup = [&] {
       frmPrinterSetup setup(c, DefaultPdfPath(QStringLiteral("山田 花子"), QStringLiteral("2024/06"), inst.path("docs")));
       setup.askPdfPath = [&](QWidget*, const QString& suggested) {

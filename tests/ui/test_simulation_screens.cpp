@@ -37,11 +37,8 @@ class SimulationScreens : public ::testing::TestWithParam<const char*> {
     inst_ = std::make_unique<TestInstallation>(english() ? QStringLiteral("en") : QStringLiteral("ja"));
     ASSERT_TRUE(inst_->isValid());
     ASSERT_EQ(OpenDatabaseWithSampleUser(*inst_, db_, kUser), "");
-    RecorderImageOptions o;
-    o.days = 60;
-    o.english = english();
-    o.unitFlag = pounds() ? 1 : 0;
-    o.lastDay = QDate::currentDate().addDays(-1);
+    const RecorderImageOptions o{.english = english(), .days = 60, .lastDay = QDate::currentDate().addDays(-1),
+                                 .unitFlag = pounds() ? 1 : 0};
     ASSERT_EQ(StoreRecorderDays(db_, kUser, o), "");
   }
   void TearDown() override {

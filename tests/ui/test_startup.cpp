@@ -70,13 +70,11 @@ class StartupTest : public ::testing::Test {
   }
 
   void removeConfigKey(const QString& key) {
-    QFile f(inst.configFile());
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    QStringList lines = QString::fromUtf8(f.readAll()).split(u'\n');
-    f.close();
+    const QByteArray text = ReadBytes(inst.configFile());
+    ASSERT_FALSE(text.isEmpty());
+    QStringList lines = QString::fromUtf8(text).split(u'\n');
     lines.removeIf([&](const QString& l) { return l.startsWith(key + u'='); });
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(lines.join(u'\n').toUtf8());
+    ASSERT_TRUE(WriteBytes(inst.configFile(), lines.join(u'\n').toUtf8()));
   }
 
   TestInstallation inst;
@@ -96,11 +94,10 @@ TEST_F(StartupTest, RunsEveryStepInOrderAndAsksThePlatformAtTheRightPoints) {
   EXPECT_EQ(log.indexOf(QStringLiteral("instance")), log.indexOf(QStringLiteral("step single instance")) + 1);
   EXPECT_EQ(log.indexOf(QStringLiteral("splash")), log.indexOf(QStringLiteral("step splash")) + 1);
   // SHIFT_DB is "1": the earlier version is not looked for.
-  EXPECT_TRUE(platform.existsAsked.isEmpty());
-  EXPECT_TRUE(inst.dialog().shown.empty());
+  EXPECT_TRUE(platform.existsAsked.isEmpty() && inst.dialog().shown.empty());
   // The one-time part has read the configuration.
-  EXPECT_EQ(GetLogLevel(), QString::number(Ini_GetLogLevel()));
-  EXPECT_EQ(GetLangCode(), QString::number(Ini_GetLang()));
+  EXPECT_EQ(std::pair(GetLogLevel(), GetLangCode()),
+            std::pair(QString::number(Ini_GetLogLevel()), QString::number(Ini_GetLang())));
 }
 
 TEST_F(StartupTest, FreeSpaceCountsWholeGibibytesAndShowsTheFixedText) {
@@ -143,11 +140,7 @@ TEST_F(StartupTest, TheFirstChecksUseTheDefaultDatabaseWhateverTheConfigurationS
 }
 
 TEST_F(StartupTest, ABrokenDatabaseStopsWithItsTextAndOpensTheManualUntilThatWorks) {
-  {
-    QFile f(inst.dbFile());
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(QByteArray(4096, 'x'));
-  }
+  ASSERT_TRUE(WriteBytes(inst.dbFile(), QByteArray(4096, 'x')));
   const QString manual = QDir(inst.binPath()).absoluteFilePath(QStringLiteral("../help/ERROR_DB.pdf"));
   platform.openSucceedsAt = 0;
   EXPECT_EQ(stop(), StartupStep::DatabaseCheck);
@@ -160,11 +153,7 @@ TEST_F(StartupTest, ABrokenDatabaseStopsWithItsTextAndOpensTheManualUntilThatWor
   EXPECT_TRUE(said.startsWith(CatalogueText(QStringLiteral("DBSF-C-0003"))) && said.contains(QStringLiteral("ACTA.db")))
       << said.toStdString();
   // Never written to, never replaced.
-  {
-    QFile f(inst.dbFile());
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    EXPECT_EQ(f.readAll(), QByteArray(4096, 'x'));
-  }
+  EXPECT_EQ(ReadBytes(inst.dbFile()), QByteArray(4096, 'x'));
   // The message comes before the manual.
   EXPECT_EQ(platform.log.indexOf(QStringLiteral("step database check")) + 1,
             platform.log.indexOf(QRegularExpression(QStringLiteral("open .*"))));
@@ -235,8 +224,7 @@ TEST_F(StartupTest, ASecondLoadRunsOnlyTheFirstThreeChecks) {
 
 TEST_F(StartupTest, TheWorkingConnectionUsesTheConfiguredDatabase) {
   VtDatabase db;
-  ASSERT_TRUE(OpenWorkingDatabase(db));
-  EXPECT_TRUE(db.isOpen());
+  ASSERT_TRUE(OpenWorkingDatabase(db) && db.isOpen());
   VTDB_Close(db);
 
   inst.setConfig(QStringLiteral("SYSTEM"), QStringLiteral("DB_NAME"),
@@ -287,8 +275,7 @@ TEST_F(ClosingTest, TheUsersStopCompactsAndFinishesTheChartLibrary) {
   closing.queryClose(0);
   EXPECT_TRUE(!db.isOpen() && closing.quitRequested());
   EXPECT_EQ(closing.closeMainScreen([this] { return compact(); }), StartupSequence::Outcome::Continue);
-  EXPECT_EQ(Ini_GetSortOrder(), 3);
-  EXPECT_FALSE(chart.hasChart(&surface));
+  EXPECT_EQ(std::pair(Ini_GetSortOrder(), chart.hasChart(&surface)), std::pair(3, false));
   // The compaction leaves a backup beside a database that still opens.
   EXPECT_TRUE(QFile::exists(inst.dbFile() + QStringLiteral(".bak")));
   VtDatabase again;

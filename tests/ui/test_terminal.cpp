@@ -26,24 +26,26 @@ QWidget* TopLevel(const char* name) {
   return nullptr;
 }
 
+// "1" or "0" for each control or menu entry: whether it can be used.
+template <typename... C>
+QString Enabled(C*... c) {
+  return (QString() + ... + QChar(c->isEnabled() ? u'1' : u'0'));
+}
+
 TEST_F(TerminalTest, AFirstStartShowsTheEmptyUserListWithOnlyRegistrationOffered) {
   frmTerminal& w = open();
   EXPECT_EQ(GetScreenState(), kStateUserSelect);
   EXPECT_EQ(w.lvUserList->count(), 0);
   EXPECT_TRUE(w.lblNoUser->isVisible());
-  EXPECT_TRUE(w.btnUserNew->isEnabled());
-  EXPECT_FALSE(w.btnUserEdit->isEnabled());
-  EXPECT_FALSE(w.mnuNameAscend->isEnabled()) << "an empty group offers no sort";
-  EXPECT_FALSE(w.btnReceive->isEnabled()) << "no recorder on the reader";
+  // Only registration: an empty group offers no sort, no recorder is on the reader, and
+  // entries whose screens come from elsewhere wait for their action.
+  EXPECT_EQ(Enabled(w.btnUserNew, w.btnUserEdit, w.mnuNameAscend, w.btnReceive, w.mnuCsvImport), "10000");
   EXPECT_TRUE(w.timerPolling->isActive());
-  // Entries whose screens come from elsewhere wait for their action.
-  EXPECT_FALSE(w.mnuCsvImport->isEnabled());
   int imports = 0;
   frmTerminal::Actions actions;
   actions.csvImport = [&imports] { ++imports; };
   w.setActions(actions);
-  EXPECT_TRUE(w.mnuCsvImport->isEnabled());
-  EXPECT_FALSE(w.mnuCsvExport->isEnabled()) << "nobody to export";
+  EXPECT_EQ(Enabled(w.mnuCsvImport, w.mnuCsvExport), "10") << "nobody to export";
   w.mnuCsvImport->trigger();
   EXPECT_EQ(imports, 1);
 
@@ -52,13 +54,10 @@ TEST_F(TerminalTest, AFirstStartShowsTheEmptyUserListWithOnlyRegistrationOffered
   QSignalSpy closing(&w, &frmTerminal::queryClose);
   SetReceiveRunning(true);
   w.close();
-  EXPECT_TRUE(w.isVisible()) << "no closing in the middle of a receive";
-  EXPECT_EQ(closing.count(), 0);
+  EXPECT_TRUE(w.isVisible() && closing.count() == 0) << "no closing in the middle of a receive";
   SetReceiveRunning(false);
   w.mnuQuit->trigger();
-  EXPECT_FALSE(w.isVisible());
-  EXPECT_EQ(quit.count(), 1);
-  ASSERT_EQ(closing.count(), 1);
+  ASSERT_EQ(std::tuple(w.isVisible(), quit.count(), closing.count()), std::tuple(false, 1, 1));
   EXPECT_EQ(closing.first().at(0).toInt(), 0);
   EXPECT_FALSE(w.timerPolling->isActive());
 }
@@ -72,8 +71,7 @@ TEST_F(TerminalTest, ADroppedRecorderIsReceivedForANewUserThenAgainForTheSameUse
   EXPECT_EQ(screens.asked, QStringList({QStringLiteral("NewCPU"), QStringLiteral("UserRegist")}));
   const QString userId = screens.lastRegisteredId;
   ASSERT_FALSE(userId.isEmpty());
-  EXPECT_EQ(GetCurrentUserId(), userId);
-  EXPECT_EQ(daysOf(userId), 10);
+  EXPECT_EQ(std::pair(GetCurrentUserId(), daysOf(userId)), std::pair(userId, 10));
   // The job screen shows the user's week at once.
   ASSERT_GE(drawn.count(), 1);
   EXPECT_EQ(drawn.last().at(0).toInt(), 100);
@@ -161,9 +159,8 @@ TEST_F(TerminalTest, CancelDuringThePagesStoresNothingAndTheWindowStaysOnItsFace
   EXPECT_TRUE(!TopLevel("frmRecvData") && !TopLevel("frmRecvManagement")) << "the receive's screens are closed";
   // The recorder stays marked: it does not start again by itself.
   QTest::qWait(120);
-  EXPECT_EQ(daysOf(screens.lastRegisteredId), 0);
-  EXPECT_TRUE(GetRecorderHandled());
-  EXPECT_TRUE(w.btnReceive->isEnabled());
+  EXPECT_EQ(std::tuple(daysOf(screens.lastRegisteredId), GetRecorderHandled(), w.btnReceive->isEnabled()),
+            std::tuple(0, true, true));
 }
 
 TEST_F(TerminalTest, ARecorderPlacedWhileRegistrationIsOpenIsNotReceivedWhenItCloses) {
@@ -177,10 +174,9 @@ TEST_F(TerminalTest, ARecorderPlacedWhileRegistrationIsOpenIsNotReceivedWhenItCl
   ASSERT_FALSE(screens.lastRegisteredId.isEmpty());
   EXPECT_TRUE(GetRecorderHandled()) << "seen while the screen was open";
   QTest::qWait(150);
-  EXPECT_EQ(daysOf(screens.lastRegisteredId), 0);
+  EXPECT_EQ(std::pair(daysOf(screens.lastRegisteredId), w.lvUserList->count()), std::pair(0, 1));
   EXPECT_EQ(screens.asked, QStringList({QStringLiteral("UserRegist")}));
-  EXPECT_EQ(w.lvUserList->count(), 1);
-  EXPECT_TRUE(w.btnReceive->isEnabled() && w.mnuReceive->isEnabled());
+  EXPECT_EQ(Enabled(w.btnReceive, w.mnuReceive), "11");
 
   // Taken off and placed again: now it is received.
   takeRecorder();
@@ -222,8 +218,7 @@ TEST_F(NavigationTest, TheRememberedUserOpensOnTheWeekAndEveryButtonMovesTheWind
   EXPECT_TRUE(w.btnDateLatest->isChecked() && w.btnWeek->isChecked());
 
   w.btnDateBack->click();
-  EXPECT_EQ(end(), last.addDays(-1));
-  EXPECT_FALSE(w.btnDateLatest->isChecked());
+  EXPECT_EQ(std::pair(end(), w.btnDateLatest->isChecked()), std::pair(last.addDays(-1), false));
   w.btnDateNext->click();
   w.btnDateNext->click();
   EXPECT_EQ(end(), last) << "next stops at the last measured day";
@@ -238,19 +233,15 @@ TEST_F(NavigationTest, TheRememberedUserOpensOnTheWeekAndEveryButtonMovesTheWind
   w.btnGraph[1]->click();
   EXPECT_EQ(kind(), 201);
   w.btnSixMonths->click();
-  EXPECT_EQ(kind(), 202);
-  EXPECT_EQ(start(), first) << "sixty days do not fill six spans";
+  EXPECT_EQ(std::pair(kind(), start()), std::pair(202, first)) << "sixty days do not fill six spans";
 
   w.btnDay->click();
-  EXPECT_EQ(kind(), 5);
-  EXPECT_EQ(start(), end());
-  EXPECT_FALSE(w.dtDateStart->isEnabled());
-  EXPECT_TRUE(w.lblDispChartOneday->isVisible());
+  EXPECT_EQ(std::pair(kind(), start()), std::pair(5, end()));
+  EXPECT_TRUE(!w.dtDateStart->isEnabled() && w.lblDispChartOneday->isVisible());
   w.btnDateBack->click();
   EXPECT_EQ(end(), last.addDays(-1));
   w.btnGraph[4]->click();
-  EXPECT_EQ(kind(), 400) << "a graph from the day view goes to a week";
-  EXPECT_TRUE(w.btnWeek->isChecked());
+  EXPECT_TRUE(kind() == 400 && w.btnWeek->isChecked()) << "a graph from the day view goes to a week";
 
   // A chosen end date in the picker takes effect with btnDateUpdate.
   w.dtDateEnd->setDate(first.addDays(20));
@@ -269,8 +260,7 @@ TEST_F(NavigationTest, TheRememberedUserOpensOnTheWeekAndEveryButtonMovesTheWind
   ASSERT_EQ(w.lvUserList->count(), 1);
   EXPECT_TRUE(w.lvUserList->item(0)->isSelected() && w.btnUserEdit->isEnabled() && w.mnuDeleteUser->isEnabled());
   Q_EMIT w.lvUserList->itemDoubleClicked(w.lvUserList->item(0));
-  EXPECT_EQ(GetScreenState(), kStateJob);
-  EXPECT_EQ(Ini_GetLastUserId(), kUser);
+  EXPECT_EQ(std::pair(GetScreenState(), Ini_GetLastUserId()), std::pair(kStateJob, kUser));
 }
 
 TEST_F(NavigationTest, AnUnchangedChartReusesItsFilesAndAChangedUserRebuildsThem) {
@@ -310,11 +300,9 @@ TEST_F(TerminalTest, SortOrdersAreStoredAtOnceAndALongNameIsCutBeforeTheHonorifi
   };
   EXPECT_EQ(names(), QStringList({a, b, c}));
   w.mnuRegistDescend->trigger();
-  EXPECT_EQ(names(), QStringList({c, b, a}));
-  EXPECT_EQ(Ini_GetSortOrder(), 1);
+  EXPECT_EQ(std::pair(names(), Ini_GetSortOrder()), std::pair(QStringList({c, b, a}), 1));
   w.mnuNameAscend->trigger();
-  EXPECT_EQ(names().first(), b);
-  EXPECT_EQ(Ini_GetSortOrder(), 2);
+  EXPECT_EQ(std::pair(names().first(), Ini_GetSortOrder()), std::pair(b, 2));
   EXPECT_TRUE(w.mnuNameAscend->isChecked() && !w.mnuRegistDescend->isChecked());
 
   // The user with the long name: cut character by character, honorific kept.
@@ -372,9 +360,7 @@ TEST(TerminalLogicTest, NoDataTurnsTheReportOffAndTheNameCutKeepsWholeCharacters
   const QString smile = QStringLiteral("ab") + QString::fromUcs4(U"\U0001F600");
   EXPECT_EQ(CutToWidth(smile, 30, width), QStringLiteral("ab"));
 
-  UserInfo u;
-  u.FIRST_NAME = QStringLiteral("Anne");
-  u.LAST_NAME = QStringLiteral("Lee");
+  UserInfo u{.FIRST_NAME = "Anne", .LAST_NAME = "Lee"};
   EXPECT_EQ(NameLineText(u, true), QStringLiteral("Anne Lee"));
   u.MIDDLE_NAME = QStringLiteral("M");
   EXPECT_EQ(NameLineText(u, true) + u'|' + NameLineText(u, false), QStringLiteral("Anne M Lee|Anne"));

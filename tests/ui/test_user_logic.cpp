@@ -81,9 +81,9 @@ TEST_F(UserForm, EachTargetIsRefusedJustOutsideItsBoundsAndAcceptedOnThem) {
   for (const Case& c : cases) {
     const Outcome o = regist(c.actCal, c.step, c.exercise);
     const std::string what = std::string(c.actCal) + "/" + c.step + "/" + c.exercise;
-    EXPECT_EQ(o.code, QLatin1String(c.code)) << what;
-    EXPECT_EQ(o.focus, c.focus) << what;
-    EXPECT_EQ(o.close, *c.code == 0) << what;
+    EXPECT_EQ(std::tuple(o.code, o.focus, o.close),
+              std::tuple(QString::fromLatin1(c.code), c.focus, *c.code == 0))
+        << what;
     if (*c.code) {
       EXPECT_TRUE(wasShown(QLatin1String(c.code))) << what;
     }
@@ -99,9 +99,8 @@ TEST_F(UserForm, NameProblemsKeepTheScreenWithTheFocusOnTheName) {
     form.load();
     form.firstName = QString::fromUtf8(name);
     const Outcome o = form.submit();
-    EXPECT_FALSE(o.close) << name;
-    EXPECT_EQ(o.code, QLatin1String(code)) << name;
-    EXPECT_EQ(o.focus, UserField::FirstName) << name;
+    const auto expected = std::tuple(false, QString::fromLatin1(code), UserField::FirstName);
+    EXPECT_EQ(std::tuple(o.close, o.code, o.focus), expected) << name;
     if (o.code == QLatin1String("UREG-W-0003")) {
       EXPECT_TRUE(lastShownText().endsWith(QStringLiteral("氏名:山田 花子"))) << lastShownText().toStdString();
     }
@@ -139,8 +138,7 @@ TEST_F(UserForm, AChangeKeepsWhatTheFormDoesNotHoldAndUsesItsOwnCodes) {
 
   UserFormLogic form(*db, Mode::Modify, id);
   ASSERT_TRUE(form.load());
-  EXPECT_EQ(form.firstName, QStringLiteral("佐藤 一郎"));
-  EXPECT_EQ(form.targetUsing, 1);
+  EXPECT_EQ(std::pair(form.firstName, form.targetUsing), std::pair(QStringLiteral("佐藤 一郎"), 1));
   QString step, actMin, intake, actCal;
   Ini_GetUserTargets(step, actMin, intake, actCal);
   EXPECT_EQ(form.step, step);  // an empty target shows the default
@@ -156,8 +154,7 @@ TEST_F(UserForm, AChangeKeepsWhatTheFormDoesNotHoldAndUsesItsOwnCodes) {
   form.iconIndex = 2;
   SetCurrentUserName(QStringLiteral("old"));
   ASSERT_TRUE(form.submit().close);
-  EXPECT_EQ(GetCurrentUserId(), id);
-  EXPECT_EQ(GetCurrentUserName(), QString());
+  EXPECT_EQ(std::pair(GetCurrentUserId(), GetCurrentUserName()), std::pair(id, QString()));
 
   UserRecord r;
   ASSERT_TRUE(VTDB_GetUserInfoFromUserId(*db, id, r));

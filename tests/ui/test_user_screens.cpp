@@ -111,9 +111,8 @@ TEST_F(UserScreens, TheRegistrationFormFiltersItsFiguresAndFocusesTheFieldThatFa
 
   typeInto(&screen, "txtStepData", QStringLiteral("2000"));
   click(&screen, "btnUserRegist");
-  EXPECT_FALSE(screen.isVisible());
-  EXPECT_EQ(screen.result(), QDialog::Accepted);
-  EXPECT_FALSE(GetModalFormOpen());
+  EXPECT_EQ(std::tuple(screen.isVisible(), screen.result(), GetModalFormOpen()),
+            std::tuple(false, int(QDialog::Accepted), false));
   UserInfo u;
   ASSERT_TRUE(GetUserInfo(*db, u, screen.newUserId()));
   EXPECT_EQ(QStringList({u.FIRST_NAME, QString::number(u.ICONINDEX), u.TARGET_STEP, u.EXTRA1, u.EXTRA3}).join(u'|'),
@@ -131,8 +130,8 @@ TEST_F(UserScreens, DeletionAsksOnlyForAUserWithDaysAndClosesAfterThePress) {
     frmUserDelete screen(*db);
     open(screen);
     click(&screen, "btnUserDelete");
-    EXPECT_EQ(screen.result(), QDialog::Accepted);
-    EXPECT_EQ(screen.deletedUserIds(), QStringList{empty});
+    EXPECT_EQ(std::pair(screen.result(), screen.deletedUserIds()),
+              std::pair(int(QDialog::Accepted), QStringList{empty}));
     EXPECT_TRUE(inst->dialog().shown.empty());  // no question
   }
   const QString keep = addUser(QStringLiteral("記録 有り"));
@@ -145,9 +144,8 @@ TEST_F(UserScreens, DeletionAsksOnlyForAUserWithDaysAndClosesAfterThePress) {
     EXPECT_EQ(screen.lblFNData->text(), QStringLiteral("記録 有り 様"));
     EXPECT_FALSE(screen.lblMNData->isVisibleTo(&screen));
     click(&screen, "btnUserDelete");
-    EXPECT_FALSE(screen.isVisible());
-    EXPECT_EQ(screen.result(), QDialog::Rejected);
-    EXPECT_TRUE(screen.deletedUserIds().isEmpty());
+    EXPECT_EQ(std::tuple(screen.isVisible(), screen.result(), screen.deletedUserIds()),
+              std::tuple(false, int(QDialog::Rejected), QStringList()));
   }
   EXPECT_TRUE(wasShown(QStringLiteral("UDEL-W-0001")));
   EXPECT_EQ(days(keep), 4);
@@ -156,8 +154,8 @@ TEST_F(UserScreens, DeletionAsksOnlyForAUserWithDaysAndClosesAfterThePress) {
   frmUserDelete screen(*db);
   open(screen);
   click(&screen, "btnUserDelete");
-  EXPECT_EQ(screen.result(), QDialog::Accepted);
-  EXPECT_EQ(screen.deletedUserIds(), QStringList{keep});
+  EXPECT_EQ(std::pair(screen.result(), screen.deletedUserIds()),
+            std::pair(int(QDialog::Accepted), QStringList{keep}));
   EXPECT_EQ(days(keep), 0);
 }
 
@@ -201,9 +199,7 @@ TEST_F(UserScreens, ADoubleClickOnAUserInTheSelectionTakesThatUser) {
     doubleClickUser(s, QStringLiteral("新しい 人"));
   });
   const ReceiveReport r = receive(script);
-  ASSERT_EQ(r.ending, ReceiveEnding::Received);
-  EXPECT_EQ(r.userId, second);
-  EXPECT_EQ(days(second), 5);
+  EXPECT_EQ(std::tuple(r.ending, r.userId, days(second)), std::tuple(ReceiveEnding::Received, second, 5));
 }
 
 TEST_F(UserScreens, ARecorderOfAnotherUserIsTakenOverOnlyWhenAsked) {
@@ -225,8 +221,7 @@ TEST_F(UserScreens, ARecorderOfAnotherUserIsTakenOverOnlyWhenAsked) {
 
   ScreenScript yes;
   const ReceiveReport r = receive(yes.thenClick(QStringLiteral("frmRecvMsgAlertUser"), "btnReceive"));
-  ASSERT_EQ(r.ending, ReceiveEnding::Received);
-  EXPECT_EQ(r.userId, current);
+  EXPECT_EQ(std::pair(r.ending, r.userId), std::pair(ReceiveEnding::Received, current));
   EXPECT_EQ(VTDB_GetUserIDFromCPUNo(*db, QStringLiteral("A00042")).trimmed(), current);
   EXPECT_EQ(days(owner), 0);
 }
@@ -247,9 +242,7 @@ TEST_F(UserScreens, ANewRecorderWhileAUserIsOpenGoesToThatUserOnReceive) {
     click(s, "btnReceive");
   });
   const ReceiveReport r = receive(take);
-  ASSERT_EQ(r.ending, ReceiveEnding::Received);
-  EXPECT_EQ(r.userId, current);
-  EXPECT_EQ(days(current), 3);
+  EXPECT_EQ(std::tuple(r.ending, r.userId, days(current)), std::tuple(ReceiveEnding::Received, current, 3));
 }
 
 TEST_F(UserScreens, ARecorderThatLooksResetIsReceivedForItsOwnerOnlyWhenAsked) {
@@ -270,7 +263,5 @@ TEST_F(UserScreens, ARecorderThatLooksResetIsReceivedForItsOwnerOnlyWhenAsked) {
 
   ScreenScript yes;
   const ReceiveReport r = receive(yes.thenClick(QStringLiteral("frmRecvMsgAlertReset"), "btnReceive"));
-  ASSERT_EQ(r.ending, ReceiveEnding::Received);
-  EXPECT_EQ(r.userId, owner);
-  EXPECT_EQ(days(owner), 13);
+  EXPECT_EQ(std::tuple(r.ending, r.userId, days(owner)), std::tuple(ReceiveEnding::Received, owner, 13));
 }
