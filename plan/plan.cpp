@@ -270,6 +270,7 @@ bool SaveWeightPlan(VtDatabase& db, const WeightPlanRecord& record) {
     ok = SetWeightPlan(db, record) && VTDB_CommitTrans(db);
     if (!ok) VTDB_RollbackTrans(db);
   }
+  lock.release();
   if (!ok) {
     WriteTrace(QStringLiteral("2"), QStringLiteral("SaveWeightPlan"), QStringLiteral("SetWeightPlan Error"));
     MessageDialog(QStringLiteral("DSIM-C-0001"));

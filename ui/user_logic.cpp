@@ -176,9 +176,14 @@ UserFormLogic::Outcome UserFormLogic::submit() {
   }
 
   UserInfo u = record();
-  InstallationLock lock(db_.path());
-  if (!writerLockHeld_ && !AcquireForWriting(lock)) return Outcome{false, UserField::None, QStringLiteral("COMN-W-0001")};
-  const int rc = regist ? SetUser(db_, u) : EditUser(db_, u);
+  int rc = 0;
+  {
+    // Held for the write only: the messages below must not keep other writers waiting.
+    InstallationLock lock(db_.path());
+    if (!writerLockHeld_ && !AcquireForWriting(lock))
+      return Outcome{false, UserField::None, QStringLiteral("COMN-W-0001")};
+    rc = regist ? SetUser(db_, u) : EditUser(db_, u);
+  }
   auto warn = [&](const QString& code, const QString& extra = QString()) {
     MessageDialog(code, extra);
     return Outcome{false, UserField::FirstName, code};
@@ -301,9 +306,13 @@ bool UserDeleteLogic::deleteUser() {
   if (!AcquireForWriting(lock)) return false;
   int rc = DeleteUser(db_, id, false);
   if (rc == 2) {
+    // The question waits for a person; other writers need not wait with it.
+    lock.release();
     if (QuestionDialog(QStringLiteral("UDEL-W-0001")) != kAnswerYes) return false;
+    if (!AcquireForWriting(lock)) return false;
     rc = DeleteUser(db_, id, true);
   }
+  lock.release();
   if (rc != 0) {
     MessageDialog(QStringLiteral("UDEL-C-0001"));
     return false;
