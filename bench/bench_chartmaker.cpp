@@ -2,12 +2,10 @@
 // half year of daily bars at 1280x800, the day profile, and a PDF report page.
 #include <benchmark/benchmark.h>
 
-#include <QFileInfo>
 #include <QGuiApplication>
-#include <QTemporaryDir>
 
 #include "chartmaker/chartmaker.h"
-#include "testsupport/chart_fixtures.h"
+#include "testsupport/sample_charts.h"
 
 namespace {
 
@@ -20,16 +18,20 @@ void EnsureGuiApp() {
   static QGuiApplication app(argc, argv);
 }
 
+// The sample user's files of a type over from..to, as the charts writer makes them.
+SampleCharts::Files Make(SampleCharts& sample, int type, const QDate& from, const QDate& to) {
+  SampleCharts::Files f;
+  charts::MakeChartData(sample.db, type, DateToSlash(from), DateToSlash(to), f.iface, f.header, SampleCharts::kUserId);
+  return f;
+}
+
 void RunMake(benchmark::State& state, int type, int days) {
   EnsureGuiApp();
-  QTemporaryDir dir;
-  fixtures::Options o;
-  o.type = type;
-  o.days = days;
-  const QString file = dir.filePath("bench.txt");
-  fixtures::WriteInterface(file, o);
+  SampleCharts sample;
+  const QDate end(2024, 6, 30);
+  const QString file = Make(sample, type, end.addDays(1 - days), end).iface;
   ChartMaker maker;
-  maker.prepare(QFileInfo(QStringLiteral(__FILE__)).absolutePath() + QStringLiteral("/../dist/ja/conf/chart.ini"));
+  maker.prepare(sample.inst.chartIniFile());
   ImageSurface surface(QSize(1280, 800));
   for (auto _ : state) {
     const int rc = maker.make(surface, file);
@@ -46,29 +48,20 @@ void BM_DayProfile(benchmark::State& state) { RunMake(state, 5, 1); }
 
 void BM_Remake(benchmark::State& state) {
   EnsureGuiApp();
-  QTemporaryDir dir;
-  fixtures::Options o;
-  o.type = 402;
-  const QString file = dir.filePath("bench.txt");
-  fixtures::WriteInterface(file, o);
+  SampleCharts sample;
   ChartMaker maker;
   ImageSurface surface(QSize(1280, 800));
-  maker.make(surface, file);
+  maker.make(surface, sample.make(402).iface);
   for (auto _ : state) benchmark::DoNotOptimize(maker.remake(surface));
 }
 
 void BM_PdfReport(benchmark::State& state) {
   EnsureGuiApp();
-  QTemporaryDir dir;
-  fixtures::Options o;
-  o.type = 202;
-  const QString file = dir.filePath("bench.txt");
-  const QString header = dir.filePath("hed.txt");
-  fixtures::WriteInterface(file, o);
-  fixtures::WriteText(header, fixtures::HeaderText(true, o.end.addDays(-167), o.end));
+  SampleCharts sample;
+  const SampleCharts::Files f = sample.make(202);
   ChartMaker maker;
-  const QString pdf = QStringLiteral("pdf:") + dir.filePath("r.pdf");
-  for (auto _ : state) benchmark::DoNotOptimize(maker.print(header, file, pdf, 9));
+  const QString pdf = QStringLiteral("pdf:") + sample.inst.path(QStringLiteral("temp/r.pdf"));
+  for (auto _ : state) benchmark::DoNotOptimize(maker.print(f.header, f.iface, pdf, 9));
 }
 
 }  // namespace

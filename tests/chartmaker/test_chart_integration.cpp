@@ -13,13 +13,9 @@
 #include "device/recorder_image.h"
 #include "frame/frame.h"
 #include "store/store.h"
-#include "testsupport/chart_fixtures.h"
-#include "testsupport/sample_user.h"
-#include "testsupport/test_installation.h"
+#include "testsupport/sample_charts.h"
 
 namespace {
-
-const QString kUser = QStringLiteral("U000000001");
 
 // Share of sampled pixels that differ from the background (the top left corner).
 double InkShare(const QImage& img) {
@@ -32,52 +28,34 @@ double InkShare(const QImage& img) {
 
 class ChartIntegration : public ::testing::Test {
  protected:
-  explicit ChartIntegration(const QString& lang = QStringLiteral("ja")) : inst_(lang) {}
+  explicit ChartIntegration(const QString& lang = QStringLiteral("ja"), int days = 0) : sample_(lang, days) {}
 
   void SetUp() override {
-    ASSERT_TRUE(inst_.isValid());
-    ASSERT_EQ(OpenDatabaseWithSampleUser(inst_, db_, kUser), QString());
-    ASSERT_EQ(maker_.prepare(inst_.chartIniFile()), chartcode::kOk);
+    ASSERT_EQ(sample_.error, QString());
+    ASSERT_EQ(maker_.prepare(sample_.inst.chartIniFile()), chartcode::kOk);
+  }
+  // Makes the files of a type over the window its screen shows; false when not made.
+  bool make(int type, const QDate& end = QDate(2024, 6, 30)) {
+    const SampleCharts::Files f = sample_.make(type, end);
+    std::tie(iface_, header_, sim_) = std::tie(f.iface, f.header, f.sim);
+    return !iface_.isEmpty();
   }
 
-  // The window the screen would show for a type: its period, ending on the last day.
-  static int PeriodOf(int type) {
-    if (type == 5) return charts::kPeriodDay;
-    return type % 100 == 0 ? charts::kPeriodWeek
-                           : type % 100 == 1 ? charts::kPeriodMonth : charts::kPeriodSixMonths;
-  }
-  bool window(int type, QDate& from, QDate& to) {
-    charts::RangeState st;
-    if (!charts::ReadUserRange(db_, kUser, st.rangeFirst, st.rangeLast)) return false;
-    st.dtDateEnd = st.rangeLast;
-    if (!charts::DateAdjustment(st, PeriodOf(type), charts::kAdjustLatest)) return false;
-    from = st.dtDateStart;
-    to = st.dtDateEnd;
-    return true;
-  }
-
-  // Makes the files of a type over its window; false when they were not made.
-  bool make(int type) {
-    QDate from, to;
-    if (!window(type, from, to)) return false;
-    return charts::MakeChartData(db_, type, DateToSlash(from), DateToSlash(to), iface_, header_,
-                                 QString(), QString(), &sim_);
-  }
-
-  TestInstallation inst_;
-  VtDatabase db_;
+  SampleCharts sample_;
   ChartMaker maker_;
   QString iface_, header_, sim_;
+};
+
+class SampleChartIntegration : public ChartIntegration {
+ protected:
+  SampleChartIntegration() : ChartIntegration(QStringLiteral("ja"), 200) {}
 };
 
 const int kTypes[] = {100, 101, 102, 200, 201, 202, 300, 301, 302, 400, 401, 402, 500,
                       501, 502, 600, 601, 602, 800, 801, 802, 900, 901, 902, 5};
 
-TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
-  ASSERT_EQ(StoreRecorderDays(db_, kUser, {.days = 200, .seed = 11}), QString());
-  // A weight plan, so that the plan weights and the .sim file carry values.
-  ASSERT_TRUE(SetWeightPlan(db_, {.UserId = kUser, .StartDate = "20240401", .EndDate = "20240901",
-                                  .TargetWeight = "70.0", .StartWeight = "75.0", .PoundFlag = "0"}));
+// The sample has a weight plan, so the plan weights and the .sim file carry values.
+TEST_F(SampleChartIntegration, EveryWrittenChartDrawsWithoutFault) {
 
   for (int type : kTypes) {
     SCOPED_TRACE(type);
@@ -93,7 +71,7 @@ TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
     EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
     ASSERT_EQ(surface.image().size(), QSize(1280, 800));
     EXPECT_DOUBLE_EQ(surface.image().devicePixelRatio(), 2.0);
-    EXPECT_GT(fixtures::DistinctColours(surface.image()), 8);
+    EXPECT_GT(DistinctColours(surface.image()), 8);
     EXPECT_GT(InkShare(surface.image()), 0.03);
     // To look at the pictures: VANTORA_CHART_OUT=/some/folder.
     if (const QString out = qEnvironmentVariable("VANTORA_CHART_OUT"); !out.isEmpty())
@@ -105,7 +83,7 @@ TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
       ASSERT_EQ(ReadSimFile(sim_, sim), ChartReadStatus::Ok);
       EXPECT_EQ(sim.planStart, QDate(2024, 4, 1));
       EXPECT_TRUE(sim.targetWeight.has_value());
-      const QString bmp = inst_.path(QStringLiteral("temp/simulation.bmp"));
+      const QString bmp = sample_.inst.path(QStringLiteral("temp/simulation.bmp"));
       EXPECT_EQ(CreateGraphBMPPersonal(maker_, surface, iface_, bmp), chartcode::kOk);
       EXPECT_FALSE(QImage(bmp).isNull());
       // Without the .sim file the weights of the lines still draw.
@@ -116,7 +94,7 @@ TEST_F(ChartIntegration, EveryWrittenChartDrawsWithoutFault) {
 
   // The report of the six-month evaluation, with the header file the writer made.
   ASSERT_TRUE(make(102));
-  const QString pdf = inst_.path(QStringLiteral("temp/report.pdf"));
+  const QString pdf = sample_.inst.path(QStringLiteral("temp/report.pdf"));
   EXPECT_EQ(PrintChartPersonal(maker_, header_, iface_, QStringLiteral("pdf:") + pdf, 9), chartcode::kOk);
   EXPECT_GT(QFileInfo(pdf).size(), 10000);
   HeaderFile h;
@@ -132,8 +110,8 @@ TEST_F(ChartIntegration, DayProfileOfEachRecorderKind) {
   for (RecorderKind kind : {RecorderKind::BrioNormal, RecorderKind::BrioMets}) {
     o.kind = kind;
     o.lastDay = o.lastDay.addDays(3);
-    ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
-    ASSERT_TRUE(make(5));
+    ASSERT_EQ(StoreRecorderDays(sample_.db, SampleCharts::kUserId, o), QString());
+    ASSERT_TRUE(make(5, o.lastDay));
     InterfaceFile parsed;
     ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
     ASSERT_EQ(parsed.lines.size(), 1u);
@@ -154,10 +132,10 @@ TEST_F(EnglishChartIntegration, MixedUnitsAreReadInTheUnitOfTheLastDay) {
   // Kilograms and kilometres first, then the same recorder set to pounds and miles.
   RecorderImageOptions o{.kind = RecorderKind::BrioMets, .english = true, .days = 60, .cpuNo = "123456",
                          .lastDay = QDate(2024, 5, 31)};
-  ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
+  ASSERT_EQ(StoreRecorderDays(sample_.db, SampleCharts::kUserId, o), QString());
   o.unitFlag = 1;
   o.lastDay = QDate(2024, 6, 30);
-  ASSERT_EQ(StoreRecorderDays(db_, kUser, o), QString());
+  ASSERT_EQ(StoreRecorderDays(sample_.db, SampleCharts::kUserId, o), QString());
 
   for (int type : {100, 600, 601, 602, 801, 802, 5}) {
     SCOPED_TRACE(type);

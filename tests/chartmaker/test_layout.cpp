@@ -4,12 +4,11 @@
 
 #include <QImage>
 #include <QPainter>
-#include <QTemporaryDir>
 #include <cmath>
 
 #include "chartmaker/chartdraw.h"
 #include "chartmaker/draw/layout.h"
-#include "testsupport/chart_fixtures.h"
+#include "testsupport/sample_charts.h"
 
 using namespace chartdraw;
 
@@ -160,11 +159,9 @@ TEST(ChartLayout, ReportTableShrinksRowsBeforeLeavingThemOff) {
 // The configured axis maximum reaches the drawing through the settings alone: a larger
 // one draws the same chart smaller, an unusable one leaves the chart's own.
 TEST(ChartAxis, ConfiguredMaximumComesWithTheSettings) {
-  QTemporaryDir dir;
-  const QString file = dir.filePath(QStringLiteral("steps.txt"));
-  ASSERT_TRUE(fixtures::WriteInterface(file, {.type = 200}));
+  SampleCharts sample(QStringLiteral("ja"), 10);
   ChartDocument doc;
-  ASSERT_EQ(ReadInterfaceFile(file, doc.data), ChartReadStatus::Ok);
+  ASSERT_EQ(ReadInterfaceFile(sample.make(200).iface, doc.data), ChartReadStatus::Ok);
   auto draw = [&](const QString& maxSteps) {
     ChartSettings s;
     s.axisMaxima.steps = maxSteps;

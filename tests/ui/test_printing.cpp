@@ -14,8 +14,7 @@
 #include "frame/catalogue.h"
 #include "frame/config.h"
 #include "frame/shared_values.h"
-#include "testsupport/chart_fixtures.h"
-#include "testsupport/test_installation.h"
+#include "testsupport/sample_charts.h"
 #include "ui/frmPrinterSetup.h"
 #include "ui/frmVersion.h"
 #include "ui/printing.h"
@@ -59,17 +58,18 @@ class PrintingTest : public ::testing::Test {
     ASSERT_TRUE(inst.isValid());
     SetLogLevel(QStringLiteral("0"));
   }
-  // A week's chart files in temp/ and a chart library whose printer records.
+  // A week's chart files as temp/INT.txt and temp/HED.txt, and a chart library whose
+  // printer records.
   void writeChartFiles() {
-    fixtures::Options o;
-    ASSERT_TRUE(fixtures::WriteInterface(inst.path(QStringLiteral("temp/INT.txt")), o));
-    ASSERT_TRUE(fixtures::WriteText(inst.path(QStringLiteral("temp/HED.txt")),
-                                    fixtures::HeaderText(true, o.end.addDays(-6), o.end)));
+    const SampleCharts::Files f = sample.make(200);
+    ASSERT_TRUE(QFile::rename(f.iface, inst.path(QStringLiteral("temp/INT.txt"))) &&
+                QFile::rename(f.header, inst.path(QStringLiteral("temp/HED.txt"))));
     maker.setReportPrinter(printer);
   }
   ChartMaker maker;
   std::shared_ptr<RecordingPrinter> printer = std::make_shared<RecordingPrinter>();
-  TestInstallation inst{QStringLiteral("ja")};
+  SampleCharts sample{QStringLiteral("ja"), 10};
+  TestInstallation& inst = sample.inst;
 };
 
 TEST(PaperNumbers, MapBothWaysAndKeepSizesWithoutANumber) {
@@ -256,14 +256,13 @@ TEST_F(PrintingTest, PrintCurrentChartPrintsTheChosenPrinterOrNothing) {
 // on its own paper.
 TEST(SaveAsPdfScenario, TheReportLandsInTheChosenFileWithItsText) {
   for (const char* lang : {"ja", "en"}) {
-    TestInstallation inst{QLatin1String(lang)};
-    ASSERT_TRUE(inst.isValid());
+    SampleCharts sample{QLatin1String(lang), 30};
+    ASSERT_EQ(sample.error, QString());
+    const TestInstallation& inst = sample.inst;
     const bool ja = QLatin1String(lang) == QLatin1String("ja");
-    const fixtures::Options o{.type = 102};
-    const QString iface = inst.path(QStringLiteral("temp/INT.txt"));
-    ASSERT_TRUE(fixtures::WriteInterface(iface, o));
-    ASSERT_TRUE(fixtures::WriteText(inst.path(QStringLiteral("temp/HED.txt")),
-                                    fixtures::HeaderText(ja, o.end.addDays(-27), o.end)));
+    const SampleCharts::Files f = sample.make(102);
+    ASSERT_TRUE(QFile::rename(f.iface, inst.path(QStringLiteral("temp/INT.txt"))) &&
+                QFile::rename(f.header, inst.path(QStringLiteral("temp/HED.txt"))));
     ChartMaker maker;
     ASSERT_EQ(maker.prepare(inst.chartIniFile()), 0);
     FixedPrinterCatalog c = TwoPrinters();
@@ -290,8 +289,10 @@ TEST(SaveAsPdfScenario, TheReportLandsInTheChosenFileWithItsText) {
     ASSERT_TRUE(QFileInfo(pdf).size() > 1000);
     if (QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty()) GTEST_SKIP() << "no pdftotext";
     // The month report of that person, text that can be found and copied.
-    const QString text = fixtures::PdfText(pdf);
-    EXPECT_TRUE(text.contains(ja ? QStringLiteral("45 / 女性") : QStringLiteral("52 / Female"))) << text.toStdString();
+    const QString text = PdfText(pdf);
+    EXPECT_TRUE(text.contains(QStringLiteral("Hana Sato")) &&
+                text.contains(QRegularExpression(ja ? QStringLiteral("\\d+ / 男性") : QStringLiteral("\\d+ / Male"))))
+        << text.toStdString();
     QProcess info;
     info.start(QStringLiteral("pdfinfo"), {pdf});
     info.waitForFinished(30000);
@@ -311,7 +312,7 @@ TEST_F(PrintingTest, HelpAndDiaryOpenOrSayWhy) {
   EXPECT_FALSE(OpenHelp(nullptr, open));  // no such file
   EXPECT_TRUE(opened.isEmpty());
   EXPECT_TRUE(Shown(inst.dialog(), QStringLiteral("USEL-I-0004")));
-  fixtures::WriteText(inst.path(QStringLiteral("help/manual.pdf")), QStringLiteral("%PDF-1.4"));
+  WriteBytes(inst.path(QStringLiteral("help/manual.pdf")), "%PDF-1.4");
   inst.dialog().shown.clear();
   EXPECT_TRUE(OpenHelp(nullptr, open));
   EXPECT_EQ(opened, QStringList{QUrl::fromLocalFile(inst.path(QStringLiteral("help/manual.pdf"))).toString()});
