@@ -18,18 +18,11 @@ void EnsureGuiApp() {
   static QGuiApplication app(argc, argv);
 }
 
-// The sample user's files of a type over from..to, as the charts writer makes them.
-SampleCharts::Files Make(SampleCharts& sample, int type, const QDate& from, const QDate& to) {
-  SampleCharts::Files f;
-  charts::MakeChartData(sample.db, type, DateToSlash(from), DateToSlash(to), f.iface, f.header, SampleCharts::kUserId);
-  return f;
-}
-
 void RunMake(benchmark::State& state, int type, int days) {
   EnsureGuiApp();
   SampleCharts sample;
   const QDate end(2024, 6, 30);
-  const QString file = Make(sample, type, end.addDays(1 - days), end).iface;
+  const QString file = sample.makeOver(type, end.addDays(1 - days), end).iface;
   ChartMaker maker;
   maker.prepare(sample.inst.chartIniFile());
   ImageSurface surface(QSize(1280, 800));

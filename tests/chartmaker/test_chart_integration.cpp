@@ -36,14 +36,13 @@ class ChartIntegration : public ::testing::Test {
   }
   // Makes the files of a type over the window its screen shows; false when not made.
   bool make(int type, const QDate& end = QDate(2024, 6, 30)) {
-    const SampleCharts::Files f = sample_.make(type, end);
-    std::tie(iface_, header_, sim_) = std::tie(f.iface, f.header, f.sim);
-    return !iface_.isEmpty();
+    files_ = sample_.make(type, end);
+    return !files_.iface.isEmpty();
   }
 
   SampleCharts sample_;
   ChartMaker maker_;
-  QString iface_, header_, sim_;
+  SampleCharts::Files files_;
 };
 
 class SampleChartIntegration : public ChartIntegration {
@@ -61,14 +60,14 @@ TEST_F(SampleChartIntegration, EveryWrittenChartDrawsWithoutFault) {
     SCOPED_TRACE(type);
     ASSERT_TRUE(make(type));
     InterfaceFile parsed;
-    ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
+    ASSERT_EQ(ReadInterfaceFile(files_.iface, parsed), ChartReadStatus::Ok);
     EXPECT_EQ(parsed.type, type);
     EXPECT_GT(parsed.linesWithFigures(), 0);
     EXPECT_EQ(parsed.imperialUnit(), false);
 
     // Drawn at the surface's size and pixel ratio.
     ImageSurface surface(QSize(640, 400), 2.0);
-    EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
+    EXPECT_EQ(ChartMakerPersonal(maker_, surface, files_.iface), chartcode::kOk);
     ASSERT_EQ(surface.image().size(), QSize(1280, 800));
     EXPECT_DOUBLE_EQ(surface.image().devicePixelRatio(), 2.0);
     EXPECT_GT(DistinctColours(surface.image()), 8);
@@ -78,27 +77,27 @@ TEST_F(SampleChartIntegration, EveryWrittenChartDrawsWithoutFault) {
       surface.image().save(QStringLiteral("%1/%2.png").arg(out).arg(type));
 
     if (type / 100 == 8) {
-      ASSERT_FALSE(sim_.isEmpty());
+      ASSERT_FALSE(files_.sim.isEmpty());
       SimFile sim;
-      ASSERT_EQ(ReadSimFile(sim_, sim), ChartReadStatus::Ok);
+      ASSERT_EQ(ReadSimFile(files_.sim, sim), ChartReadStatus::Ok);
       EXPECT_EQ(sim.planStart, QDate(2024, 4, 1));
       EXPECT_TRUE(sim.targetWeight.has_value());
       const QString bmp = sample_.inst.path(QStringLiteral("temp/simulation.bmp"));
-      EXPECT_EQ(CreateGraphBMPPersonal(maker_, surface, iface_, bmp), chartcode::kOk);
+      EXPECT_EQ(CreateGraphBMPPersonal(maker_, surface, files_.iface, bmp), chartcode::kOk);
       EXPECT_FALSE(QImage(bmp).isNull());
       // Without the .sim file the weights of the lines still draw.
-      ASSERT_TRUE(QFile::remove(sim_));
-      EXPECT_EQ(CreateGraphBMPPersonal(maker_, surface, iface_, bmp), chartcode::kOk);
+      ASSERT_TRUE(QFile::remove(files_.sim));
+      EXPECT_EQ(CreateGraphBMPPersonal(maker_, surface, files_.iface, bmp), chartcode::kOk);
     }
   }
 
   // The report of the six-month evaluation, with the header file the writer made.
   ASSERT_TRUE(make(102));
   const QString pdf = sample_.inst.path(QStringLiteral("temp/report.pdf"));
-  EXPECT_EQ(PrintChartPersonal(maker_, header_, iface_, QStringLiteral("pdf:") + pdf, 9), chartcode::kOk);
+  EXPECT_EQ(PrintChartPersonal(maker_, files_.header, files_.iface, QStringLiteral("pdf:") + pdf, 9), chartcode::kOk);
   EXPECT_GT(QFileInfo(pdf).size(), 10000);
   HeaderFile h;
-  ASSERT_EQ(ReadHeaderFile(header_, h), ChartReadStatus::Ok);
+  ASSERT_EQ(ReadHeaderFile(files_.header, h), ChartReadStatus::Ok);
   EXPECT_EQ(h.firstName + u'|' + h.height.right(3) + u'|' + h.weight.right(3), "Hana| cm| kg");
   EXPECT_FALSE(h.imperial);
 }
@@ -113,12 +112,12 @@ TEST_F(ChartIntegration, DayProfileOfEachRecorderKind) {
     ASSERT_EQ(StoreRecorderDays(sample_.db, SampleCharts::kUserId, o), QString());
     ASSERT_TRUE(make(5, o.lastDay));
     InterfaceFile parsed;
-    ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
+    ASSERT_EQ(ReadInterfaceFile(files_.iface, parsed), ChartReadStatus::Ok);
     ASSERT_EQ(parsed.lines.size(), 1u);
     const DayProfile p = ReadDayProfile(parsed.lines[0]);
     EXPECT_EQ(std::pair(p.any, p.metsMode), std::pair(true, kind == RecorderKind::BrioMets));
     ImageSurface surface(QSize(800, 500));
-    EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
+    EXPECT_EQ(ChartMakerPersonal(maker_, surface, files_.iface), chartcode::kOk);
   }
 }
 
@@ -141,7 +140,7 @@ TEST_F(EnglishChartIntegration, MixedUnitsAreReadInTheUnitOfTheLastDay) {
     SCOPED_TRACE(type);
     ASSERT_TRUE(make(type));
     InterfaceFile parsed;
-    ASSERT_EQ(ReadInterfaceFile(iface_, parsed), ChartReadStatus::Ok);
+    ASSERT_EQ(ReadInterfaceFile(files_.iface, parsed), ChartReadStatus::Ok);
     // Every line that tells its unit tells pounds: the writer showed the whole list in
     // the unit of the last day, and gave each weight the form of that unit.
     int told = 0;
@@ -152,13 +151,13 @@ TEST_F(EnglishChartIntegration, MixedUnitsAreReadInTheUnitOfTheLastDay) {
     }
     EXPECT_GT(told, 0);
     ImageSurface surface(QSize(640, 400));
-    EXPECT_EQ(ChartMakerPersonal(maker_, surface, iface_), chartcode::kOk);
+    EXPECT_EQ(ChartMakerPersonal(maker_, surface, files_.iface), chartcode::kOk);
   }
 
   // The report's header says pounds as well.
   ASSERT_TRUE(make(601));
   HeaderFile h;
-  ASSERT_EQ(ReadHeaderFile(header_, h), ChartReadStatus::Ok);
+  ASSERT_EQ(ReadHeaderFile(files_.header, h), ChartReadStatus::Ok);
   EXPECT_TRUE(h.imperial);
 }
 

@@ -50,7 +50,7 @@ TEST_F(ChartMakerTest, BadFilesGiveTheirCodesAndNeverAPicture) {
                            "200\r\n20240601,20240607\r\n0,0,0,0,0,0\r\n0,20240601\r\n",
                            "200\r\n20240601,20240607\r\n0,0,0,0,0,0\r\n0,20240608,20240601\r\n"})
     EXPECT_EQ(ChartMakerPersonal(maker, surface, write("t.txt", text)), chartcode::kFileMalformed) << text;
-  // Random bytes.
+  // Bytes of every value, no text.
   QByteArray noise;
   for (int i = 0; i < 5000; ++i) noise.append(static_cast<char>((i * 7919 + i / 13) % 256));
   EXPECT_EQ(ChartMakerPersonal(maker, surface, write("noise.txt", noise)), chartcode::kFileMalformed);

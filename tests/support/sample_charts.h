@@ -39,9 +39,13 @@ class SampleCharts {
                        : type % 100 == 0 ? charts::kPeriodWeek
                        : type % 100 == 1 ? charts::kPeriodMonth
                                          : charts::kPeriodSixMonths;
+    return makeOver(type, charts::GetStarEndRange(period, end, -1), end);
+  }
+  // The files of a type over any window.
+  Files makeOver(int type, const QDate& from, const QDate& to) {
     Files f;
-    if (!charts::MakeChartData(db, type, DateToSlash(charts::GetStarEndRange(period, end, -1)), DateToSlash(end),
-                               f.iface, f.header, kUserId, QString(), &f.sim))
+    if (!charts::MakeChartData(db, type, DateToSlash(from), DateToSlash(to), f.iface, f.header, kUserId, QString(),
+                               &f.sim))
       f.iface.clear();
     return f;
   }
